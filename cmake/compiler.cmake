@@ -1,0 +1,17 @@
+# One set of compiler rules for everything in the house.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+# No asserts-off surprises: a release build and a debug build answer alike.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2")
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(QUELLARO_SANITIZE)
+  add_compile_options(-fsanitize=${QUELLARO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${QUELLARO_SANITIZE})
+endif()

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/coregraphics/geometry.h"
+
+namespace quellaro {
+
+enum class PathVerb : std::uint8_t { Move, Line, Quad, Cubic, Close };
+
+// How many points a verb owns in CGPath::points.
+constexpr int pointCount(PathVerb verb) {
+  switch (verb) {
+    case PathVerb::Move:
+    case PathVerb::Line:
+      return 1;
+    case PathVerb::Quad:
+      return 2;
+    case PathVerb::Cubic:
+      return 3;
+    case PathVerb::Close:
+      break;
+  }
+  return 0;
+}
+
+// An outline: one byte for each segment, and the segments' points one after the other (control points before the end
+// point). A segment other than a move is only ever stored after a move, so whoever walks a path may rely on a current
+// point.
+class CGPath {
+ public:
+  void moveTo(CGPoint to);
+  // These add nothing while the path has no current point.
+  void lineTo(CGPoint to);
+  void quadTo(CGPoint control, CGPoint to);
+  void cubicTo(CGPoint control1, CGPoint control2, CGPoint to);
+  // After a close the current point is the start of the sub-path that was closed.
+  void close();
+
+  bool empty() const { return verbs_.empty(); }
+  const std::vector<PathVerb>& verbs() const { return verbs_; }
+  const std::vector<CGPoint>& points() const { return points_; }
+  // Gives back what growing has left over; for paths that are kept.
+  void shrinkToFit();
+
+ private:
+  std::vector<PathVerb> verbs_;
+  std::vector<CGPoint> points_;
+};
+
+}  // namespace quellaro

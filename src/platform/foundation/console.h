@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace quellaro {
+
+// Receives each printed text, the line break at its end included. Any thread may print; calls never overlap.
+using ConsoleSink = std::function<void(std::string_view)>;
+
+// Prints the text and one line break. Goes to standard output, as is, unless a sink has been set.
+void print(std::string_view text);
+
+// An empty sink restores standard output.
+void setConsoleSink(ConsoleSink sink);
+
+// For what the platform itself has to say to whoever operates the machine: one line on standard error.
+void logToStandardError(std::string_view text);
+
+}  // namespace quellaro

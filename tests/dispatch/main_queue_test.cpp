@@ -1,0 +1,178 @@
+#include "platform/dispatch/main_queue.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include <limits>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/dispatch/group.h"
+#include "platform/dispatch/manual_clock.h"
+#include "platform/dispatch/serial_queue.h"
+#include "support/main_queue_driver.h"
+
+namespace quellaro {
+namespace {
+
+bool isReadable(int descriptor) {
+  pollfd poller{descriptor, POLLIN, 0};
+  return poll(&poller, 1, 0) == 1;
+}
+
+TEST(MainQueue, RunsWorkInOrderAndOnlyWhatWasQueuedBeforeTheDrain) {
+  MainQueue queue;
+  std::string order;
+  queue.async([&] {
+    order += 'a';
+    queue.async([&] { order += 'c'; });
+  });
+  queue.async([&] { order += 'b'; });
+  EXPECT_EQ(order, "");
+  EXPECT_TRUE(queue.drain());
+  EXPECT_EQ(order, "ab");
+  EXPECT_TRUE(queue.drain());
+  EXPECT_EQ(order, "abc");
+  EXPECT_FALSE(queue.drain());
+}
+
+TEST(MainQueue, TimersFireByDeadlineAndThenInTheOrderOfScheduling) {
+  MainQueue queue;
+  ManualClock clock(100);
+  queue.setClock(&clock);
+  std::string order;
+  queue.asyncAfter(2, [&] { order += 'c'; });
+  queue.asyncAfter(1, [&] { order += 'a'; });
+  queue.asyncAfter(1, [&] { order += 'b'; });
+  EXPECT_EQ(queue.nextDeadline(), 101);
+  queue.drain();
+  EXPECT_EQ(order, "");
+  clock.set(102);
+  queue.drain();
+  EXPECT_EQ(order, "abc");
+  EXPECT_TRUE(queue.isIdle());
+}
+
+TEST(MainQueue, ADelayThatIsNoDelayIsDueAtOnce) {
+  for (const double delay :
+       {0.0, -5.0, std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity()}) {
+    MainQueue queue;
+    bool ran = false;
+    queue.asyncAfter(delay, [&] { ran = true; });
+    queue.drain();
+    EXPECT_TRUE(ran) << delay;
+  }
+}
+
+TEST(MainQueue, TheDescriptorIsReadableExactlyWhileWorkIsQueued) {
+  MainQueue queue;
+  EXPECT_FALSE(isReadable(queue.fileDescriptor()));
+  queue.async([&] { queue.async([] {}); });
+  EXPECT_TRUE(isReadable(queue.fileDescriptor()));
+  queue.drain();
+  EXPECT_TRUE(isReadable(queue.fileDescriptor()));
+  queue.drain();
+  EXPECT_FALSE(isReadable(queue.fileDescriptor()));
+}
+
+TEST(MainQueue, RunSleepsTowardsTimersAndReturnsWhenStoppedOrIdle) {
+  MainQueue queue;
+  int count = 0;
+  queue.asyncAfter(0.01, [&] { ++count; });
+  queue.run(true);
+  EXPECT_EQ(count, 1);
+
+  queue.asyncAfter(3600, [&] { ++count; });
+  std::thread other([&] { queue.async([&] { queue.stop(); }); });
+  queue.run();
+  other.join();
+  EXPECT_EQ(count, 1);
+}
+
+TEST(MainQueue, AnnouncedWorkKeepsTheQueueFromBeingIdle) {
+  MainQueue queue;
+  PendingActivity activity = queue.beginActivity();
+  EXPECT_FALSE(queue.isIdle());
+  std::thread other([&queue, held = std::move(activity)]() mutable {
+    queue.async([] {});
+    held.reset();
+  });
+  queue.run(true);
+  other.join();
+  EXPECT_TRUE(queue.isIdle());
+}
+
+TEST(MainQueue, TheIdleHandlerRunsOnlyAfterTheLastWork) {
+  MainQueue queue;
+  std::string order;
+  queue.setIdleHandler([&] { order += '.'; });
+  queue.async([&] {
+    order += 'a';
+    queue.async([&] { order += 'b'; });
+  });
+  queue.drain();
+  queue.drain();
+  EXPECT_EQ(order, "ab.");
+}
+
+TEST(DispatchGroup, NotifiesOnceEmptyAndNeverInsideTheCall) {
+  MainQueue queue;
+  int notified = 0;
+  DispatchGroup group;
+  group.leave();
+  group.notify(queue, [&] { ++notified; });
+  EXPECT_EQ(notified, 0);
+  queue.drain();
+  EXPECT_EQ(notified, 1);
+
+  group.enter();
+  group.enter();
+  group.notify(queue, [&] { ++notified; });
+  group.leave();
+  queue.drain();
+  EXPECT_EQ(notified, 1);
+  group.leave();
+  EXPECT_EQ(notified, 1);
+  queue.drain();
+  EXPECT_EQ(notified, 2);
+}
+
+TEST(DispatchGroup, DroppedWhileEnteredItFreesItsNotificationsUnrun) {
+  MainQueue queue;
+  auto held = std::make_shared<int>(0);
+  {
+    DispatchGroup group;
+    group.enter();
+    group.notify(queue, [held] { ++*held; });
+  }
+  queue.drain();
+  EXPECT_EQ(*held, 0);
+  EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(SerialQueue, KeepsTheOrderOfAsynchronousAndSynchronousWork) {
+  const SerialQueue label("a label longer than a thread's name", QualityOfService::Background);
+  EXPECT_EQ(label.label(), "a label longer than a thread's name");
+  std::vector<int> order;
+  {
+    SerialQueue queue("order", QualityOfService::UserInitiated);
+    for (int i = 0; i < 100; ++i) queue.async([&order, i] { order.push_back(i); });
+    queue.sync([&order] { order.push_back(100); });
+  }
+  ASSERT_EQ(order.size(), 101u);
+  for (int i = 0; i <= 100; ++i) EXPECT_EQ(order[static_cast<std::size_t>(i)], i);
+}
+
+TEST(SerialQueue, WorkOutlivesTheQueueAndIsAnnouncedToTheMainQueue) {
+  MainQueueDriver driver;
+  std::atomic<bool> ran = false;
+  {
+    SerialQueue("gone", QualityOfService::Default).async([&] { ran = true; });
+  }
+  driver.settle();
+  EXPECT_TRUE(ran);
+}
+
+}  // namespace
+}  // namespace quellaro

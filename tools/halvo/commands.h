@@ -1,0 +1,7 @@
+#pragma once
+
+namespace halvo {
+
+// Each command has a file of its own. argv[0] is the command's name; the result is the exit status.
+
+}  // namespace halvo

@@ -1,0 +1,41 @@
+#include <cstdio>
+#include <string>
+
+#include "commands.h"
+#include "options.h"
+
+namespace {
+
+struct Command {
+  const char* name;
+  const char* summary;
+  int (*run)(int argc, char** argv);
+};
+
+constexpr Command kCommands[] = {
+    {"help", "print this", nullptr},
+};
+
+void printHelp(std::FILE* file) {
+  std::fputs("Usage: halvo COMMAND [arguments]\n\nCommands:\n", file);
+  for (const Command& command : kCommands) std::fprintf(file, "  %-8s %s\n", command.name, command.summary);
+  std::fputs("\n'halvo COMMAND --help' tells more.\n", file);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) {
+    printHelp(stderr);
+    return halvo::kExitUsage;
+  }
+  const std::string name = argv[1];
+  if (name == "--help" || name == "help") {
+    printHelp(stdout);
+    return halvo::kExitFine;
+  }
+  for (const Command& command : kCommands)
+    if (command.name == name && command.run != nullptr) return command.run(argc - 1, argv + 1);
+  std::fprintf(stderr, "halvo: unknown command %s\nTry 'halvo --help'.\n", name.c_str());
+  return halvo::kExitUsage;
+}
