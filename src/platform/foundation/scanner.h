@@ -1,0 +1,72 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/foundation/numbers.h"
+
+namespace quellaro {
+
+// A set of ASCII characters.
+class NSCharacterSet {
+ public:
+  constexpr explicit NSCharacterSet(std::string_view members) {
+    for (const char c : members) contains_[static_cast<unsigned char>(c)] = true;
+  }
+  constexpr bool contains(char c) const { return contains_[static_cast<unsigned char>(c)]; }
+
+ private:
+  std::array<bool, 256> contains_{};
+};
+
+// Reads a text from the front. Every scan first passes over the characters to be skipped and then either succeeds and
+// moves on, or fails and leaves the position where it was, skipped characters included. Text and set must outlive it.
+class NSScanner {
+ public:
+  NSScanner(std::string_view text, const NSCharacterSet& charactersToBeSkipped)
+      : at_(text.data()), end_(text.data() + text.size()), skipped_(&charactersToBeSkipped) {}
+
+  // Whether nothing but skipped characters is left.
+  bool isAtEnd() const { return afterSkipped() == end_; }
+
+  // A decimal number, as scanDecimal reads it.
+  std::optional<double> scanDouble() {
+    const char* const start = afterSkipped();
+    double value = 0;
+    const char* const end = scanDecimal(start, end_, value);
+    if (end == start) return std::nullopt;
+    at_ = end;
+    return value;
+  }
+
+  // The longest run of characters from the set, at least one.
+  std::optional<std::string_view> scanCharacters(const NSCharacterSet& set);
+
+  // The literal, without regard to the case of ASCII letters.
+  bool scanString(std::string_view literal);
+
+  // Hexadecimal digits after an optional "0x" or "0X". What does not fit becomes the largest 64-bit number.
+  std::optional<std::uint64_t> scanHexLongLong();
+
+  // The older style: whether the scan succeeded, the result in an out-parameter, which may be null and is left alone
+  // on failure.
+  bool getScannedCharacters(const NSCharacterSet& from, std::string* into);
+  bool getScannedDouble(double* into);
+  bool getScannedString(std::string_view literal, std::string* into);
+
+ private:
+  const char* afterSkipped() const {
+    const char* p = at_;
+    while (p != end_ && skipped_->contains(*p)) ++p;
+    return p;
+  }
+
+  const char* at_;
+  const char* end_;
+  const NSCharacterSet* skipped_;
+};
+
+}  // namespace quellaro
