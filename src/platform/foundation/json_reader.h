@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/foundation/error.h"
+
+namespace quellaro {
+
+enum class JSONType { Null, Boolean, Number, String, Array, Object };
+
+// "a string", "an array" and so on, for messages.
+std::string_view describe(JSONType type);
+
+// A value inside a JSONDocument. Cheap to copy; valid, as are the texts it gives, for as long as the document lives.
+// What is asked for and what is there must be of one type: a boolean is no number, a number is no string.
+class JSONValue {
+ public:
+  JSONType type() const;
+  std::optional<bool> boolean() const;
+  // Any number without a fraction counts, 3.0 and 3e0 too, as long as 64 bits hold it.
+  std::optional<std::int64_t> wholeNumber() const;
+  std::optional<double> number() const;
+  std::optional<std::string_view> string() const;
+  // Empty when this is no array, or no object.
+  std::vector<JSONValue> elements() const;
+  // In document order. Of equal keys the first counts.
+  std::vector<std::pair<std::string_view, JSONValue>> members() const;
+  std::optional<JSONValue> member(std::string_view key) const;
+  // The value written out again, compactly.
+  std::string text() const;
+
+ private:
+  friend class JSONDocument;
+  JSONValue() = default;
+  // The parser's own handle, which only the source file knows.
+  alignas(void*) std::byte handle_[2 * sizeof(void*)]{};
+};
+
+// A whole, valid JSON text: nothing of it is left unread, so nothing about it is found wrong later. A byte order mark
+// in front is skipped. Integers beyond 64 bits, more than 1024 levels and invalid UTF-8 make a text unreadable.
+class JSONDocument {
+ public:
+  // Takes the bytes over and gives them back to the system before it returns: the document has its own copy of every
+  // string.
+  static Result<JSONDocument> parse(std::string bytes);
+
+  JSONDocument(JSONDocument&&) noexcept;
+  JSONDocument& operator=(JSONDocument&&) noexcept;
+  ~JSONDocument();
+
+  JSONValue root() const;
+
+ private:
+  struct Content;
+  explicit JSONDocument(std::unique_ptr<Content> content);
+  std::unique_ptr<Content> content_;
+};
+
+}  // namespace quellaro

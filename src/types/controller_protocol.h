@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "assets/sdk_config.h"
+
+namespace quellaro {
+
+class QLHalvoView;
+
+using Callback = std::function<void()>;
+
+// What the cue's controller asks of its animation player and its sound player. Exactly one of the two callbacks of each
+// call is called, on any thread, unless the implementation says otherwise.
+class QLHalvoControllerProtocol {
+ public:
+  virtual ~QLHalvoControllerProtocol() = default;
+
+  // Loads the asset of the cue with this normalised name.
+  virtual void prepare(const std::string& cueName, Callback onSuccess, Callback onFailure) = 0;
+  // Plays what was prepared; the callback comes when playing has ended or failed. Main thread. The sound player is
+  // given no view.
+  virtual void play(const std::shared_ptr<QLHalvoView>& view, const std::shared_ptr<const QLHalvoSDKConfig>& config,
+                    Callback onSuccess, Callback onFailure) = 0;
+};
+
+// The sound player also tells how loud the last sound was.
+class QLHalvoSoundProtocol : public QLHalvoControllerProtocol {
+ public:
+  // The output volume, 0.0 to 1.0, measured when a sound ended or could not start; 0.0 before that.
+  virtual float volumeLevel() const = 0;
+};
+
+}  // namespace quellaro
