@@ -1,0 +1,20 @@
+#include "public/halvo_collaborators.h"
+
+#include "media/haptics_feedback_error.h"
+
+namespace quellaro {
+
+HalvoCollaborators HalvoCollaborators::standard() {
+  return {
+      .makeAnimationController = [] { return nullptr; },
+      .makeAudioController = [] { return nullptr; },
+      .makeUpgradeController = [] { return nullptr; },
+      .makeHapticsManager = []() -> Result<std::shared_ptr<HapticsManagerProtocol>> {
+        return errorOf(HapticsFeedbackError::deviceDoesNotSupportHaptics);
+      },
+      .supportsHaptics = [] { return false; },
+      .makeAnalyticsManager = [] { return nullptr; },
+  };
+}
+
+}  // namespace quellaro
