@@ -9,4 +9,10 @@ namespace quellaro::limits {
 // A file that is read whole. The heaviest honest file is animation.json: 1200 frames of 34 KB are 40 MB.
 inline constexpr std::size_t kFileBytes = std::size_t{256} << 20;
 
+// Of one XML document. Nothing recurses, but each open element and each element read takes memory (some 200 bytes);
+// an honest frame has thousands of elements, a few deep, with a few attributes each.
+inline constexpr std::size_t kXmlElements = 2'000'000;
+inline constexpr std::size_t kXmlDepth = 1'500'000;
+inline constexpr std::size_t kXmlAttributes = 10'000;
+
 }  // namespace quellaro::limits

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <expat.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/foundation/xml_parser.h"
+
+// One document read by three parsers, each telling what it heard in the same words.
+namespace quellaro {
+
+struct Heard {
+  bool wellFormed = false;
+  std::vector<std::string> events;
+
+  void start(std::string_view name) { events.push_back("<" + std::string(name)); }
+  void attribute(std::string_view name, std::string_view value) {
+    events.push_back(std::string(name).append("=").append(value));
+  }
+  void end(std::string_view name) { events.push_back(">" + std::string(name)); }
+};
+
+inline Heard hearOurs(std::string_view text) {
+  struct Delegate : NSXMLParserDelegate {
+    Heard heard;
+    void parserDidStartElement(std::string_view name, const XMLAttributes& attributes) override {
+      heard.start(name);
+      for (const XMLAttribute& one : attributes) heard.attribute(one.name, one.value);
+    }
+    void parserDidEndElement(std::string_view name) override { heard.end(name); }
+  } delegate;
+  TextStorage storage;
+  NSXMLParser parser(text, storage);
+  parser.setDelegate(&delegate);
+  delegate.heard.wellFormed = parser.parse();
+  return delegate.heard;
+}
+
+inline Heard hearExpat(std::string_view text) {
+  Heard heard;
+  XML_Parser parser = XML_ParserCreate("UTF-8");
+  XML_SetUserData(parser, &heard);
+  XML_SetElementHandler(
+      parser,
+      [](void* data, const char* name, const char** attributes) {
+        static_cast<Heard*>(data)->start(name);
+        for (; *attributes != nullptr; attributes += 2)
+          static_cast<Heard*>(data)->attribute(attributes[0], attributes[1]);
+      },
+      [](void* data, const char* name) { static_cast<Heard*>(data)->end(name); });
+  heard.wellFormed = XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1) == XML_STATUS_OK;
+  XML_ParserFree(parser);
+  return heard;
+}
+
+inline Heard hearLibxml(std::string_view text) {
+  Heard heard;
+  xmlSAXHandler handler;
+  std::memset(&handler, 0, sizeof handler);
+  handler.initialized = 1;  // the first interface: names as written
+  handler.startElement = [](void* data, const xmlChar* name, const xmlChar** attributes) {
+    const auto asText = [](const xmlChar* characters) { return reinterpret_cast<const char*>(characters); };
+    static_cast<Heard*>(data)->start(asText(name));
+    for (; attributes != nullptr && *attributes != nullptr; attributes += 2)
+      static_cast<Heard*>(data)->attribute(asText(attributes[0]), asText(attributes[1]));
+  };
+  handler.endElement = [](void* data, const xmlChar* name) {
+    static_cast<Heard*>(data)->end(reinterpret_cast<const char*>(name));
+  };
+  xmlParserCtxtPtr context = xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size()));
+  if (context == nullptr) return heard;  // it takes no empty text
+  xmlSAXHandlerPtr own = context->sax;
+  context->sax = &handler;
+  context->userData = &heard;
+  context->replaceEntities = 1;
+  xmlParseDocument(context);
+  heard.wellFormed = context->wellFormed != 0;
+  context->sax = own;
+  xmlFreeDoc(context->myDoc);
+  xmlFreeParserCtxt(context);
+  return heard;
+}
+
+}  // namespace quellaro
