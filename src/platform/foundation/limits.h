@@ -15,4 +15,7 @@ inline constexpr std::size_t kXmlElements = 2'000'000;
 inline constexpr std::size_t kXmlDepth = 1'500'000;
 inline constexpr std::size_t kXmlAttributes = 10'000;
 
+// The body of a response, decoded. Three times the heaviest honest animation.json.
+inline constexpr std::size_t kResponseBytes = std::size_t{128} << 20;
+
 }  // namespace quellaro::limits

@@ -1,0 +1,107 @@
+#include "support/nginx_server.h"
+
+#include <arpa/inet.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+#include "support/scripted_server.h"
+
+namespace quellaro {
+
+namespace {
+
+void runOrThrow(const std::string& command) {
+  if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
+}
+
+bool acceptsConnections(int port) {
+  const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<in_port_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  const bool connected = connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  close(descriptor);
+  return connected;
+}
+
+std::string configuration(const std::filesystem::path& root, const std::string& scratch, int port,
+                          const Certificate* certificate) {
+  std::string text = geteuid() == 0 ? "user root;\n" : "";
+  text += "daemon off; master_process off; pid " + scratch + "/pid; error_log " + scratch + "/error.log;\n";
+  text += "events { worker_connections 64; }\nhttp {\n  types { application/json json; audio/mpeg mp3; }\n";
+  text += R"(  log_format exact '$request_method $request_uri $status type=$http_content_type expect=$http_expect )";
+  text += "length=$content_length';\n  access_log " + scratch + "/access.log exact;\n";
+  for (const char* kind : {"client_body", "proxy", "fastcgi", "uwsgi", "scgi"})
+    text += std::string("  ") + kind + "_temp_path " + scratch + "/" + kind + ";\n";
+  text += "  gzip on; gzip_min_length 1; gzip_types application/json;\n";
+  text += "  server {\n    listen 127.0.0.1:" + std::to_string(port) + (certificate != nullptr ? " ssl" : "") + ";\n";
+  if (certificate != nullptr)
+    text += "    ssl_certificate " + certificate->certificate.string() + ";\n    ssl_certificate_key " +
+            certificate->key.string() + ";\n";
+  return text + "    root " + root.string() + ";\n  }\n}\n";
+}
+
+}  // namespace
+
+Certificate makeCertificate(const std::filesystem::path& directory, const std::string& notBefore,
+                            const std::string& notAfter) {
+  std::filesystem::create_directories(directory / "new");
+  writeFile(directory / "index.txt", "");
+  writeFile(
+      directory / "ca.conf",
+      "[ca]\ndefault_ca = c\n[c]\ndatabase = index.txt\nnew_certs_dir = new\nrand_serial = yes\ndefault_md = sha256\n"
+      "policy = p\nx509_extensions = e\n[p]\ncommonName = supplied\n"
+      "[e]\nsubjectAltName = IP:127.0.0.1\nbasicConstraints = critical,CA:TRUE\n");
+  runOrThrow("cd " + directory.string() +
+             " && openssl req -new -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -keyout key.pem -out "
+             "request.pem -subj /CN=127.0.0.1 2>openssl.log && openssl ca -batch -selfsign -config ca.conf -keyfile "
+             "key.pem -in request.pem -out certificate.pem -startdate " +
+             notBefore + " -enddate " + notAfter + " >>openssl.log 2>&1");
+  return {directory / "certificate.pem", directory / "key.pem"};
+}
+
+NginxServer::NginxServer(const std::filesystem::path& root, const Certificate* certificate) {
+  const int port = freePort();
+  address_ = (certificate != nullptr ? "https" : "http") + std::string("://127.0.0.1:") + std::to_string(port);
+  writeFile(directory_ / "nginx.conf", configuration(root, directory_.path().string(), port, certificate));
+  const std::string file = (directory_ / "nginx.conf").string();
+  const std::string log = (directory_ / "error.log").string();
+  const std::vector<std::string> arguments = {"nginx", "-c", file, "-e", log};
+  std::vector<char*> argv;
+  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
+  // Where Debian has it, which is not on everybody's path.
+  if (posix_spawn(&process_, "/usr/sbin/nginx", nullptr, nullptr, argv.data(), environ) != 0)
+    throw std::runtime_error("nginx is not installed");
+  for (int i = 0; i < 500 && !acceptsConnections(port); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  if (!acceptsConnections(port))
+    throw std::runtime_error("nginx does not start: " + readFile(directory_ / "error.log"));
+}
+
+NginxServer::~NginxServer() {
+  kill(process_, SIGTERM);
+  waitpid(process_, nullptr, 0);
+}
+
+std::vector<std::string> NginxServer::requests(std::size_t count) const {
+  std::vector<std::string> lines;
+  for (int i = 0; i < 200 && (i == 0 || lines.size() < count); ++i) {
+    if (i > 0) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    lines.clear();
+    std::istringstream log(readFile(directory_ / "access.log"));
+    for (std::string line; std::getline(log, line);) lines.push_back(line);
+  }
+  return lines;
+}
+
+}  // namespace quellaro

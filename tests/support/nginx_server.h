@@ -1,0 +1,44 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "support/temporary_directory.h"
+
+namespace quellaro {
+
+// Certificate and key of a server at 127.0.0.1, in PEM files. It is its own authority.
+struct Certificate {
+  std::filesystem::path certificate;
+  std::filesystem::path key;
+};
+
+// Made with the openssl program, in `directory`. The dates are YYYYMMDDHHMMSSZ.
+Certificate makeCertificate(const std::filesystem::path& directory, const std::string& notBefore,
+                            const std::string& notAfter);
+
+// nginx, serving a directory on the loopback.
+class NginxServer {
+ public:
+  // With https when a certificate is given.
+  explicit NginxServer(const std::filesystem::path& root, const Certificate* certificate = nullptr);
+  ~NginxServer();
+  NginxServer(const NginxServer&) = delete;
+  NginxServer& operator=(const NginxServer&) = delete;
+
+  // "http://127.0.0.1:PORT", or https.
+  const std::string& address() const { return address_; }
+  // What was asked, one line each: "METHOD PATH STATUS type=CONTENT_TYPE expect=EXPECT length=CONTENT_LENGTH". Waits
+  // until there are `count`, as the log follows the answer.
+  std::vector<std::string> requests(std::size_t count) const;
+
+ private:
+  TemporaryDirectory directory_;
+  std::string address_;
+  pid_t process_ = -1;
+};
+
+}  // namespace quellaro
