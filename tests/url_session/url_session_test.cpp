@@ -158,8 +158,8 @@ TEST(URLSession, EveryWayAnAnswerCanGoWrongIsAnErrorWithACode) {
       {"closed before the headers", [](auto&, auto&) {}, code(URLErrorCode::NetworkConnectionLost), "(no data)"},
       {"closed within the headers", [](auto&, auto& c) { c.send("HTTP/1.1 200 OK\r\nContent-Le"); },
        code(URLErrorCode::NetworkConnectionLost), "(no data)"},
-      {"no HTTP at all", [](auto&, auto& c) { c.send("hello, who is there?\r\n\r\n"); }, code(URLErrorCode::Unknown),
-       "(no data)"},
+      {"no HTTP at all", [](auto&, auto& c) { c.send("hello, who is there?\r\n\r\n"); },
+       code(URLErrorCode::BadServerResponse), "(no data)"},
       {"silence before the headers", [](auto&, auto& c) { c.hang(); }, code(URLErrorCode::TimedOut), "(no data)", 0.2},
       {"silence within the headers",
        [](auto&, auto& c) {
@@ -182,7 +182,7 @@ TEST(URLSession, EveryWayAnAnswerCanGoWrongIsAnErrorWithACode) {
          c.send("HTTP/1.1 302 Found\r\nLocation: /\r\n\r\n");
          while (c.send(std::string(1 << 20, 'x'))) continue;
        },
-       code(URLErrorCode::DataLengthExceedsMaximum), "(no data)"},
+       code(URLErrorCode::HTTPTooManyRedirects), "(no data)"},
       {"too much, and said so",
        [](auto&, auto& c) {
          c.send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(limits::kResponseBytes + 1) + "\r\n\r\n");

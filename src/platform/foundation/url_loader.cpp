@@ -37,12 +37,18 @@ void URLLoader::start(std::unique_ptr<URLTransfer> transfer) {
     return;
   }
   incoming_.push_back(std::move(transfer));
-  if (multi_ != nullptr) curl_multi_wakeup(multi_);
+  curl_multi_wakeup(multi_);
 }
 
 bool URLLoader::startThread() {
-  // For an exit while the thread is still getting ready; run() says why once is not enough.
-  std::atexit(freezeAtExit);
+  if (multi_ == nullptr) {
+    // Here rather than on the thread, a few milliseconds once: what the first line initialises is taken apart at exit,
+    // and as exit handlers run in the reverse order of their registration, this one comes before that.
+    curl_global_init(CURL_GLOBAL_ALL);
+    std::atexit(freezeAtExit);
+    multi_ = curl_multi_init();
+    if (multi_ == nullptr) return false;
+  }
   // Signals are for the host's threads. The thread inherits the mask, and so do those that resolve names.
   sigset_t all;
   sigset_t before;
@@ -66,25 +72,15 @@ void URLLoader::freeze() {
 void URLLoader::run() {
   pthread_setname_np(pthread_self(), "URLSession");
   std::unique_lock working(working_);
-  curl_global_init(CURL_GLOBAL_ALL);
-  // What the line above initialises is taken apart at exit. Handlers run in the reverse order of their registration:
-  // this one comes first.
-  std::atexit(freezeAtExit);
-  CURLM* const multi = curl_multi_init();
-  if (multi == nullptr) std::abort();  // out of memory
-  {
-    const std::lock_guard lock(mutex_);
-    multi_ = multi;
-  }
   while (true) {
     admit();
     int running = 0;
-    curl_multi_perform(multi, &running);
+    curl_multi_perform(multi_, &running);
     collect();
     giveUpSilent(MonotonicClock{}.now());
     const int milliseconds = millisecondsToSleep();
     working.unlock();
-    curl_multi_poll(multi, nullptr, 0, milliseconds, nullptr);
+    curl_multi_poll(multi_, nullptr, 0, milliseconds, nullptr);
     working.lock();
   }
 }

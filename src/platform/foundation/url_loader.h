@@ -33,7 +33,7 @@ class URLLoader {
 
   std::mutex mutex_;
   bool isRunning_ = false;
-  CURLM* multi_ = nullptr;  // written under the mutex by the thread
+  CURLM* multi_ = nullptr;  // there before the thread is
   std::vector<std::unique_ptr<URLTransfer>> incoming_;
 
   // Held by the thread whenever it does more than sleep.

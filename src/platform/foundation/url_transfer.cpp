@@ -37,10 +37,12 @@ URLErrorCode codeOfCertificate(long verifyResult) {
   return URLErrorCode::ServerCertificateUntrusted;
 }
 
-URLErrorCode codeOf(CURLcode result, CURL* handle) {
+// An address that is not supported is a redirect's, as the first one is looked at in advance; without a header it is an
+// answer that is no HTTP.
+URLErrorCode codeOf(CURLcode result, CURL* handle, bool hasAnswered) {
   switch (result) {
     case CURLE_UNSUPPORTED_PROTOCOL:
-      return URLErrorCode::UnsupportedURL;
+      return hasAnswered ? URLErrorCode::UnsupportedURL : URLErrorCode::BadServerResponse;
     case CURLE_URL_MALFORMAT:
       return URLErrorCode::BadURL;
     case CURLE_COULDNT_RESOLVE_HOST:
@@ -175,6 +177,15 @@ void URLTransfer::setCallbacks() {
   curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, write);
   curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
 
+  // Each line of a head ends here, the empty one behind it too.
+  curl_write_callback header = [](char* bytes, std::size_t, std::size_t count, void* self) {
+    const std::string_view line(bytes, count);
+    static_cast<URLTransfer*>(self)->head_ = line == "\r\n" || line == "\n" ? Head::Complete : Head::Begun;
+    return count;
+  };
+  curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, header);
+  curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
+
   // Also counts what never comes to receive(): the body of a redirect.
   curl_easy_setopt(handle, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits::kResponseBytes));
   curl_xferinfo_callback progress = [](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t) {
@@ -246,10 +257,13 @@ std::optional<NSHTTPURLResponse> URLTransfer::response() const {
 
 void URLTransfer::finish(CURLcode result) {
   if (result == CURLE_OK && decoder_) failure_ = decoder_->finish();
+  // A head that breaks off would otherwise pass for an answer without a body.
+  if (result == CURLE_OK && head_ != Head::Complete) failure_ = URLErrorCode::NetworkConnectionLost;
   if (failure_)
     fail(*failure_);
   else if (result != CURLE_OK)
-    fail(codeOf(result, handle_.get()), detail_[0] != '\0' ? detail_.data() : curl_easy_strerror(result));
+    fail(codeOf(result, handle_.get(), head_ != Head::None),
+         detail_[0] != '\0' ? detail_.data() : curl_easy_strerror(result));
   else if (body_.empty())
     complete(std::nullopt, response(), std::nullopt);
   else

@@ -43,6 +43,8 @@ class URLTransfer {
     std::uint64_t bytes = 0;
     friend bool operator==(const LineState&, const LineState&) = default;
   };
+  // How much has come of the last response's head.
+  enum class Head { None, Begun, Complete };
   struct EasyCleanup {
     void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
   };
@@ -72,6 +74,7 @@ class URLTransfer {
   LineState lastLineState_;
   std::vector<curl_socket_t> sockets_;
   std::uint64_t socketsSeen_ = 0;
+  Head head_ = Head::None;
   std::string body_;
   std::optional<ContentDecoder> decoder_;
   // Why the transfer was broken off from this side.
