@@ -13,6 +13,7 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
+    {"play", "prepare a cue and play it", halvo::play},
     {"help", "print this", nullptr},
 };
 

@@ -1,0 +1,174 @@
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "commands.h"
+#include "options.h"
+#include "platform/dispatch/main_queue.h"
+#include "platform/foundation/application.h"
+#include "platform/foundation/bundle.h"
+#include "platform/foundation/file_manager.h"
+#include "public/halvo_controller.h"
+
+namespace halvo {
+
+namespace {
+
+using namespace quellaro;
+
+struct PlayOptions {
+  std::string cue;
+  QLHalvoType type = QLHalvoType::animationAndSound;
+  QLHalvoEnvironment environment = QLHalvoEnvironment::primary;
+  std::shared_ptr<const QLHalvoMerchant> merchant;
+  bool haptics = false;
+  std::int64_t times = 1;
+  bool settle = false;
+};
+
+std::optional<std::string> chooseType(const std::string& name, QLHalvoType& type) {
+  if (name == "animationAndSound")
+    type = QLHalvoType::animationAndSound;
+  else if (name == "soundOnly")
+    type = QLHalvoType::soundOnly;
+  else if (name == "animationOnly")
+    type = QLHalvoType::animationOnly;
+  else
+    return "animationAndSound, soundOnly or animationOnly is needed";
+  return std::nullopt;
+}
+
+std::optional<std::string> chooseEnvironment(const std::string& name, QLHalvoEnvironment& environment) {
+  if (name != "primary" && name != "secondary") return "primary or secondary is needed";
+  environment = name == "primary" ? QLHalvoEnvironment::primary : QLHalvoEnvironment::secondary;
+  return std::nullopt;
+}
+
+std::shared_ptr<const QLHalvoMerchant> sampleMerchant() {
+  return QLHalvoMerchant::make("Corner Shop", "US", "San Francisco", {"5411"}, std::nullopt);
+}
+
+// The file holds a merchant's JSON form; the constructor decides, so an absent key counts as empty.
+std::optional<std::string> readMerchant(const std::string& path, std::shared_ptr<const QLHalvoMerchant>& merchant) {
+  auto bytes = FileManager::readAtPath(path);
+  if (!bytes) return bytes.error().localizedDescription;
+  const auto document = JSONDocument::parse(std::move(*bytes));
+  if (!document) return document.error().localizedDescription;
+  JSONDecoder decoder(document->root());
+  const JSONField root = JSONField::root(decoder);
+  const auto text = [&](const char* key) -> std::optional<std::string> {
+    const JSONField field = root.optional(key);
+    if (!field.isPresent()) return std::nullopt;
+    return field.string();
+  };
+  const auto name = text("merchantName");
+  const auto country = text("countryCode");
+  const auto city = text("city");
+  const JSONField codes = root.optional("merchantCategoryCodes");
+  const std::vector<std::string> categoryCodes = codes.isPresent() ? codes.strings() : std::vector<std::string>();
+  const auto id = text("merchantId");
+  if (decoder.error()) return decoder.error()->localizedDescription;
+  merchant = QLHalvoMerchant::make(name.value_or(""), country.value_or(""), city, categoryCodes, id);
+  if (!merchant) return "a merchant needs a name, a country code and at least one category code";
+  return std::nullopt;
+}
+
+std::optional<std::string> chooseBundle(const std::string& path) {
+  if (!FileManager::directoryExistsAtPath(path)) return "there is no such directory";
+  NSBundle::setLibraryPath(path);
+  return std::nullopt;
+}
+
+std::optional<std::string> chooseIdentifier(const std::string& identifier) {
+  const auto problem = setApplicationIdentifier(identifier);
+  return problem ? std::optional(problem->localizedDescription) : std::nullopt;
+}
+
+// One prepare and the plays that follow it.
+class PlaySession {
+ public:
+  explicit PlaySession(PlayOptions options) : options_(std::move(options)), controller_(QLHalvoController::make()) {}
+
+  int run() {
+    const auto prepared = answerOf("prepare", [this](const HalvoCompletion& completion) {
+      controller_->prepare(options_.type, options_.cue, options_.environment, options_.merchant, options_.haptics,
+                           completion);
+    });
+    std::optional<QLHalvoStatus> last = prepared;
+    for (std::int64_t i = 0; last && i < options_.times; ++i) {
+      if (options_.settle) settle();
+      last = answerOf("play", [this](const HalvoCompletion& completion) { controller_->play(nullptr, completion); });
+    }
+    if (!last) return failure("nothing is left that could bring an answer");
+    if (options_.settle) settle();
+    const bool isFine = *last == QLHalvoStatus::success || *last == QLHalvoStatus::successWithFallback;
+    return isFine ? kExitFine : kExitFailure;
+  }
+
+ private:
+  // Starts an operation and runs the main queue until it answers; nothing when no answer can come any more.
+  template <class Start>
+  std::optional<QLHalvoStatus> answerOf(const char* operation, Start start) {
+    const auto answer = std::make_shared<std::optional<QLHalvoStatus>>();
+    start([answer, operation](QLHalvoStatus code) {
+      *answer = code;
+      std::printf("%s: %d %s\n", operation, static_cast<int>(code), std::string(nameOf(code)).c_str());
+      std::fflush(stdout);
+    });
+    MainQueue& queue = MainQueue::shared();
+    while (!*answer && !queue.isIdle())
+      if (!queue.drain()) queue.wait();
+    return *answer;
+  }
+
+  static void settle() {
+    MainQueue& queue = MainQueue::shared();
+    while (queue.hasQueuedWorkOrActivities())
+      if (!queue.drain()) queue.wait();
+  }
+
+  PlayOptions options_;
+  std::shared_ptr<QLHalvoController> controller_;
+};
+
+}  // namespace
+
+int play(int argc, char** argv) {
+  PlayOptions options;
+  options.merchant = sampleMerchant();
+  setApplicationIdentifier("dev.quellaro.halvo");
+
+  CommandLine commandLine;
+  commandLine.usage = "play CUE [options]";
+  commandLine.summary =
+      "Prepares CUE once and plays it. Prints the library's own lines, and one line for each answer:\n"
+      "'prepare: CODE NAME' and 'play: CODE NAME'. Exit status: 0 when the last code is 800 or 801, 1 when it is\n"
+      "another, 2 for unusable arguments.";
+  commandLine.minimumPositional = commandLine.maximumPositional = 1;
+  commandLine.options = {
+      {"type", "TYPE", "animationAndSound, soundOnly or animationOnly (animationAndSound)",
+       [&](const std::string& value) { return chooseType(value, options.type); }},
+      {"environment", "NAME", "primary or secondary (primary)",
+       [&](const std::string& value) { return chooseEnvironment(value, options.environment); }},
+      {"merchant", "FILE", "merchant record in its JSON form (a sample merchant)",
+       [&](const std::string& value) { return readMerchant(value, options.merchant); }},
+      {"haptics", "", "ask for haptics", setFlag(options.haptics)},
+      {"times", "N", "plays, one after the other; 0 only prepares (1)", setNumber(options.times, 0, 1000000)},
+      {"settle", "", "before each play and before the end, wait for requests and queued work", setFlag(options.settle)},
+      {"bundle", "DIR", "the library's bundle: Info.json and the built-in assets (the installed set)", chooseBundle},
+      {"library", "DIR", "the application's Library directory ($XDG_DATA_HOME/APP_ID)",
+       [](const std::string& value) -> std::optional<std::string> {
+         if (value.empty()) return "a directory is needed";
+         setLibraryDirectory(value);
+         return std::nullopt;
+       }},
+      {"app-id", "ID", "bundle identifier of the host application, '' for none (dev.quellaro.halvo)", chooseIdentifier},
+  };
+  const Parsed parsed = parse(commandLine, argc, argv);
+  if (parsed.exitStatus) return *parsed.exitStatus;
+  options.cue = parsed.positional[0];
+  return PlaySession(std::move(options)).run();
+}
+
+}  // namespace halvo
