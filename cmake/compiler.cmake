@@ -10,6 +10,8 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 # No asserts-off surprises: a release build and a debug build answer alike.
 set(CMAKE_CXX_FLAGS_RELEASE "-O2")
 
+# The same arithmetic on every machine: no fused multiply-add behind our back.
+add_compile_options(-ffp-contract=off)
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 if(QUELLARO_SANITIZE)
   add_compile_options(-fsanitize=${QUELLARO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/quartzcore/raster/curve.h"
+#include "platform/quartzcore/raster/rasterizer.h"
+
+namespace quellaro {
+
+// How far a chord may lie from its curve, in pixels.
+inline constexpr double kFlatness = 0.1;
+
+// The edges of an outline's inside, for a path that walkOutline() walks in subpixels relative to the area's corner.
+// Every contour is closed.
+template <bool kClipped>
+class FillSink {
+ public:
+  FillSink(Rasterizer& rasterizer, const Box& area) : rasterizer_(rasterizer), area_(area) {}
+
+  void move(CGPoint to) {
+    close();
+    start_ = current_ = to;
+  }
+  void line(CGPoint to) {
+    if constexpr (kClipped)
+      rasterizer_.clippedEdge(current_, to);
+    else
+      rasterizer_.edge(current_, to);
+    current_ = to;
+  }
+  void cubic(CGPoint control1, CGPoint control2, CGPoint to) {
+    const Cubic curve{current_, control1, control2, to};
+    const auto emit = [this](CGPoint end) { line(end); };
+    if constexpr (kClipped)
+      emitVisibleChords(
+          curve, kTolerance, [this](const Box& box) { return box.overlaps(area_); }, emit);
+    else
+      emitChords(curve, static_cast<int>(curve.steps(kTolerance)), emit);
+  }
+  void close() {
+    if (current_ != start_) line(start_);
+  }
+
+ private:
+  static constexpr double kTolerance = kFlatness * kSubpixels;
+
+  Rasterizer& rasterizer_;
+  Box area_;
+  CGPoint start_;
+  CGPoint current_;
+};
+
+}  // namespace quellaro

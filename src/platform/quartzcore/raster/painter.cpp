@@ -1,0 +1,103 @@
+#include "platform/quartzcore/raster/painter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "platform/quartzcore/raster/fill.h"
+#include "platform/quartzcore/raster/outline.h"
+#include "platform/quartzcore/raster/stroker.h"
+
+namespace quellaro {
+
+namespace {
+
+// Cells for this many pixels at a time: a huge surface is drawn in bands.
+constexpr std::size_t kBandPixels = std::size_t{1} << 22;
+
+// Blocks of cells stand on the same pixels for every shape.
+PixelRect pixelsAround(const Box& box, const Bitmap& bitmap) {
+  const auto within = [](double value, int end) {
+    return static_cast<int>(std::min<double>(end, std::max(0.0, value)));
+  };
+  PixelRect rect{within(std::floor(box.minX), bitmap.width), within(std::floor(box.minY), bitmap.height),
+                 within(std::ceil(box.maxX), bitmap.width), within(std::ceil(box.maxY), bitmap.height)};
+  constexpr int kBlock = kBlockPixels;
+  rect.left -= rect.left % kBlock;
+  rect.right = std::min(bitmap.width, (rect.right + kBlock - 1) / kBlock * kBlock);
+  return rect;
+}
+
+// Pixels to subpixels relative to the area's corner.
+Affine toArea(const Affine& transform, const PixelRect& area) {
+  return concat(transform, {kSubpixels, 0, 0, kSubpixels, -static_cast<double>(area.left) * kSubpixels,
+                            -static_cast<double>(area.top) * kSubpixels});
+}
+
+Box subpixelBox(const PixelRect& area) {
+  return {0, 0, static_cast<double>(area.width()) * kSubpixels, static_cast<double>(area.height()) * kSubpixels};
+}
+
+// The user-space box of what the area shows; everything when the transform cannot be undone.
+Box visibleBox(const Affine& transform, const PixelRect& area) {
+  const double determinant = transform.a * transform.d - transform.b * transform.c;
+  const Affine inverse{transform.d / determinant,
+                       -transform.b / determinant,
+                       -transform.c / determinant,
+                       transform.a / determinant,
+                       (transform.c * transform.ty - transform.d * transform.tx) / determinant,
+                       (transform.b * transform.tx - transform.a * transform.ty) / determinant};
+  const Box box = map(inverse, {static_cast<double>(area.left), static_cast<double>(area.top),
+                                static_cast<double>(area.right), static_cast<double>(area.bottom)});
+  const bool finite = std::isfinite(box.minX + box.maxX + box.minY + box.maxY);
+  return finite ? box : Box{-kFarAway, -kFarAway, kFarAway, kFarAway};
+}
+
+}  // namespace
+
+template <class AddEdges>
+void Painter::paint(Bitmap& bitmap, const Box& box, const CGColor& color, const AddEdges& addEdges) {
+  const Paint paint = paintOf(color);
+  PixelRect band = pixelsAround(box, bitmap);
+  if (paint.alpha() == 0 || band.empty()) return;
+  const int bottom = band.bottom;
+  const int rows = std::max(1, static_cast<int>(kBandPixels / static_cast<std::size_t>(band.width())));
+  for (; band.top < bottom; band.top = band.bottom) {
+    band.bottom = std::min(bottom, band.top + rows);
+    rasterizer_.begin(band);
+    addEdges(band);
+    rasterizer_.sweep(bitmap, paint, *spans_);
+  }
+}
+
+void Painter::fill(Bitmap& bitmap, const CGPath& path, const Affine& transform, const CGColor& color) {
+  const std::optional<Box> box = pointBox(path);
+  if (!box) return;
+  const Box mapped = map(transform, *box);
+  paint(bitmap, mapped, color, [&](const PixelRect& area) {
+    const auto addEdges = [&](auto sink) {
+      walkOutline(path, toArea(transform, area), sink);
+      sink.close();
+    };
+    const Box shown{static_cast<double>(area.left), static_cast<double>(area.top), static_cast<double>(area.right),
+                    static_cast<double>(area.bottom)};
+    if (shown.contains(mapped))
+      addEdges(FillSink<false>(rasterizer_, subpixelBox(area)));
+    else
+      addEdges(FillSink<true>(rasterizer_, subpixelBox(area)));
+  });
+}
+
+void Painter::stroke(Bitmap& bitmap, const CGPath& path, const Affine& transform, double lineWidth,
+                     const CGColor& color) {
+  const std::optional<Box> box = pointBox(path);
+  if (!box || !(lineWidth > 0)) return;
+  const double width = std::min(lineWidth, kFarAway);
+  paint(bitmap, map(transform, box->grown(StrokeSink::reach(width))), color, [&](const PixelRect& area) {
+    StrokeSink sink(rasterizer_, toArea(transform, area), width, visibleBox(transform, area));
+    walkOutline(path, Affine{}, sink);
+    sink.finish();
+  });
+}
+
+}  // namespace quellaro

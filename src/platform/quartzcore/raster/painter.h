@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/coregraphics/path.h"
+#include "platform/quartzcore/bitmap.h"
+#include "platform/quartzcore/raster/rasterizer.h"
+
+namespace quellaro {
+
+// Draws outlines into a bitmap. Keeps its buffers between calls.
+class Painter {
+ public:
+  explicit Painter(const SpanFunctions& spans = fastestSpans()) : spans_(&spans) {}
+
+  void fill(Bitmap& bitmap, const CGPath& path, const Affine& transform, const CGColor& color);
+  // Nothing for a line width that is not positive.
+  void stroke(Bitmap& bitmap, const CGPath& path, const Affine& transform, double lineWidth, const CGColor& color);
+
+ private:
+  template <class AddEdges>
+  void paint(Bitmap& bitmap, const Box& box, const CGColor& color, const AddEdges& addEdges);
+
+  const SpanFunctions* spans_;
+  Rasterizer rasterizer_;
+};
+
+}  // namespace quellaro

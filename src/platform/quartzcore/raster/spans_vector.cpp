@@ -1,0 +1,150 @@
+#include <algorithm>
+#include <cstring>
+
+#include "platform/quartzcore/raster/spans.h"
+#include "platform/quartzcore/raster/sweep_row.h"
+
+namespace quellaro {
+
+namespace {
+
+// Four pixels, one in each lane. The compiler's vector types become SSE2 on x86-64 and NEON on AArch64, which every
+// such processor has.
+using Pixels = std::uint32_t __attribute__((vector_size(16)));
+using SignedLanes = std::int32_t __attribute__((vector_size(16)));
+// The two bytes of every 16-bit half hold one colour component: even components (blue, red) or odd ones (green, alpha).
+using Components = std::uint16_t __attribute__((vector_size(16)));
+
+constexpr std::uint32_t kEven = 0x00ff00ff;
+
+Pixels load(const std::uint32_t* from) {
+  Pixels lanes;
+  std::memcpy(&lanes, from, sizeof lanes);
+  return lanes;
+}
+
+void store(std::uint32_t* to, Pixels lanes) { std::memcpy(to, &lanes, sizeof lanes); }
+
+Components even(Pixels p) { return reinterpret_cast<Components>(p & kEven); }
+Components odd(Pixels p) { return reinterpret_cast<Components>((p >> 8) & kEven); }
+Pixels join(Components evens, Components odds) {
+  return reinterpret_cast<Pixels>(evens) | (reinterpret_cast<Pixels>(odds) << 8);
+}
+Components multiply(Components a, Components b) {
+  const Components product = a * b + 128;
+  return (product + (product >> 8)) >> 8;
+}
+
+constexpr std::size_t kLanes = 4;
+static_assert(kBlockPixels % kLanes == 0);
+
+// Lanes move up by one or two, zeros come in.
+Pixels runningSum(Pixels p) {
+  const Pixels zero{};
+  p += __builtin_shufflevector(zero, p, 0, 4, 5, 6);
+  p += __builtin_shufflevector(zero, p, 0, 1, 4, 5);
+  return p;
+}
+
+Pixels coverages(Pixels sums) {
+  const auto sign = reinterpret_cast<SignedLanes>(sums) >> 31;
+  const Pixels magnitude =
+      ((sums ^ reinterpret_cast<Pixels>(sign)) - reinterpret_cast<Pixels>(sign)) / (kFullCover / 256);
+  const auto saturated = reinterpret_cast<Pixels>(reinterpret_cast<SignedLanes>(magnitude) > 255);
+  return (magnitude | saturated) & 255;
+}
+
+// Lanes of the last, partly used vector: what lies beyond `count` is left alone.
+struct Tail {
+  std::uint32_t* pixels;
+  std::size_t count;
+
+  Pixels read() const {
+    Pixels lanes{};
+    std::memcpy(&lanes, pixels, count * sizeof(std::uint32_t));
+    return lanes;
+  }
+  void write(Pixels lanes) const { std::memcpy(pixels, &lanes, count * sizeof(std::uint32_t)); }
+};
+
+class VectorBlender {
+ public:
+  explicit VectorBlender(const Paint& paint)
+      : color_(paint.color),
+        opaque_(paint.alpha() == 255),
+        evens_(even(Pixels{} + color_)),
+        odds_(odd(Pixels{} + color_)) {}
+
+  void constant(std::uint32_t* pixels, std::size_t count, std::uint32_t cover) const {
+    if (cover == 255 && opaque_) {
+      std::fill_n(pixels, count, color_);
+      return;
+    }
+    const Pixels covers = Pixels{} + cover;
+    for (; count >= kLanes; count -= kLanes, pixels += kLanes) store(pixels, over(load(pixels), covers));
+    const Tail tail{pixels, count};
+    tail.write(over(tail.read(), covers));
+  }
+
+  std::uint32_t cells(std::uint32_t* pixels, std::size_t count, std::uint32_t* cells, std::size_t cellCount,
+                      std::uint32_t sum) const {
+    Pixels before = Pixels{} + sum;
+    std::uint32_t* const end = cells + cellCount;
+    for (; count >= kLanes; count -= kLanes, pixels += kLanes, cells += kLanes)
+      store(pixels, over(load(pixels), nextCoverages(cells, before)));
+    if (cells == end) return before[0];
+    const Tail tail{pixels, count};
+    tail.write(over(tail.read(), nextCoverages(cells, before)));
+    for (cells += kLanes; cells < end; cells += kLanes) nextCoverages(cells, before);
+    return before[0];
+  }
+
+ private:
+  // Reads and clears the next cells; `before` is the running sum in every lane.
+  static Pixels nextCoverages(std::uint32_t* cells, Pixels& before) {
+    const Pixels sums = before + runningSum(load(cells));
+    store(cells, Pixels{});
+    before = __builtin_shufflevector(sums, sums, 3, 3, 3, 3);
+    return coverages(sums);
+  }
+
+  // `cover` is 0 to 255 in each lane.
+  Pixels over(Pixels below, Pixels cover) const {
+    const auto covers = reinterpret_cast<Components>(cover | (cover << 16));
+    const Components aboveEvens = multiply(evens_, covers);
+    const Components aboveOdds = multiply(odds_, covers);
+    const Pixels alpha = reinterpret_cast<Pixels>(aboveOdds) >> 16;
+    const Components inverse = 255 - reinterpret_cast<Components>(alpha | (alpha << 16));
+    return join(aboveEvens + multiply(even(below), inverse), aboveOdds + multiply(odd(below), inverse));
+  }
+
+  std::uint32_t color_;
+  bool opaque_;
+  // The paint in every lane.
+  Components evens_, odds_;
+};
+
+constexpr SpanFunctions kVector{sweepRowWith<VectorBlender>};
+
+#if defined(__x86_64__)
+// The same code once more with wider stores and three-operand instructions, for processors that have them. Everything
+// is inlined, so that nothing made for those processors can be called on others.
+__attribute__((target("avx2"), flatten)) void sweepRowAvx2(const SweepRow& row, const Paint& paint, std::uint32_t sum) {
+  sweepRowWith<VectorBlender>(row, paint, sum);
+}
+
+constexpr SpanFunctions kAvx2{sweepRowAvx2};
+#endif
+
+}  // namespace
+
+const SpanFunctions& vectorSpans() { return kVector; }
+
+const SpanFunctions& fastestSpans() {
+#if defined(__x86_64__)
+  if (__builtin_cpu_supports("avx2")) return kAvx2;
+#endif
+  return kVector;
+}
+
+}  // namespace quellaro

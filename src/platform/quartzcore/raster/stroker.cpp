@@ -1,0 +1,152 @@
+#include "platform/quartzcore/raster/stroker.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "platform/quartzcore/raster/fill.h"
+
+namespace quellaro {
+
+namespace {
+
+CGPoint operator+(CGPoint a, CGPoint b) { return {a.x + b.x, a.y + b.y}; }
+CGPoint operator-(CGPoint a, CGPoint b) { return {a.x - b.x, a.y - b.y}; }
+CGPoint operator*(CGPoint a, double factor) { return {a.x * factor, a.y * factor}; }
+double dot(CGPoint a, CGPoint b) { return a.x * b.x + a.y * b.y; }
+double cross(CGPoint a, CGPoint b) { return a.x * b.y - a.y * b.x; }
+
+// Arcs that show no corners need no finer steps than these, however wide the line.
+constexpr double kSmallestStep = std::numbers::pi / 512;
+constexpr double kLargestStep = std::numbers::pi / 4;
+
+}  // namespace
+
+StrokeSink::StrokeSink(Rasterizer& rasterizer, const Affine& toArea, double lineWidth, const Box& visible)
+    : rasterizer_(rasterizer),
+      toArea_(toArea),
+      visible_(visible.grown(reach(lineWidth))),
+      halfWidth_(lineWidth / 2),
+      tolerance_(kFlatness * kSubpixels / toArea.stretch()),
+      largestStep_(std::clamp(2 * std::acos(std::max(0.0, 1 - tolerance_ / halfWidth_)), kSmallestStep, kLargestStep)),
+      cosineOfStep_(std::cos(largestStep_)) {
+  right_.isRight = true;
+}
+
+void StrokeSink::move(CGPoint to) {
+  endOpen();
+  start_ = current_ = to;
+}
+
+void StrokeSink::line(CGPoint to) { segmentTo(to, Corner::Join); }
+
+void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
+  // The curve begins with a join like any segment; the corners between its chords are no joins.
+  Corner corner = Corner::Join;
+  emitVisibleChords(
+      Cubic{current_, control1, control2, to}, tolerance_, [this](const Box& box) { return box.overlaps(visible_); },
+      [&](CGPoint end) {
+        if (end == current_) return;
+        segmentTo(end, corner);
+        corner = Corner::WithinCurve;
+      });
+}
+
+void StrokeSink::close() {
+  segmentTo(start_, Corner::Join);
+  endClosed();
+  current_ = start_;
+}
+
+void StrokeSink::segmentTo(CGPoint to, Corner corner) {
+  const CGPoint way = to - current_;
+  const double length = std::sqrt(dot(way, way));
+  if (length == 0) return;
+  Segment segment;
+  segment.length = length;
+  segment.direction = {way.x / length, way.y / length};
+  segment.normal = {-segment.direction.y * halfWidth_, segment.direction.x * halfWidth_};
+  if (first_) {
+    turn(current_, last_, segment, corner);
+  } else {
+    first_ = segment;
+    left_.start = left_.reached = toArea_.map(current_ + segment.normal);
+    right_.start = right_.reached = toArea_.map(current_ - segment.normal);
+  }
+  last_ = segment;
+  current_ = to;
+}
+
+void StrokeSink::turn(CGPoint at, const Segment& from, const Segment& to, Corner corner) {
+  const double sine = cross(from.direction, to.direction);
+  const double cosine = dot(from.direction, to.direction);
+  const bool turnsLeft = sine > 0;
+  Side& inside = turnsLeft ? left_ : right_;
+  Side& outside = turnsLeft ? right_ : left_;
+  const double towardsInside = turnsLeft ? 1 : -1;
+  // Where the offset lines of both segments meet, seen from the corner.
+  const bool folds = cosine <= -0.999;
+  const CGPoint miter = folds ? CGPoint{} : (from.normal + to.normal) * (1 / (1 + cosine));
+  // The inner lines meet on the segments themselves when each has room; the other half is for its other end.
+  const double needed = folds ? 0 : halfWidth_ * std::fabs(sine) / (1 + cosine);
+  const bool meets = !folds && needed <= std::min(from.length, to.length) / 2;
+  turnInside(inside, at, at + from.normal * towardsInside, at + to.normal * towardsInside, at + miter * towardsInside,
+             meets);
+  turnOutside(outside, at, from, to, miter, corner);
+}
+
+void StrokeSink::turnInside(Side& side, CGPoint at, CGPoint from, CGPoint to, CGPoint meeting, bool meets) {
+  if (meets) return extend(side, meeting);
+  extend(side, from);
+  extend(side, at);
+  extend(side, to);
+}
+
+void StrokeSink::turnOutside(Side& side, CGPoint at, const Segment& from, const Segment& to, CGPoint meeting,
+                             Corner corner) {
+  const double outwards = side.isRight ? -1 : 1;
+  const double cosine = dot(from.direction, to.direction);
+  if (corner == Corner::WithinCurve) {
+    if (cosine >= cosineOfStep_) return extend(side, at + meeting * outwards);
+    const double angle = std::atan2(cross(from.direction, to.direction), cosine);
+    const int steps = static_cast<int>(std::ceil(std::fabs(angle) / largestStep_));
+    for (int i = 0; i <= steps; ++i) {
+      const double turned = angle * i / steps;
+      const double c = std::cos(turned) * outwards;
+      const double s = std::sin(turned) * outwards;
+      extend(side, at + CGPoint{from.normal.x * c - from.normal.y * s, from.normal.x * s + from.normal.y * c});
+    }
+    return;
+  }
+  // The miter's length over the line's width is sqrt(2 / (1 + cosine)).
+  if (2 <= kMiterLimit * kMiterLimit * (1 + cosine)) return extend(side, at + meeting * outwards);
+  extend(side, at + from.normal * outwards);
+  extend(side, at + to.normal * outwards);
+}
+
+void StrokeSink::extend(Side& side, CGPoint to) {
+  const CGPoint mapped = toArea_.map(to);
+  if (side.isRight)
+    rasterizer_.clippedEdge(mapped, side.reached);
+  else
+    rasterizer_.clippedEdge(side.reached, mapped);
+  side.reached = mapped;
+}
+
+void StrokeSink::endOpen() {
+  if (!first_) return;
+  extend(left_, current_ + last_.normal);
+  extend(right_, current_ - last_.normal);
+  rasterizer_.clippedEdge(left_.reached, right_.reached);
+  rasterizer_.clippedEdge(right_.start, left_.start);
+  first_.reset();
+}
+
+void StrokeSink::endClosed() {
+  if (!first_) return;
+  turn(current_, last_, *first_, Corner::Join);
+  extend(left_, start_ + first_->normal);
+  extend(right_, start_ - first_->normal);
+  first_.reset();
+}
+
+}  // namespace quellaro
