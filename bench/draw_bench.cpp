@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <vector>
 
@@ -28,6 +29,14 @@ double timeOf(const std::function<void()>& work) {
   const double start = cpuMicroseconds();
   work();
   return cpuMicroseconds() - start;
+}
+
+double meanDifference(const Bitmap& a, const Bitmap& b) {
+  double sum = 0;
+  for (std::size_t i = 0; i < a.pixels.size(); ++i)
+    for (const int shift : {0, 8, 16, 24})
+      sum += std::abs(static_cast<int>(a.pixels[i] >> shift & 255) - static_cast<int>(b.pixels[i] >> shift & 255));
+  return sum / (4.0 * static_cast<double>(a.pixels.size()));
 }
 
 void compare(const char* name, int side, double target, Drawing (*drawing)(int)) {

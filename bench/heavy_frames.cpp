@@ -29,7 +29,7 @@ class Random {
 constexpr double kPi = std::numbers::pi;
 
 // As many digits as a drawing tool exports.
-double exported(double value) { return std::round(value * 1000) / 1000; }
+double exported(double value) { return std::round(value * 100) / 100; }
 CGPoint exported(CGPoint p) { return {exported(p.x), exported(p.y)}; }
 
 CGColor colorOf(Random& random) {
@@ -120,9 +120,9 @@ Drawing heavyFrame(int number) {
   Random random(7);
   Drawing drawing{kSide, {}};
   const double phase = number * 0.01;
-  for (int i = 0; i < 47; ++i) {
+  for (int i = 0; i < 45; ++i) {
     // Sizes are even on a logarithmic scale; big shapes lie below small ones.
-    const double radius = 500 * std::pow(0.02, i / 46.0) * random.between(0.7, 1.3);
+    const double radius = 500 * std::pow(0.02, i / 44.0) * random.between(0.7, 1.3);
     const CGPoint centre{random.between(150, kSide - 150) + 20 * std::sin(phase), random.between(150, kSide - 150)};
     Shape shape;
     shape.color = colorOf(random);

@@ -1,8 +1,6 @@
-#include "cairo_renderer.h"
+#include "quartzcore/cairo_renderer.h"
 
 #include <cairo.h>
-
-#include <cstdlib>
 
 #include "platform/quartzcore/shape_layer.h"
 
@@ -88,14 +86,6 @@ void drawWithCairo(const CALayer& root, Bitmap& bitmap) {
   cairo_destroy(cr);
   cairo_surface_flush(surface);
   cairo_surface_destroy(surface);
-}
-
-double meanDifference(const Bitmap& a, const Bitmap& b) {
-  double sum = 0;
-  for (std::size_t i = 0; i < a.pixels.size(); ++i)
-    for (int shift = 0; shift < 32; shift += 8)
-      sum += std::abs(static_cast<int>(a.pixels[i] >> shift & 255) - static_cast<int>(b.pixels[i] >> shift & 255));
-  return a.pixels.empty() ? 0 : sum / (4.0 * static_cast<double>(a.pixels.size()));
 }
 
 }  // namespace quellaro

@@ -8,7 +8,4 @@ namespace quellaro {
 // Draws a layer tree with cairo's image surface, over what the bitmap shows: what the compositor is compared with.
 void drawWithCairo(const CALayer& root, Bitmap& bitmap);
 
-// The mean difference of two pictures of the same size, over all bytes of all pixels, of 255.
-double meanDifference(const Bitmap& a, const Bitmap& b);
-
 }  // namespace quellaro
