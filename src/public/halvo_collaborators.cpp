@@ -1,5 +1,6 @@
 #include "public/halvo_collaborators.h"
 
+#include "assets/upgrade_controller.h"
 #include "media/haptics_feedback_error.h"
 
 namespace quellaro {
@@ -8,7 +9,7 @@ HalvoCollaborators HalvoCollaborators::standard() {
   return {
       .makeAnimationController = [] { return nullptr; },
       .makeAudioController = [] { return nullptr; },
-      .makeUpgradeController = [] { return nullptr; },
+      .makeUpgradeController = [] { return QLUpgradeController::make(); },
       .makeHapticsManager = []() -> Result<std::shared_ptr<HapticsManagerProtocol>> {
         return errorOf(HapticsFeedbackError::deviceDoesNotSupportHaptics);
       },

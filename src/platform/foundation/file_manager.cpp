@@ -89,6 +89,15 @@ Result<std::string> FileManager::readAtPath(const std::string& path, std::size_t
   return contents;
 }
 
+std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::string& path) {
+  std::vector<std::string> names;
+  std::error_code code;
+  if (!isUsable(path)) return names;
+  for (fs::directory_iterator entry(path, code), end; !code && entry != end; entry.increment(code))
+    names.push_back(entry->path().filename().string());
+  return names;
+}
+
 std::optional<NSError> FileManager::createDirectoryAtPath(const std::string& path) {
   if (!isUsable(path)) return posixError(EINVAL);
   std::error_code code;

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/foundation/error.h"
 #include "platform/foundation/limits.h"
@@ -22,6 +23,9 @@ class FileManager {
   static std::optional<std::string> contentsAtPath(const std::string& path, std::size_t bound = limits::kFileBytes);
   // The same, telling why there is nothing.
   static Result<std::string> readAtPath(const std::string& path, std::size_t bound = limits::kFileBytes);
+
+  // The names of what lies in a directory, in no order; empty when it cannot be read.
+  static std::vector<std::string> contentsOfDirectoryAtPath(const std::string& path);
 
   static std::optional<NSError> createDirectoryAtPath(const std::string& path);
   // A directory goes with all it holds. A symbolic link goes, and what it names stays.
