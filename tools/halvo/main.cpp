@@ -14,6 +14,7 @@ struct Command {
 
 constexpr Command kCommands[] = {
     {"play", "prepare a cue and play it", halvo::play},
+    {"layers", "show the layer tree of SVG documents", halvo::layers},
     {"help", "print this", nullptr},
 };
 

@@ -30,6 +30,11 @@ void CGPath::close() {
   verbs_.push_back(PathVerb::Close);
 }
 
+void CGPath::reserve(std::size_t points) {
+  verbs_.reserve(points);
+  points_.reserve(points);
+}
+
 void CGPath::shrinkToFit() {
   verbs_.shrink_to_fit();
   points_.shrink_to_fit();

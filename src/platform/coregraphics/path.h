@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -41,6 +42,8 @@ class CGPath {
   bool empty() const { return verbs_.empty(); }
   const std::vector<PathVerb>& verbs() const { return verbs_; }
   const std::vector<CGPoint>& points() const { return points_; }
+  // Room for that many points and segments.
+  void reserve(std::size_t points);
   // Gives back what growing has left over; for paths that are kept.
   void shrinkToFit();
 

@@ -18,4 +18,8 @@ inline constexpr std::size_t kXmlAttributes = 10'000;
 // The body of a response, decoded. Three times the heaviest honest animation.json.
 inline constexpr std::size_t kResponseBytes = std::size_t{128} << 20;
 
+// Of one outline; what follows in its text is not read. Two characters can make a point of sixteen bytes; an honest
+// outline has tens of thousands.
+inline constexpr std::size_t kPathPoints = std::size_t{8} << 20;
+
 }  // namespace quellaro::limits

@@ -1,0 +1,68 @@
+#include "svg/document_parser.h"
+
+#include <utility>
+
+#include "platform/foundation/numbers.h"
+#include "svg/inert_elements.h"
+#include "svg/path.h"
+#include "svg/shapes.h"
+
+namespace quellaro {
+
+namespace {
+
+// Of a document that does not say how large it is.
+constexpr double kDefaultSide = 100;
+
+template <class Kind>
+std::shared_ptr<SVGElement> make(std::string_view name, const XMLAttributes& attributes) {
+  return std::make_shared<Kind>(name, attributes);
+}
+
+struct Kind {
+  std::string_view name;
+  std::shared_ptr<SVGElement> (*make)(std::string_view name, const XMLAttributes& attributes);
+};
+
+constexpr Kind kKinds[] = {
+    {"g", make<SVGElement>},         {"path", make<SVGPath>},         {"rect", make<SVGRect>},
+    {"circle", make<SVGCircle>},     {"ellipse", make<SVGEllipse>},   {"line", make<SVGLine>},
+    {"polyline", make<SVGPolyline>}, {"polygon", make<SVGPolygon>},   {"linearGradient", make<SVGLinearGradient>},
+    {"filter", make<SVGFilter>},     {"clipPath", make<SVGClippath>},
+};
+
+const Kind* kindNamed(std::string_view name) {
+  for (const Kind& kind : kKinds)
+    if (kind.name == name) return &kind;
+  return nullptr;
+}
+
+double side(const XMLAttributes& attributes, std::string_view name) {
+  const std::optional<std::string_view> text = attributes.find(name);
+  return text ? doubleValue(*text) : kDefaultSide;
+}
+
+}  // namespace
+
+void SVGDocumentParser::parserDidStartElement(std::string_view name, const XMLAttributes& attributes) {
+  if (name == "svg") {
+    viewbox_ = CGSize{side(attributes, "width"), side(attributes, "height")};
+    return;
+  }
+  const Kind* const kind = kindNamed(name);
+  if (kind == nullptr) return;
+  std::shared_ptr<SVGElement> element = kind->make(name, attributes);
+  if (stack_.count() > 0) element->inheritPaint(*stack_.peek());
+  stack_.push(std::move(element));
+}
+
+void SVGDocumentParser::parserDidEndElement(std::string_view name) {
+  if (kindNamed(name) == nullptr || stack_.count() == 0) return;
+  std::shared_ptr<SVGElement> element = stack_.pop();
+  if (stack_.count() == 0)
+    elements_.push_back(std::move(element));
+  else
+    SVGElement::appendChild(stack_.peek(), std::move(element));
+}
+
+}  // namespace quellaro

@@ -1,0 +1,120 @@
+#include "svg/shapes.h"
+
+#include <array>
+#include <numbers>
+
+#include "platform/foundation/limits.h"
+#include "platform/foundation/numbers.h"
+#include "platform/foundation/scanner.h"
+
+namespace quellaro {
+
+namespace {
+
+// The geometry attributes' values, or nothing when one is missing.
+template <std::size_t count>
+std::optional<std::array<double, count>> geometry(const XMLAttributes& attributes,
+                                                  const std::array<std::string_view, count>& names) {
+  std::array<double, count> values{};
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::optional<std::string_view> text = attributes.find(names[i]);
+    if (!text) return std::nullopt;
+    values[i] = doubleValue(*text);
+  }
+  return values;
+}
+
+void addPoints(UIBezierPath& path, std::string_view text) {
+  const std::vector<double> numbers = parseNumberList(text);
+  if (numbers.size() < 2) return;
+  path.reserve(numbers.size() / 2);
+  path.moveToPoint({numbers[0], numbers[1]});
+  for (std::size_t i = 3; i < numbers.size(); i += 2) path.addLineToPoint({numbers[i - 1], numbers[i]});
+}
+
+bool isBackground(const SVGElement& element) { return element.id() == "background"; }
+
+}  // namespace
+
+std::vector<double> parseNumberList(std::string_view text) {
+  static constexpr NSCharacterSet kSeparators{" ,\n"};
+  std::vector<double> numbers;
+  NSScanner scanner(text, kSeparators);
+  while (numbers.size() < 2 * limits::kPathPoints) {
+    const std::optional<double> number = scanner.scanDouble();
+    if (!number) break;
+    numbers.push_back(*number);
+  }
+  return numbers;
+}
+
+SVGLine::SVGLine(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+  SVGLine::buildPath(attr());
+}
+
+void SVGLine::buildPath(const XMLAttributes& attributes) {
+  const auto line = geometry<4>(attributes, {"x1", "y1", "x2", "y2"});
+  if (!line) return;
+  const auto [x1, y1, x2, y2] = *line;
+  path_.moveToPoint({x1, y1});
+  path_.addLineToPoint({x2, y2});
+}
+
+SVGRect::SVGRect(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+  SVGRect::buildPath(attr());
+}
+
+void SVGRect::buildPath(const XMLAttributes& attributes) {
+  const auto rect = geometry<4>(attributes, {"x", "y", "width", "height"});
+  if (!rect) return;
+  const auto [x, y, width, height] = *rect;
+  path_ = UIBezierPath::bezierPathWithRect({{x, y}, {width, height}});
+  clickable_ = !isBackground(*this);
+}
+
+SVGCircle::SVGCircle(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+  SVGCircle::buildPath(attr());
+}
+
+void SVGCircle::buildPath(const XMLAttributes& attributes) {
+  const auto circle = geometry<3>(attributes, {"cx", "cy", "r"});
+  if (!circle) return;
+  const auto [cx, cy, r] = *circle;
+  path_.addArcWithCenter({cx, cy}, r, 0, 2 * std::numbers::pi, true);
+  path_.shrinkToFit();
+  clickable_ = true;
+}
+
+SVGEllipse::SVGEllipse(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+  SVGEllipse::buildPath(attr());
+}
+
+void SVGEllipse::buildPath(const XMLAttributes& attributes) {
+  const auto ellipse = geometry<4>(attributes, {"cx", "cy", "rx", "ry"});
+  if (!ellipse) return;
+  const auto [cx, cy, rx, ry] = *ellipse;
+  path_ = UIBezierPath::bezierPathWithOvalInRect({{cx - rx, cy - ry}, {2 * rx, 2 * ry}});
+  clickable_ = true;
+}
+
+SVGPolyline::SVGPolyline(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+  SVGPolyline::buildPath(attr());
+}
+
+void SVGPolyline::buildPath(const XMLAttributes& attributes) {
+  if (const auto points = attributes.find("points")) addPoints(path_, *points);
+}
+
+SVGPolygon::SVGPolygon(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+  SVGPolygon::buildPath(attr());
+}
+
+void SVGPolygon::buildPath(const XMLAttributes& attributes) {
+  const auto points = attributes.find("points");
+  if (!points) return;
+  addPoints(path_, *points);
+  path_.closePath();
+  clickable_ = !isBackground(*this);
+}
+
+}  // namespace quellaro
