@@ -51,6 +51,7 @@ std::shared_ptr<const QLHalvoMerchant> QLHalvoMerchant::make(const std::string& 
   std::optional<std::string> repairedCity;
   if (city) repairedCity = repairedUTF8(*city);
   std::vector<std::string> codes;
+  codes.reserve(merchantCategoryCodes.size());
   for (const std::string& code : merchantCategoryCodes) codes.push_back(repairedUTF8(code));
   std::string id = merchantId && !merchantId->empty() ? repairedUTF8(*merchantId) : derivedId(name);
   return std::shared_ptr<const QLHalvoMerchant>(
