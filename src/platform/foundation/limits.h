@@ -22,4 +22,10 @@ inline constexpr std::size_t kResponseBytes = std::size_t{128} << 20;
 // outline has tens of thousands.
 inline constexpr std::size_t kPathPoints = std::size_t{8} << 20;
 
+// A sound file, read while it plays. 16 MB are 17 minutes at 128 kbit/s; a cue's sound takes 50 KB.
+inline constexpr std::size_t kSoundFileBytes = std::size_t{16} << 20;
+// How far the decoder looks for the next frame of sound behind damage, or for the first one behind a file's beginning.
+// Text of any length is refused after so many bytes.
+inline constexpr long kSoundResyncBytes = 64L << 10;
+
 }  // namespace quellaro::limits

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+#include "support/temporary_directory.h"
+
+namespace quellaro {
+
+// A sound server of the test's own, with one silent sink; everything it needs lives in a directory that goes with it.
+// The test process finds it, and no other, through PULSE_SERVER.
+class PulseServer {
+ public:
+  PulseServer();
+  ~PulseServer();
+  PulseServer(const PulseServer&) = delete;
+  PulseServer& operator=(const PulseServer&) = delete;
+
+  void start();
+  // At once, as a crash would end it.
+  void kill();
+  // It keeps its connections and does nothing, until it is killed.
+  void hang();
+
+  void setMuted(bool muted) const;
+  void setVolumePercent(int percent) const;
+  // Of the default sink, in seconds.
+  double sinkLatency() const;
+  // What the server says about streams that play.
+  std::string playingStreams() const;
+
+ private:
+  std::string control(const std::string& command) const;
+
+  TemporaryDirectory directory_;
+  std::string address_;
+  pid_t process_ = -1;
+};
+
+// Records what the server's sink plays, from the construction until samples() is asked for.
+class SinkRecording {
+ public:
+  static constexpr unsigned kRate = 48000;
+
+  SinkRecording();
+  ~SinkRecording();
+  SinkRecording(const SinkRecording&) = delete;
+  SinkRecording& operator=(const SinkRecording&) = delete;
+
+  // One channel. Ends the recording.
+  std::vector<float> samples();
+
+ private:
+  TemporaryDirectory directory_;
+  pid_t process_ = -1;
+};
+
+}  // namespace quellaro
