@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+
+#include "platform/avfoundation/audio_player.h"
+#include "platform/dispatch/serial_queue.h"
+#include "types/controller_protocol.h"
+
+namespace quellaro {
+
+// Plays the sound of a cue; while it sounds, other sounds of the machine may be lowered. Each finished sound is
+// followed by the notification QLAudioSessionDeactivated. Main thread, where its callbacks come too. Made with
+// make_shared: its player refers to it weakly.
+class QLHalvoAudioController final : public QLHalvoSoundProtocol,
+                                     public AVAudioPlayerDelegate,
+                                     public std::enable_shared_from_this<QLHalvoAudioController> {
+ public:
+  QLHalvoAudioController() = default;
+  ~QLHalvoAudioController() override;
+  QLHalvoAudioController(const QLHalvoAudioController&) = delete;
+  QLHalvoAudioController& operator=(const QLHalvoAudioController&) = delete;
+
+  // Calls back at once. A prepare that fails leaves the sound prepared before as it is.
+  void prepare(const std::string& cueName, Callback onSuccess, Callback onFailure) override;
+  // `onSuccess` also follows a sound that nobody could hear or that the output broke off, `onFailure` one that could
+  // not be decoded. A second play while one is in progress replaces its callbacks. View and configuration are not used.
+  void play(const std::shared_ptr<QLHalvoView>& view, const std::shared_ptr<const QLHalvoSDKConfig>& config,
+            Callback onSuccess, Callback onFailure) override;
+  float volumeLevel() const override { return volumeLevel_; }
+
+  // Whether the last sound was heard and, if not, why; for diagnosis.
+  bool soundPlayed() const { return soundPlayed_; }
+  const std::optional<std::string>& inaudibleReason() const { return inaudibleReason_; }
+
+  void audioPlayerDidFinishPlaying(AVAudioPlayer& player, bool successfully) override;
+  void audioPlayerDecodeErrorDidOccur(AVAudioPlayer& player, const std::optional<NSError>& error) override;
+
+ private:
+  std::unique_ptr<AVAudioPlayer> player_;
+  Callback completion_;
+  Callback failure_;
+  SerialQueue queue_{"BackgroundAudio", QualityOfService::UserInitiated};
+  float volumeLevel_ = 0;
+  std::optional<std::string> inaudibleReason_;
+  bool soundPlayed_ = false;
+};
+
+}  // namespace quellaro

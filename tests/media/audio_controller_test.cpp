@@ -1,0 +1,205 @@
+#include "media/audio_controller.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/avfoundation/audio_session.h"
+#include "platform/avfoundation/simulated_output.h"
+#include "platform/foundation/application.h"
+#include "platform/foundation/bundle.h"
+#include "platform/foundation/notification_center.h"
+#include "support/main_queue_driver.h"
+#include "support/recording_output.h"
+#include "support/temporary_directory.h"
+#include "types/notifications.h"
+
+namespace quellaro {
+namespace {
+
+using Outcome = PlaybackEnd::Outcome;
+using Log = std::vector<std::string>;
+
+std::string sound(const std::string& name) {
+  return readFile(std::string(QUELLARO_TEST_DATA) + "/../avfoundation/sounds/" + name + ".mp3");
+}
+
+// A Library with the active cues "cue" and "other" (a playable sound each), "text" (which is none) and "bare" (no
+// file); the library's bundle is empty.
+struct AudioController : testing::Test {
+  TemporaryDirectory directory;
+  MainQueueDriver driver;
+  AVAudioSession& session = AVAudioSession::sharedInstance();
+  std::shared_ptr<RecordingOutput> output = std::make_shared<RecordingOutput>();
+  std::shared_ptr<QLHalvoAudioController> controller = std::make_shared<QLHalvoAudioController>();
+  Log log;
+  NSNotificationCenter::Token observer = NSNotificationCenter::defaultCenter().addObserver(
+      QLAudioSessionDeactivated, [this](const std::string& name) { log.push_back(name); });
+
+  AudioController() {
+    writeFile(directory / "library/halvo_assets_active/cue/audio.mp3", sound("stereo_44100"));
+    writeFile(directory / "library/halvo_assets_active/other/audio.mp3", sound("mono_22050"));
+    writeFile(directory / "library/halvo_assets_active/text/audio.mp3", "no sound");
+    writeFile(directory / "library/halvo_assets_active/bare/play_config.json", "{}");
+    std::filesystem::create_directories(directory / "bundle");
+    setLibraryDirectory(directory / "library");
+    NSBundle::setLibraryPath(directory / "bundle");
+    session.setActive(false);
+    session.setOutput(output);
+  }
+  ~AudioController() override {
+    NSNotificationCenter::defaultCenter().removeObserver(observer);
+    session.setOutput(nullptr);
+    setLibraryDirectory(std::nullopt);
+  }
+
+  Callback logs(const char* text) {
+    return [this, text] { log.emplace_back(text); };
+  }
+  void prepare(const std::string& cueName) { controller->prepare(cueName, logs("prepared"), logs("not prepared")); }
+  void play() { controller->play(nullptr, nullptr, logs("success"), logs("failure")); }
+  void end(const PlaybackEnd& end) {
+    output->started.back().onEnd(end);
+    driver.settle();
+  }
+};
+
+TEST_F(AudioController, APrepareActivatesTheSessionAndCallsBackAtOnce) {
+  prepare("cue");
+  EXPECT_EQ(log, Log{"prepared"});
+  EXPECT_TRUE(session.isActive());
+  EXPECT_EQ(session.category(), "AVAudioSessionCategoryAmbient");
+  EXPECT_EQ(session.categoryOptions(), AVAudioSessionCategoryOptions::DuckOthers);
+  EXPECT_EQ(output->prepared, 1);
+  EXPECT_FALSE(controller->inaudibleReason());
+}
+
+TEST_F(AudioController, APrepareWithoutAUsableSoundFailsAndSaysWhy) {
+  struct Row {
+    const char* cue;
+    const char* path;
+  };
+  for (const Row& row :
+       {Row{"bare", "/halvo_assets_active/bare/audio.mp3"}, Row{"text", "/halvo_assets_active/text/audio.mp3"},
+        Row{"missing", "/bundle/audio.mp3"}, Row{"../cue", "/bundle/audio.mp3"}, Row{"", "/bundle/audio.mp3"}}) {
+    log.clear();
+    prepare(row.cue);
+    EXPECT_EQ(log, Log{"not prepared"}) << row.cue;
+    ASSERT_TRUE(controller->inaudibleReason());
+    EXPECT_NE(controller->inaudibleReason()->find(row.path), std::string::npos) << *controller->inaudibleReason();
+  }
+  EXPECT_FALSE(session.isActive());
+  EXPECT_EQ(output->prepared, 0);
+}
+
+TEST_F(AudioController, APlayWithoutAPlayerFailsAtOnceAndMeasuresTheVolume) {
+  output->volumeLevel = 0.5F;
+  EXPECT_EQ(controller->volumeLevel(), 0.0F);
+  play();
+  EXPECT_EQ(log, Log{"failure"});
+  EXPECT_EQ(controller->volumeLevel(), 0.5F);
+  EXPECT_FALSE(controller->soundPlayed());
+}
+
+TEST_F(AudioController, EachEndOfAPlay) {
+  const NSError error{"Test", 1, "broken"};
+  struct Row {
+    const char* name;
+    Outcome outcome;
+    const NSError* error;
+    float volume;
+    Log log;
+    bool soundPlayed;
+    std::optional<std::string> reason;
+    bool staysActive;
+  };
+  const Log finished{QLAudioSessionDeactivated, "success"};
+  prepare("cue");
+  for (const Row& row :
+       {Row{"heard", Outcome::Heard, nullptr, 0.5F, finished, true, {}, false},
+        Row{"muted", Outcome::Heard, nullptr, 0.0F, finished, false, "Voulume was mute", false},
+        Row{"broken off", Outcome::OutputFailed, &error, 0.5F, finished, false, "Internal error", false},
+        Row{"broken off and muted", Outcome::OutputFailed, &error, 0.0F, finished, false, "Internal error", false},
+        Row{"undecodable", Outcome::Undecodable, &error, 0.5F, {"failure"}, false, "broken", true},
+        Row{"undecodable, why unknown", Outcome::Undecodable, nullptr, 0.0F, {"failure"}, false, {}, true}}) {
+    SCOPED_TRACE(row.name);
+    session.setActive(true);
+    output->volumeLevel = row.volume;
+    log.clear();
+    play();
+    driver.advance(10);
+    EXPECT_EQ(log, Log{}) << "nobody has told the end yet";
+    end({row.outcome, row.error != nullptr ? std::optional(*row.error) : std::nullopt});
+    EXPECT_EQ(log, row.log);
+    EXPECT_EQ(controller->volumeLevel(), row.volume);
+    EXPECT_EQ(controller->soundPlayed(), row.soundPlayed);
+    EXPECT_EQ(controller->inaudibleReason(), row.reason);
+    EXPECT_EQ(session.isActive(), row.staysActive);
+  }
+}
+
+TEST_F(AudioController, ALaterPlayUsesThePlayerAgainWithoutActivatingTheSession) {
+  prepare("cue");
+  for (int count = 0; count < 2; ++count) {
+    log.clear();
+    play();
+    end({});
+    EXPECT_EQ(log, (Log{QLAudioSessionDeactivated, "success"}));
+  }
+  EXPECT_EQ(output->started[0].sound, output->started[1].sound);
+  play();
+  EXPECT_FALSE(session.isActive());
+}
+
+TEST_F(AudioController, ASecondPlayReplacesTheCallbacksOfTheFirst) {
+  prepare("cue");
+  play();
+  controller->play(nullptr, nullptr, logs("second success"), nullptr);
+  EXPECT_EQ(output->started.size(), 1u);
+  log.clear();
+  end({});
+  EXPECT_EQ(log, (Log{QLAudioSessionDeactivated, "second success"}));
+}
+
+TEST_F(AudioController, AFailedPrepareKeepsThePlayerAndASuccessfulOneReplacesIt) {
+  prepare("cue");
+  prepare("text");
+  play();
+  EXPECT_EQ(output->started.at(0).sound->format(), (SoundFormat{44100, 2}));
+  end({});
+  prepare("other");
+  play();
+  EXPECT_EQ(output->started.at(1).sound->format(), (SoundFormat{22050, 1}));
+}
+
+TEST_F(AudioController, ReleasedInTheMiddleOfASoundItIsSilentAndCallsNobody) {
+  prepare("cue");
+  play();
+  log.clear();
+  controller.reset();
+  EXPECT_TRUE(output->started[0].playback.expired());
+  end({});
+  EXPECT_EQ(log, Log{});
+}
+
+TEST_F(AudioController, MayBeReleasedByItsOwnCallback) {
+  prepare("cue");
+  controller->play(
+      nullptr, nullptr, [this] { controller.reset(); }, nullptr);
+  log.clear();
+  end({});
+  EXPECT_EQ(log, Log{QLAudioSessionDeactivated});
+  EXPECT_FALSE(controller);
+}
+
+TEST_F(AudioController, TakesTheSoundsTimeOnTheSimulatedOutput) {
+  session.setOutput(std::make_shared<SimulatedOutput>(1.0F));
+  prepare("cue");
+  log.clear();
+  play();
+  driver.advance(0.1999);
+  EXPECT_EQ(log, Log{});
+  driver.advance(0.0002);
+  EXPECT_EQ(log, (Log{QLAudioSessionDeactivated, "success"}));
+}
+
+}  // namespace
+}  // namespace quellaro
