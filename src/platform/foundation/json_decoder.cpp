@@ -1,5 +1,6 @@
 #include "platform/foundation/json_decoder.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quellaro {
@@ -53,12 +54,26 @@ bool JSONField::boolean() const { return is(JSONType::Boolean) && *value_->boole
 
 void JSONField::requireObject() const { is(JSONType::Object); }
 
+void JSONField::allowOnly(std::initializer_list<std::string_view> keys) const {
+  if (!is(JSONType::Object)) return;
+  for (const auto& [key, member] : value_->members())
+    if (std::find(keys.begin(), keys.end(), key) == keys.end())
+      return fail("the key \"" + std::string(key) + "\" is not allowed");
+}
+
 std::vector<JSONField> JSONField::elements() const {
   std::vector<JSONField> fields;
   if (!is(JSONType::Array)) return fields;
   for (const JSONValue& element : value_->elements())
     fields.push_back(JSONField(*decoder_, element, path_ + "[" + std::to_string(fields.size()) + "]"));
   return fields;
+}
+
+std::vector<JSONField> JSONField::elements(std::size_t atMost) const {
+  if (!is(JSONType::Array)) return {};
+  if (value_->elementCount() <= atMost) return elements();
+  fail("at most " + std::to_string(atMost) + " elements are allowed, and this has more");
+  return {};
 }
 
 std::map<std::string, JSONField> JSONField::members() const {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
@@ -46,10 +48,14 @@ class JSONField {
   std::int64_t wholeNumber() const;
   bool boolean() const;
   std::vector<JSONField> elements() const;
+  // Fails on an array of more elements, before it takes any of them.
+  std::vector<JSONField> elements(std::size_t atMost) const;
   std::map<std::string, JSONField> members() const;
   std::vector<std::string> strings() const;
   // Fails unless the value is an object; for records that have no required keys.
   void requireObject() const;
+  // Fails unless the value is an object that has no other keys.
+  void allowOnly(std::initializer_list<std::string_view> keys) const;
 
   void fail(std::string_view problem) const { decoder_->fail(path_, problem); }
 

@@ -111,6 +111,11 @@ std::vector<JSONValue> JSONValue::elements() const {
   return result;
 }
 
+std::size_t JSONValue::elementCount() const {
+  dom::array array;
+  return elementOf(handle_).get(array) == simdjson::SUCCESS ? array.size() : 0;
+}
+
 std::vector<std::pair<std::string_view, JSONValue>> JSONValue::members() const {
   std::vector<std::pair<std::string_view, JSONValue>> result;
   dom::object object;

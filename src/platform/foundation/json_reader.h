@@ -30,6 +30,8 @@ class JSONValue {
   std::optional<std::string_view> string() const;
   // Empty when this is no array, or no object.
   std::vector<JSONValue> elements() const;
+  // Of an array; 0 for anything else. Costs nothing, and stops counting at 16 million.
+  std::size_t elementCount() const;
   // In document order. Of equal keys the first counts.
   std::vector<std::pair<std::string_view, JSONValue>> members() const;
   std::optional<JSONValue> member(std::string_view key) const;

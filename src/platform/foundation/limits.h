@@ -28,4 +28,11 @@ inline constexpr std::size_t kSoundFileBytes = std::size_t{16} << 20;
 // Text of any length is refused after so many bytes.
 inline constexpr long kSoundResyncBytes = 64L << 10;
 
+// Of one haptic pattern. Sampling costs entries times length; an honest cue has tens of entries and lasts seconds.
+inline constexpr std::size_t kHapticEntries = 4096;
+inline constexpr double kHapticSeconds = 60;
+// Parameters of one event, and control points of one curve.
+inline constexpr std::size_t kHapticEventParameters = 64;
+inline constexpr std::size_t kHapticControlPoints = 512;
+
 }  // namespace quellaro::limits
