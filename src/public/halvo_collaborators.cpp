@@ -2,7 +2,8 @@
 
 #include "assets/upgrade_controller.h"
 #include "media/audio_controller.h"
-#include "media/haptics_feedback_error.h"
+#include "media/haptics_manager.h"
+#include "platform/corehaptics/haptic_engine.h"
 
 namespace quellaro {
 
@@ -11,10 +12,8 @@ HalvoCollaborators HalvoCollaborators::standard() {
       .makeAnimationController = [] { return nullptr; },
       .makeAudioController = [] { return std::make_shared<QLHalvoAudioController>(); },
       .makeUpgradeController = [] { return QLUpgradeController::make(); },
-      .makeHapticsManager = []() -> Result<std::shared_ptr<HapticsManagerProtocol>> {
-        return errorOf(HapticsFeedbackError::deviceDoesNotSupportHaptics);
-      },
-      .supportsHaptics = [] { return false; },
+      .makeHapticsManager = HapticsManager::make,
+      .supportsHaptics = [] { return CHHapticEngine::capabilitiesForHardware().supportsHaptics; },
       .makeAnalyticsManager = [] { return nullptr; },
   };
 }
