@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/coregraphics/coder.h"
 #include "platform/coregraphics/color.h"
 #include "platform/coregraphics/geometry.h"
 #include "platform/quartzcore/transform3d.h"
@@ -16,7 +17,8 @@ namespace quellaro {
 class CALayer {
  public:
   CALayer() = default;
-  CALayer(const CALayer&) = delete;
+  // initWithCoder: placed as the archive's frame says, if it holds one.
+  explicit CALayer(const NSCoder& coder);
   CALayer& operator=(const CALayer&) = delete;
   // Trees may be a million layers deep, so destruction does not recurse.
   virtual ~CALayer();
@@ -35,6 +37,10 @@ class CALayer {
   const std::vector<std::shared_ptr<CALayer>>& sublayers() const { return sublayers_; }
   void addSublayer(std::shared_ptr<CALayer> layer) { sublayers_.push_back(std::move(layer)); }
   void setSublayers(std::vector<std::shared_ptr<CALayer>> layers) { sublayers_ = std::move(layers); }
+
+ protected:
+  // initWithLayer: like the other layer, without its sublayers.
+  CALayer(const CALayer& layer);
 
  private:
   CGRect bounds_;
