@@ -7,18 +7,12 @@
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
-#include "platform/foundation/utf8.h"
 #include "public/halvo_controller.h"
+#include "types/cue_name.h"
 
 namespace quellaro {
 
 namespace {
-
-std::string normalised(const std::string& cueName) {
-  std::string name = repairedUTF8(cueName);
-  std::erase_if(name, [](char c) { return c == '_' || c == '-' || c == ' '; });
-  return lowercased(name);
-}
 
 // The copy that was fetched last; the built-in one while there is none.
 std::optional<std::string> readVersionConfig() {
@@ -35,7 +29,7 @@ void QLHalvoController::prepare(QLHalvoType type, const std::string& halvoCue, Q
   merchant_ = std::move(merchant);
   halvoEnvironment_ = environment;
   halvoType_ = type;
-  preparingHalvoCue_ = normalised(halvoCue);
+  preparingHalvoCue_ = normalisedCueName(halvoCue);
   if (mixpanelAnalyticsManager_) {
     mixpanelAnalyticsManager_->merchant = merchant_;
     mixpanelAnalyticsManager_->environment = halvoEnvironment_;

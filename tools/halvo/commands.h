@@ -5,5 +5,6 @@ namespace halvo {
 // Each command has a file of its own. argv[0] is the command's name; the result is the exit status.
 int play(int argc, char** argv);
 int layers(int argc, char** argv);
+int publish(int argc, char** argv);
 
 }  // namespace halvo

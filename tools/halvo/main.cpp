@@ -15,6 +15,7 @@ struct Command {
 constexpr Command kCommands[] = {
     {"play", "prepare a cue and play it", halvo::play},
     {"layers", "show the layer tree of SVG documents", halvo::layers},
+    {"publish", "put a cue into a store that devices upgrade from", halvo::publish},
     {"help", "print this", nullptr},
 };
 

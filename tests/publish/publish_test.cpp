@@ -1,0 +1,189 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <set>
+#include <string>
+
+#include "assets/file_manager.h"
+#include "assets/version_config.h"
+#include "support/nginx_server.h"
+#include "support/temporary_directory.h"
+
+namespace quellaro {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+struct Outcome {
+  int status = -1;
+  std::string output;  // standard output and standard error
+};
+
+Outcome run(const std::string& arguments) {
+  Outcome outcome;
+  std::FILE* pipe = popen((QUELLARO_HALVO_TOOL " " + arguments + " 2>&1").c_str(), "r");
+  std::array<char, 4096> buffer;
+  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
+    outcome.output.append(buffer.data(), count);
+  outcome.status = WEXITSTATUS(pclose(pipe));
+  return outcome;
+}
+
+class Publish : public testing::Test {
+ protected:
+  Publish() { writeCue("one"); }
+
+  // A cue of two frames whose sound is a moment of silence; `mark` tells cues apart.
+  void writeCue(const std::string& mark) const {
+    std::string frame("\xff\xfb\x90\x64", 4);
+    frame.resize(417);
+    std::string sound;
+    for (int i = 0; i < 8; ++i) sound += frame;
+    writeFile(cue() / "audio.mp3", sound);
+    writeFile(cue() / "play_config.json",
+              R"({"totalFrames": 2, "soundFileName": "audio.mp3", "soundDelayInMillis": 0, "animationDelayInMillis": 0,
+                  "frameTime": {"Frame_1": 10, "Frame_2": 10}, "viewBox": "0 0 10 10", "mark": ")" +
+                  mark + "\"}");
+    writeFile(cue() / "animation.json", R"(["<svg viewBox='0 0 9 9'/>", "<svg viewBox='0 0 9 9'><g/></svg>"])");
+    writeFile(cue() / "signature_forte.ahap", R"({"Version": 1.0, "Pattern": []})");
+  }
+  Outcome publish(const std::string& version, const std::string& more = "--sdk-version 2.0.0") const {
+    return run("publish " + cue().string() + " --store " + store().string() + " --cue Quel_laro --version '" + version +
+               "' " + more);
+  }
+  // "version filepath" of the cue for a library version; empty when it is not listed.
+  std::string listed(const std::string& sdkVersion, const std::string& name = "quellaro") const {
+    const auto entries = decodeVersionConfigs(readFile(store() / "version_config.json"));
+    EXPECT_TRUE(entries);
+    const auto entry = selectForSdkVersion(*entries, sdkVersion);
+    if (!entry || entry->cues->count(name) == 0) return "";
+    return *entry->cues->at(name).version + " " + *entry->cues->at(name).filepath;
+  }
+  fs::path cue() const { return directory_ / "cue"; }
+  fs::path store() const { return directory_ / "store"; }
+
+  TemporaryDirectory directory_;
+};
+
+TEST_F(Publish, WritesUnderAFreshPathAndListsItThere) {
+  const Outcome first = publish("2");
+  EXPECT_EQ(first.status, 0);
+  EXPECT_EQ(first.output, "published version 2 of quellaro for library version 2.0.0 at quellaro/2\n");
+  EXPECT_EQ(listed("2.0.0"), "2 quellaro/2");
+  for (const char* name : kCueFiles) EXPECT_EQ(readFile(store() / "quellaro/2" / name), readFile(cue() / name));
+
+  // Back and forth: no file that devices may be fetching is ever written over.
+  writeCue("two");
+  EXPECT_EQ(publish("3").status, 0);
+  EXPECT_EQ(publish("2").status, 0);
+  EXPECT_EQ(listed("2.0.0"), "2 quellaro/2-2");
+  EXPECT_THAT(readFile(store() / "quellaro/2/play_config.json"), HasSubstr("one"));
+  EXPECT_EQ(publish("../a b/\u00e9").status, 0);
+  EXPECT_EQ(listed("2.0.0"), "../a b/\u00e9 quellaro/_._a_b___");
+}
+
+TEST_F(Publish, WhatElseIsListedStays) {
+  writeFile(
+      store() / "version_config.json",
+      R"([{"note": "kept", "sdk_versions": ["1.0.0", "2.0.0"], "cues": {"other": {"version": "8", "filepath": "o/8"}},
+                 "analytics": {"enable": true, "frequency": "M", "url": "u"}},
+                {"sdk_versions": ["2.0.0", "2.1.0"], "cues": {}, "analytics": {"enable": false, "frequency": "Q", "url": ""}}])");
+  EXPECT_EQ(publish("2", "--sdk-version 2.0.0 --sdk-version 3.0.0").status, 0);
+  EXPECT_EQ(listed("2.0.0"), "2 quellaro/2");
+  EXPECT_EQ(listed("3.0.0"), "2 quellaro/2");
+  EXPECT_EQ(listed("1.0.0") + listed("2.1.0"), "");
+  EXPECT_EQ(listed("1.0.0", "other") + listed("2.0.0", "other"), "8 o/88 o/8");
+  const auto entries = decodeVersionConfigs(readFile(store() / "version_config.json"));
+  EXPECT_EQ(selectForSdkVersion(*entries, "3.0.0")->analytics->url, "u");
+  EXPECT_EQ(selectForSdkVersion(*entries, "2.1.0")->analytics->frequency, "Q");
+  EXPECT_THAT(readFile(store() / "version_config.json"), HasSubstr("kept"));
+}
+
+TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
+  ASSERT_EQ(publish("1").status, 0);
+  const std::string before = readFile(store() / "version_config.json");
+  const struct {
+    const char* file;
+    const char* content;  // null: the file is missing
+    const char* reason;
+  } cases[] = {
+      {"play_config.json", "{}", "At totalFrames: "},
+      {"audio.mp3", nullptr, "No such file"},
+      {"audio.mp3", "", "it is empty"},
+      {"audio.mp3", "RIFFxxxxWAVE", "audio.mp3"},
+      {"animation.json", "{}", "an array of frames was expected"},
+      {"animation.json", R"(["<svg/>", 2])", "Frame_2 is no text"},
+      {"animation.json", R"(["<svg/>", "<svg>\n<g></svg>"])", "Frame_2, line 2, column"},
+      {"animation.json", R"(["<svg/>", "<svg/>", "<svg/>"])", "has no Frame_3"},
+      {"animation.json", "[\"<svg/>\"", "animation.json"},
+      {"signature_forte.ahap", "[]", "an object was expected"},
+      {"signature_forte.ahap", "{}", "Pattern"},
+  };
+  for (const auto& c : cases) {
+    writeCue("broken");
+    fs::remove(cue() / c.file);
+    if (c.content != nullptr) writeFile(cue() / c.file, c.content);
+    const Outcome outcome = publish("2");
+    EXPECT_EQ(outcome.status, 1) << c.file;
+    EXPECT_THAT(outcome.output,
+                testing::AllOf(HasSubstr("not published: "),
+                               HasSubstr(c.file == std::string("animation.json") ? "" : c.file), HasSubstr(c.reason)));
+    EXPECT_FALSE(fs::exists(store() / "quellaro/2")) << c.file;
+  }
+  writeCue("fine");
+  EXPECT_THAT(publish("1").output, HasSubstr("listed already"));
+  for (const char* arguments : {"--version 0", "--version ''", "--cue ..", "--cue a/b", "--cue _", "--sdk-version ''"})
+    EXPECT_EQ(publish("5", arguments).status, 2) << arguments;
+  EXPECT_EQ(readFile(store() / "version_config.json"), before);
+
+  // A list that devices could not read is not replaced by one that has lost everything.
+  writeFile(store() / "version_config.json", "[{}]");
+  EXPECT_EQ(publish("2").status, 1);
+  EXPECT_EQ(readFile(store() / "version_config.json"), "[{}]");
+  fs::remove(store() / "version_config.json");
+  fs::create_directories(store() / "version_config.json");
+  EXPECT_EQ(publish("2").status, 1);
+  EXPECT_FALSE(fs::exists(store() / "quellaro/2"));
+}
+
+TEST_F(Publish, ADevicePicksUpWhatWasPublished) {
+  const NginxServer server(store());
+  const fs::path bundle = directory_ / "bundle";
+  writeFile(bundle / "Info.json",
+            R"({"CFBundleShortVersionString": "2.0.0", "versionConfigUrl": ")" + server.address() + "\"}");
+  for (const char* name : kCueFiles) writeFile(bundle / name, readFile(cue() / name));
+  writeFile(bundle / "version_config.json", R"([{"sdk_versions": ["2.0.0"], "cues": {"quellaro": {"version": "1",
+      "filepath": "q"}}, "analytics": {"enable": false, "frequency": "M", "url": ""}}])");
+  writeCue("published");
+  ASSERT_EQ(publish("2").status, 0);
+  const auto play = [&] {
+    return run("play Quellaro --type soundOnly --settle --bundle " + bundle.string() + " --library " +
+               (directory_ / "library").string());
+  };
+  const Outcome upgraded = play();
+  EXPECT_EQ(upgraded.status, 0);
+  EXPECT_THAT(upgraded.output, MatchesRegex("(.*\n)*QuellaroHalvo: New halvo update found download started\n(.*\n)*"
+                                            "QuellaroHalvo: New halvo upgraded successfully\n(.*\n)*"
+                                            "play: 800 success\n"));
+  for (const char* name : kCueFiles)
+    EXPECT_TRUE(readFile(directory_ / "library/halvo_assets_active/quellaro" / name) == readFile(cue() / name)) << name;
+  EXPECT_THAT(play().output, HasSubstr("QuellaroHalvo: quellaro cue version 2 is up to date\n"));
+
+  const auto requests = server.requests(5);
+  EXPECT_EQ(
+      std::set<std::string>(requests.begin(), requests.end()),
+      (std::set<std::string>{"GET /version_config.json 200 type=application/json expect=- length=-",
+                             "GET /quellaro/2/play_config.json 200 type=application/json expect=- length=-",
+                             "GET /quellaro/2/audio.mp3 200 type=application/json expect=- length=-",
+                             "GET /quellaro/2/animation.json 200 type=application/json expect=- length=-",
+                             "GET /quellaro/2/signature_forte.ahap 200 type=application/json expect=- length=-"}));
+  EXPECT_EQ(requests.size(), 5u);
+}
+
+}  // namespace
+}  // namespace quellaro
