@@ -4,6 +4,7 @@
 #include <string>
 
 #include "commands.h"
+#include "devices.h"
 #include "options.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/application.h"
@@ -25,6 +26,7 @@ struct PlayOptions {
   bool haptics = false;
   std::int64_t times = 1;
   bool settle = false;
+  DeviceOptions devices;
 };
 
 std::optional<std::string> chooseType(const std::string& name, QLHalvoType& type) {
@@ -156,6 +158,10 @@ int play(int argc, char** argv) {
       {"haptics", "", "ask for haptics", setFlag(options.haptics)},
       {"times", "N", "plays, one after the other; 0 only prepares (1)", setNumber(options.times, 0, 1000000)},
       {"settle", "", "before each play and before the end, wait for requests and queued work", setFlag(options.settle)},
+      {"headless", "", "use simulated devices: nothing of the machine", setFlag(options.devices.headless)},
+      {"volume", "V", "with --headless: output volume, 0.0 to 1.0 (1.0)",
+       [&](const std::string& value) { return chooseVolume(value, options.devices); }},
+      {"no-actuator", "", "with --headless: a device without a haptic actuator", setFlag(options.devices.noActuator)},
       {"bundle", "DIR", "the library's bundle: Info.json and the built-in assets (the installed set)", chooseBundle},
       {"library", "DIR", "the application's Library directory ($XDG_DATA_HOME/APP_ID)",
        [](const std::string& value) -> std::optional<std::string> {
@@ -167,7 +173,10 @@ int play(int argc, char** argv) {
   };
   const Parsed parsed = parse(commandLine, argc, argv);
   if (parsed.exitStatus) return *parsed.exitStatus;
+  if (!options.devices.headless && (options.devices.noActuator || options.devices.volume))
+    return usageError("play", "--no-actuator and --volume are for simulated devices: give --headless too");
   options.cue = parsed.positional[0];
+  useDevices(options.devices);
   return PlaySession(std::move(options)).run();
 }
 
