@@ -82,20 +82,18 @@ void setLibraryDirectory(std::optional<std::string> path) {
   application().libraryDirectory = std::move(path);
 }
 
+std::optional<std::string> libraryDirectoryPath() {
+  const std::lock_guard lock(application().mutex);
+  if (application().libraryDirectory) return withoutSlashAtEnd(*application().libraryDirectory);
+  const auto home = dataHome();
+  if (!home) return std::nullopt;
+  const std::string identifier = application().identifier.value_or("");
+  return withoutSlashAtEnd(*home) + "/" + (identifier.empty() ? std::string(kSharedDirectory) : identifier);
+}
+
 std::optional<std::string> NSSearchPathForLibraryDirectory() {
-  std::string path;
-  {
-    const std::lock_guard lock(application().mutex);
-    if (application().libraryDirectory) {
-      path = withoutSlashAtEnd(*application().libraryDirectory);
-    } else {
-      const auto home = dataHome();
-      if (!home) return std::nullopt;
-      const std::string identifier = application().identifier.value_or("");
-      path = withoutSlashAtEnd(*home) + "/" + (identifier.empty() ? std::string(kSharedDirectory) : identifier);
-    }
-  }
-  makePrivateDirectory(path);
+  std::optional<std::string> path = libraryDirectoryPath();
+  if (path) makePrivateDirectory(*path);
   return path;
 }
 

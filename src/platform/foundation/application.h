@@ -23,4 +23,7 @@ void setLibraryDirectory(std::optional<std::string> path);
 // when it is missing.
 std::optional<std::string> NSSearchPathForLibraryDirectory();
 
+// The same path, without making anything: for those who only look.
+std::optional<std::string> libraryDirectoryPath();
+
 }  // namespace quellaro

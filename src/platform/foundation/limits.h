@@ -35,4 +35,8 @@ inline constexpr double kHapticSeconds = 60;
 inline constexpr std::size_t kHapticEventParameters = 64;
 inline constexpr std::size_t kHapticControlPoints = 512;
 
+// A file of usage records; a larger one reads as empty. A hundred thousand records, more than a device meets in years,
+// are 64 MB.
+inline constexpr std::size_t kUsageFileBytes = std::size_t{64} << 20;
+
 }  // namespace quellaro::limits
