@@ -1,5 +1,6 @@
 #include "public/halvo_collaborators.h"
 
+#include "analytics/analytics_manager.h"
 #include "assets/upgrade_controller.h"
 #include "media/audio_controller.h"
 #include "media/haptics_manager.h"
@@ -14,7 +15,7 @@ HalvoCollaborators HalvoCollaborators::standard() {
       .makeUpgradeController = [] { return QLUpgradeController::make(); },
       .makeHapticsManager = HapticsManager::make,
       .supportsHaptics = [] { return CHHapticEngine::capabilitiesForHardware().supportsHaptics; },
-      .makeAnalyticsManager = [] { return nullptr; },
+      .makeAnalyticsManager = [] { return MixpanelAnalyticsManager::make(); },
   };
 }
 
