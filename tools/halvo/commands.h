@@ -6,5 +6,6 @@ namespace halvo {
 int play(int argc, char** argv);
 int layers(int argc, char** argv);
 int publish(int argc, char** argv);
+int usage(int argc, char** argv);
 
 }  // namespace halvo

@@ -16,6 +16,7 @@ constexpr Command kCommands[] = {
     {"play", "prepare a cue and play it", halvo::play},
     {"layers", "show the layer tree of SVG documents", halvo::layers},
     {"publish", "put a cue into a store that devices upgrade from", halvo::publish},
+    {"usage", "print the usage records that are stored, without sending them", halvo::usage},
     {"help", "print this", nullptr},
 };
 

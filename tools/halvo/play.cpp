@@ -5,10 +5,9 @@
 
 #include "commands.h"
 #include "devices.h"
+#include "host_options.h"
 #include "options.h"
 #include "platform/dispatch/main_queue.h"
-#include "platform/foundation/application.h"
-#include "platform/foundation/bundle.h"
 #include "platform/foundation/file_manager.h"
 #include "public/halvo_controller.h"
 
@@ -41,12 +40,6 @@ std::optional<std::string> chooseType(const std::string& name, QLHalvoType& type
   return std::nullopt;
 }
 
-std::optional<std::string> chooseEnvironment(const std::string& name, QLHalvoEnvironment& environment) {
-  if (name != "primary" && name != "secondary") return "primary or secondary is needed";
-  environment = name == "primary" ? QLHalvoEnvironment::primary : QLHalvoEnvironment::secondary;
-  return std::nullopt;
-}
-
 std::shared_ptr<const QLHalvoMerchant> sampleMerchant() {
   return QLHalvoMerchant::make("Corner Shop", "US", "San Francisco", {"5411"}, std::nullopt);
 }
@@ -74,17 +67,6 @@ std::optional<std::string> readMerchant(const std::string& path, std::shared_ptr
   merchant = QLHalvoMerchant::make(name.value_or(""), country.value_or(""), city, categoryCodes, id);
   if (!merchant) return "a merchant needs a name, a country code and at least one category code";
   return std::nullopt;
-}
-
-std::optional<std::string> chooseBundle(const std::string& path) {
-  if (!FileManager::directoryExistsAtPath(path)) return "there is no such directory";
-  NSBundle::setLibraryPath(path);
-  return std::nullopt;
-}
-
-std::optional<std::string> chooseIdentifier(const std::string& identifier) {
-  const auto problem = setApplicationIdentifier(identifier);
-  return problem ? std::optional(problem->localizedDescription) : std::nullopt;
 }
 
 // One prepare and the plays that follow it.
@@ -139,7 +121,6 @@ class PlaySession {
 int play(int argc, char** argv) {
   PlayOptions options;
   options.merchant = sampleMerchant();
-  setApplicationIdentifier("dev.quellaro.halvo");
 
   CommandLine commandLine;
   commandLine.usage = "play CUE [options]";
@@ -162,15 +143,8 @@ int play(int argc, char** argv) {
       {"volume", "V", "with --headless: output volume, 0.0 to 1.0 (1.0)",
        [&](const std::string& value) { return chooseVolume(value, options.devices); }},
       {"no-actuator", "", "with --headless: a device without a haptic actuator", setFlag(options.devices.noActuator)},
-      {"bundle", "DIR", "the library's bundle: Info.json and the built-in assets (the installed set)", chooseBundle},
-      {"library", "DIR", "the application's Library directory ($XDG_DATA_HOME/APP_ID)",
-       [](const std::string& value) -> std::optional<std::string> {
-         if (value.empty()) return "a directory is needed";
-         setLibraryDirectory(value);
-         return std::nullopt;
-       }},
-      {"app-id", "ID", "bundle identifier of the host application, '' for none (dev.quellaro.halvo)", chooseIdentifier},
   };
+  addHostOptions(commandLine);
   const Parsed parsed = parse(commandLine, argc, argv);
   if (parsed.exitStatus) return *parsed.exitStatus;
   if (!options.devices.headless && (options.devices.noActuator || options.devices.volume))
