@@ -36,6 +36,8 @@ QLHalvoAudioController::~QLHalvoAudioController() {
 
 void QLHalvoAudioController::prepare(const std::string& cueName, Callback onSuccess, Callback onFailure) {
   const std::string path = HalvoFileManager::assetsDirectoryPath(cueName) + "/" + kSoundFile;
+  // No file URL can be made of such a path.
+  if (path.find('\0') != std::string::npos) return call(onFailure);
   Result<std::unique_ptr<AVAudioPlayer>> player = AVAudioPlayer::initWithContentsOfURL(path);
   if (!player) {
     inaudibleReason_ = player.error().localizedDescription;

@@ -1,6 +1,7 @@
 #include "platform/avfoundation/pulse_output.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -232,6 +233,23 @@ TEST(PulseOutput, AServerThatNeverAnswersIsGivenUpInTime) {
   listener.player->play();
   EXPECT_LT(secondsSince(start), 5);
   EXPECT_TRUE(listener.player->isPlaying()) << "simulated";
+}
+
+TEST(PulseOutput, WithoutDescriptorsThereIsNoServerAndNoHarm) {
+  const PulseServer server;
+  const Listener listener(kShortSound);
+  rlimit descriptors{};
+  getrlimit(RLIMIT_NOFILE, &descriptors);
+  PulseOutput output;
+  const rlimit few{4, descriptors.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+  EXPECT_EQ(output.prepare(), nullptr);
+  EXPECT_EQ(output.volume(), 0.0F);
+  Result<std::unique_ptr<Mp3Decoder>> sound = Mp3Decoder::open(kShortSound);
+  ASSERT_FALSE(sound);
+  EXPECT_NE(sound.error().localizedDescription.find("Too many open files"), std::string::npos);
+  setrlimit(RLIMIT_NOFILE, &descriptors);
+  EXPECT_EQ(output.volume(), 1.0F);
 }
 
 TEST(PulseOutput, LooksForAServerWithoutLeavingAnythingInTheHome) {

@@ -1,7 +1,6 @@
 #include "platform/avfoundation/pulse_connection.h"
 
 #include <algorithm>
-#include <new>
 #include <string>
 
 #include "platform/avfoundation/pulse_address.h"
@@ -34,14 +33,20 @@ void wakeWaiter(pa_context* /*context*/, void* loop) {
 
 }  // namespace
 
-PulseConnection::PulseConnection() : loop_(pa_threaded_mainloop_new()) {
-  if (loop_ == nullptr) throw std::bad_alloc();
+std::shared_ptr<PulseConnection> PulseConnection::open() {
+  pa_threaded_mainloop* loop = pa_threaded_mainloop_new();
+  if (loop == nullptr) return nullptr;
   // Null as the name: the library takes that of the program.
-  context_ = pa_context_new(pa_threaded_mainloop_get_api(loop_), nullptr);
-  if (context_ == nullptr) {
-    pa_threaded_mainloop_free(loop_);
-    throw std::bad_alloc();
+  pa_context* context = pa_context_new(pa_threaded_mainloop_get_api(loop), nullptr);
+  if (context == nullptr) {
+    pa_threaded_mainloop_free(loop);
+    return nullptr;
   }
+  // Private constructor: make_shared cannot reach it.
+  return std::shared_ptr<PulseConnection>(new PulseConnection(loop, context));
+}
+
+PulseConnection::PulseConnection(pa_threaded_mainloop* loop, pa_context* context) : loop_(loop), context_(context) {
   pa_threaded_mainloop_set_name(loop_, "sound server");
   pa_context_set_state_callback(context_, wakeWaiter, loop_);
   connectDeadline_ = pa_rtclock_now() + kConnectTimeout;

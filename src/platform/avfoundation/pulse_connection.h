@@ -3,6 +3,7 @@
 #include <pulse/pulseaudio.h>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "platform/foundation/error.h"
@@ -13,13 +14,13 @@ namespace quellaro {
 // otherwise. Lost for good once the server has gone.
 class PulseConnection {
  public:
-  // Begins to connect and does not wait.
-  PulseConnection();
+  // Begins to connect and does not wait. Null when the process has no descriptors or memory left for it.
+  static std::shared_ptr<PulseConnection> open();
   ~PulseConnection();
   PulseConnection(const PulseConnection&) = delete;
   PulseConnection& operator=(const PulseConnection&) = delete;
 
-  // Waits until sounds can be started, for a bounded time since the construction. Gives why they cannot.
+  // Waits until sounds can be started, for a bounded time since open(). Gives why they cannot.
   std::optional<NSError> waitUntilReady();
   // Connected, or about to be.
   bool isUsable();
@@ -42,10 +43,11 @@ class PulseConnection {
   NSError lastError() const;
 
  private:
+  PulseConnection(pa_threaded_mainloop* loop, pa_context* context);
   void waitFor(const std::function<bool()>& condition, pa_usec_t deadline);
 
-  pa_threaded_mainloop* loop_ = nullptr;
-  pa_context* context_ = nullptr;
+  pa_threaded_mainloop* loop_;
+  pa_context* context_;
   pa_usec_t connectDeadline_ = 0;
 };
 

@@ -11,7 +11,7 @@ std::shared_ptr<PulseConnection> PulseOutput::connection() {
   const std::lock_guard lock(mutex_);
   std::shared_ptr<PulseConnection> connection = connection_.lock();
   if (!connection || !connection->isUsable()) {
-    connection = std::make_shared<PulseConnection>();
+    connection = PulseConnection::open();
     connection_ = connection;
   }
   return connection;
@@ -21,12 +21,17 @@ std::shared_ptr<void> PulseOutput::prepare() { return connection(); }
 
 Result<std::unique_ptr<Playback>> PulseOutput::start(std::shared_ptr<SoundSource> sound, PlaybackEndHandler onEnd) {
   std::shared_ptr<PulseConnection> server = connection();
+  if (!server)
+    return NSError{"PulseAudioErrorDomain", PA_ERR_INTERNAL, "Too few descriptors are left for a sound server."};
   if (const std::optional<NSError> error = server->waitUntilReady()) return *error;
   auto playback = std::make_unique<PulsePlayback>(std::move(server), std::move(sound), std::move(onEnd));
   if (const std::optional<NSError> error = playback->start()) return *error;
   return std::unique_ptr<Playback>(std::move(playback));
 }
 
-float PulseOutput::volume() { return connection()->volume(); }
+float PulseOutput::volume() {
+  const std::shared_ptr<PulseConnection> server = connection();
+  return server ? server->volume() : 0;
+}
 
 }  // namespace quellaro

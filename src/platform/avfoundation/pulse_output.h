@@ -17,6 +17,7 @@ class PulseOutput final : public AudioOutput {
   float volume() override;
 
  private:
+  // Null when none can be made.
   std::shared_ptr<PulseConnection> connection();
 
   std::mutex mutex_;
