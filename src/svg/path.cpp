@@ -16,7 +16,7 @@ constexpr NSCharacterSet kCommands{"MLACQSTHVZmlacqsthvz"};
 constexpr NSCharacterSet kSeparators{" ,\n"};
 
 // Honest data has a point for about every fourteen characters.
-constexpr std::size_t kCharactersPerPoint = 10;
+constexpr std::size_t kCharactersPerPoint = 12;
 constexpr std::size_t kReservedPoints = 8192;
 
 constexpr CGPoint kOrigin{};

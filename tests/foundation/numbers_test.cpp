@@ -8,6 +8,8 @@
 #include <limits>
 #include <random>
 
+#include "platform/foundation/decimal_scan.h"
+
 namespace quellaro {
 namespace {
 

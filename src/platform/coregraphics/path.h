@@ -31,13 +31,33 @@ constexpr int pointCount(PathVerb verb) {
 // point.
 class CGPath {
  public:
-  void moveTo(CGPoint to);
+  void moveTo(CGPoint to) {
+    verbs_.push_back(PathVerb::Move);
+    points_.push_back(to);
+  }
   // These add nothing while the path has no current point.
-  void lineTo(CGPoint to);
-  void quadTo(CGPoint control, CGPoint to);
-  void cubicTo(CGPoint control1, CGPoint control2, CGPoint to);
+  void lineTo(CGPoint to) {
+    if (verbs_.empty()) return;
+    verbs_.push_back(PathVerb::Line);
+    points_.push_back(to);
+  }
+  void quadTo(CGPoint control, CGPoint to) {
+    if (verbs_.empty()) return;
+    verbs_.push_back(PathVerb::Quad);
+    points_.push_back(control);
+    points_.push_back(to);
+  }
+  void cubicTo(CGPoint control1, CGPoint control2, CGPoint to) {
+    if (verbs_.empty()) return;
+    verbs_.push_back(PathVerb::Cubic);
+    points_.push_back(control1);
+    points_.push_back(control2);
+    points_.push_back(to);
+  }
   // After a close the current point is the start of the sub-path that was closed.
-  void close();
+  void close() {
+    if (!verbs_.empty()) verbs_.push_back(PathVerb::Close);
+  }
 
   bool empty() const { return verbs_.empty(); }
   const std::vector<PathVerb>& verbs() const { return verbs_; }

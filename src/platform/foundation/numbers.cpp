@@ -5,8 +5,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
+
+#include "platform/foundation/decimal_scan.h"
 
 namespace quellaro {
 
@@ -97,58 +98,30 @@ const char* scanUnsigned(const char* p, const char* last, double& value) {
   return p;
 }
 
-// Eight characters of text, the first in the lowest byte.
-std::uint64_t loadEight(const char* p) {
-  std::uint64_t eight = 0;
-  std::memcpy(&eight, p, sizeof eight);
-  return eight;
-}
-
-// How many of the eight are digits before the first that is not.
-unsigned leadingDigits(std::uint64_t eight) {
-  constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0;
-  constexpr std::uint64_t kZeros = 0x3030303030303030;
-  const std::uint64_t others =
-      ((eight & kHighHalves) ^ kZeros) | (((eight + 0x0606060606060606) & kHighHalves) ^ kZeros);
-  return static_cast<unsigned>(std::countr_zero(others)) / 8;
-}
-
-// The number that the first `count` (1 to 8) of the eight make: neighbours are joined to pairs, pairs to fours, fours
-// to the whole, each step by one multiplication for all of them.
-std::uint32_t joinDigits(std::uint64_t eight, unsigned count) {
-  constexpr std::uint64_t kPairs = 0x000000FF000000FF;
-  std::uint64_t digits = (eight ^ 0x3030303030303030) << (64 - 8 * count);
-  digits = digits * 10 + (digits >> 8);
-  digits = ((digits & kPairs) * (100 + (std::uint64_t{1000000} << 32)) +
-            ((digits >> 16) & kPairs) * (1 + (std::uint64_t{10000} << 32))) >>
-           32;
-  return static_cast<std::uint32_t>(digits);
-}
-
-// The usual number: at most seven digits on either side of the point, no exponent, text enough behind it to look at
+// A number of at most seven digits on either side of the point, without exponent, text enough behind it to look at
 // eight characters at a time. Gives nullptr when it is any other.
-const char* scanUsual(const char* p, double& value) {
+const char* scanMedium(const char* p, double& value) {
   static constexpr std::array<std::uint32_t, 8> kPowers = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
-  const std::uint64_t front = loadEight(p);
-  const unsigned whole = leadingDigits(front);
+  const std::uint64_t front = swar::loadDigits(p);
+  const unsigned whole = swar::leadingDigits(front);
   if (whole == 8) return nullptr;
-  std::uint64_t mantissa = whole != 0 ? joinDigits(front, whole) : 0;
+  std::uint64_t mantissa = whole != 0 ? swar::join(front, whole) : 0;
   p += whole;
   unsigned fraction = 0;
   if (*p == '.') {
-    const std::uint64_t back = loadEight(++p);
-    fraction = leadingDigits(back);
+    const std::uint64_t back = swar::loadDigits(++p);
+    fraction = swar::leadingDigits(back);
     if (fraction == 8) return nullptr;
-    if (fraction != 0) mantissa = mantissa * kPowers[fraction] + joinDigits(back, fraction);
+    if (fraction != 0) mantissa = mantissa * kPowers[fraction] + swar::join(back, fraction);
     p += fraction;
   }
   if (whole + fraction == 0 || lower(*p) == 'e') return nullptr;
-  value = static_cast<double>(mantissa) / kExactPowers[fraction];
+  value = static_cast<double>(static_cast<std::int64_t>(mantissa)) / kExactPowers[fraction];
   return p;
 }
 
-// Sign, seven digits, point and eight more characters to look at.
-constexpr std::ptrdiff_t kUsualRoom = 1 + 7 + 1 + 8;
+// Seven digits, point and eight more characters to look at.
+constexpr std::ptrdiff_t kMediumRoom = 7 + 1 + 8;
 
 bool equalsIgnoringCase(std::string_view text, std::string_view word) {
   if (text.size() != word.size()) return false;
@@ -204,18 +177,12 @@ std::optional<float> unsignedFloat(std::string_view text) {
 
 }  // namespace
 
-const char* scanDecimal(const char* first, const char* last, double& value) {
-  if (first == last) return first;
-  const bool negative = *first == '-';
-  const char* const digits = first + (negative || *first == '+' ? 1 : 0);
-  double magnitude = 0;
-  const char* end = nullptr;
-  if constexpr (std::endian::native == std::endian::little)
-    if (last - first >= kUsualRoom) end = scanUsual(digits, magnitude);
-  if (end == nullptr) end = scanUnsigned(digits, last, magnitude);
-  if (end == nullptr) return first;
-  value = negative ? -magnitude : magnitude;
-  return end;
+const char* scanMagnitude(const char* first, const char* last, double& value) {
+  if constexpr (std::endian::native == std::endian::little) {
+    const char* const end = last - first >= kMediumRoom ? scanMedium(first, value) : nullptr;
+    if (end != nullptr) return end;
+  }
+  return scanUnsigned(first, last, value);
 }
 
 double doubleValue(std::string_view text) {

@@ -7,11 +7,6 @@
 // Numbers in text, the same under every locale: C's own functions follow whatever locale the host has chosen.
 namespace quellaro {
 
-// Reads the decimal number that starts at `first`: an optional sign, digits with at most one point among, before or
-// after them, and an exponent when it has digits of its own. Gives where the number ends, or `first` when there is
-// none; `value` is then left alone. What is too large becomes infinite, what is too small 0, each with its sign.
-const char* scanDecimal(const char* first, const char* last, double& value);
-
 // The longest decimal number at the start, white space before it skipped; 0 when there is none.
 double doubleValue(std::string_view text);
 

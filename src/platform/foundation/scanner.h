@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/decimal_scan.h"
 
 namespace quellaro {
 
