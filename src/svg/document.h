@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/coregraphics/geometry.h"
-#include "platform/foundation/text_storage.h"
+#include "platform/foundation/arena.h"
 #include "svg/element.h"
 
 namespace quellaro {
@@ -40,7 +40,7 @@ class SVGDocument {
 
  private:
   std::string text_;
-  TextStorage storage_;
+  std::shared_ptr<Arena> arena_;
   std::optional<CGSize> viewbox_ = CGSize{};
   SVGStyle style_;
   std::optional<std::vector<std::shared_ptr<SVGElement>>> elements_;

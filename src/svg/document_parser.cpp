@@ -15,13 +15,14 @@ namespace {
 constexpr double kDefaultSide = 100;
 
 template <class Kind>
-std::shared_ptr<SVGElement> make(std::string_view name, const XMLAttributes& attributes) {
-  return std::make_shared<Kind>(name, attributes);
+std::shared_ptr<SVGElement> make(const std::shared_ptr<Arena>& arena, std::string_view name, XMLAttributes attributes) {
+  return makeShared<Kind>(arena, name, attributes);
 }
 
 struct Kind {
   std::string_view name;
-  std::shared_ptr<SVGElement> (*make)(std::string_view name, const XMLAttributes& attributes);
+  std::shared_ptr<SVGElement> (*make)(const std::shared_ptr<Arena>& arena, std::string_view name,
+                                      XMLAttributes attributes);
 };
 
 constexpr Kind kKinds[] = {
@@ -37,21 +38,21 @@ const Kind* kindNamed(std::string_view name) {
   return nullptr;
 }
 
-double side(const XMLAttributes& attributes, std::string_view name) {
+double side(XMLAttributes attributes, std::string_view name) {
   const std::optional<std::string_view> text = attributes.find(name);
   return text ? doubleValue(*text) : kDefaultSide;
 }
 
 }  // namespace
 
-void SVGDocumentParser::parserDidStartElement(std::string_view name, const XMLAttributes& attributes) {
+void SVGDocumentParser::parserDidStartElement(std::string_view name, XMLAttributes attributes) {
   if (name == "svg") {
     viewbox_ = CGSize{side(attributes, "width"), side(attributes, "height")};
     return;
   }
   const Kind* const kind = kindNamed(name);
   if (kind == nullptr) return;
-  std::shared_ptr<SVGElement> element = kind->make(name, attributes);
+  std::shared_ptr<SVGElement> element = kind->make(arena_, name, attributes);
   if (stack_.count() > 0) element->inheritPaint(*stack_.peek());
   stack_.push(std::move(element));
 }

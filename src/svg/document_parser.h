@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/coregraphics/geometry.h"
@@ -16,7 +17,10 @@ namespace quellaro {
 // content were there.
 class SVGDocumentParser : public NSXMLParserDelegate {
  public:
-  void parserDidStartElement(std::string_view name, const XMLAttributes& attributes) override;
+  // The elements are made in the arena.
+  explicit SVGDocumentParser(std::shared_ptr<Arena> arena) : arena_(std::move(arena)) {}
+
+  void parserDidStartElement(std::string_view name, XMLAttributes attributes) override;
   void parserDidEndElement(std::string_view name) override;
 
   // Known elements that are still open.
@@ -27,6 +31,7 @@ class SVGDocumentParser : public NSXMLParserDelegate {
   std::vector<std::shared_ptr<SVGElement>> takeElements() { return std::move(elements_); }
 
  private:
+  std::shared_ptr<Arena> arena_;
   Stack<std::shared_ptr<SVGElement>> stack_;
   std::vector<std::shared_ptr<SVGElement>> elements_;
   std::optional<CGSize> viewbox_;

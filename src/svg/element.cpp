@@ -9,7 +9,7 @@
 
 namespace quellaro {
 
-SVGElement::SVGElement(std::string_view name, const XMLAttributes& attributes) : name_(name), attr_(attributes) {
+SVGElement::SVGElement(std::string_view name, XMLAttributes attributes) : name_(name), attr_(attributes) {
   applyCommonAttributes(attr_);
 }
 
@@ -26,7 +26,7 @@ SVGElement::~SVGElement() {
   }
 }
 
-void SVGElement::applyCommonAttributes(const XMLAttributes& attributes) {
+void SVGElement::applyCommonAttributes(XMLAttributes attributes) {
   if (const auto stroke = attributes.find("stroke")) strokeColor_ = colorFromHexString(*stroke);
   if (const auto width = attributes.find("stroke-width")) strokeWidth_ = floatFromText(*width).value_or(0.0F);
   if (const auto fill = attributes.find("fill")) fillColor_ = colorFromHexString(*fill);
@@ -34,7 +34,7 @@ void SVGElement::applyCommonAttributes(const XMLAttributes& attributes) {
     transform_ = std::make_unique<const CATransform3D>(SVGTransformParser::parseTransform(*transform));
 }
 
-void SVGElement::buildPath(const XMLAttributes& /*attributes*/) {}
+void SVGElement::buildPath(XMLAttributes /*attributes*/) {}
 
 void SVGElement::inheritPaint(const SVGElement& from) {
   if (!fillColor_) fillColor_ = from.fillColor_;

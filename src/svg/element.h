@@ -17,9 +17,9 @@ class CAShapeLayer;
 // One recognised element of a frame: its attributes and what was made of them. A plain SVGElement is a group; kinds
 // with an outline of their own build it during construction. Immutable once its end tag has been read, so that any
 // thread may look at it. Its texts view its document's storage.
-class SVGElement {
+class SVGElement : public std::enable_shared_from_this<SVGElement> {
  public:
-  SVGElement(std::string_view name, const XMLAttributes& attributes);
+  SVGElement(std::string_view name, XMLAttributes attributes);
   SVGElement(const SVGElement&) = delete;
   SVGElement& operator=(const SVGElement&) = delete;
   // Trees may be a million elements deep, so destruction does not recurse.
@@ -30,7 +30,7 @@ class SVGElement {
   const std::vector<std::shared_ptr<SVGElement>>& children() const { return children_; }
   // As written.
   std::string_view name() const { return name_; }
-  const XMLAttributes& attr() const { return attr_; }
+  XMLAttributes attr() const { return attr_; }
 
   // Kept as text; the engine makes nothing of them (but see the kinds that ask for `id`).
   std::optional<std::string_view> id() const { return attr_.find("id"); }
@@ -53,13 +53,14 @@ class SVGElement {
   void inheritPaint(const SVGElement& from);
   static void appendChild(const std::shared_ptr<SVGElement>& parent, std::shared_ptr<SVGElement> child);
 
-  // A new layer for this element with those of its children, on every call. The outlines are shared, not copied.
+  // A new layer for this element with those of its children, on every call. The layers share the outlines and keep
+  // their elements alive, so that they may outlive the document.
   std::shared_ptr<CAShapeLayer> makeShapeLayer() const;
 
  protected:
-  void applyCommonAttributes(const XMLAttributes& attributes);
+  void applyCommonAttributes(XMLAttributes attributes);
   // Every kind with an outline calls its own at the end of its construction.
-  virtual void buildPath(const XMLAttributes& attributes);
+  virtual void buildPath(XMLAttributes attributes);
 
   UIBezierPath path_;
   bool clickable_ = false;

@@ -8,43 +8,54 @@ namespace quellaro {
 
 namespace {
 
-std::shared_ptr<CAShapeLayer> layerWithoutChildren(const SVGElement& element) {
-  auto layer = std::make_shared<CAShapeLayer>();
-  layer->setPath(element.path().cgPath());
-  layer->setStrokeColor(element.strokeColor());
-  layer->setLineWidth(element.strokeWidth());
-  layer->setFillColor(element.fillColor());
-  if (element.transform() != nullptr) layer->setTransform(*element.transform());
+// A tree's layers are made and go together. About ten layers.
+constexpr std::size_t kFirstBlock = 1 << 12;
+
+using ElementPointer = std::shared_ptr<const SVGElement>;
+
+std::shared_ptr<CAShapeLayer> layerWithoutChildren(const ElementPointer& element, const std::shared_ptr<Arena>& arena) {
+  auto layer = makeShared<CAShapeLayer>(arena);
+  layer->setPath({element, &element->path().cgPath()});
+  layer->setStrokeColor(element->strokeColor());
+  layer->setLineWidth(element->strokeWidth());
+  layer->setFillColor(element->fillColor());
+  if (element->transform() != nullptr) layer->setTransform(*element->transform());
   return layer;
 }
 
-}  // namespace
-
-std::shared_ptr<CAShapeLayer> SVGElement::makeShapeLayer() const {
-  const std::shared_ptr<CAShapeLayer> top = layerWithoutChildren(*this);
+std::shared_ptr<CAShapeLayer> layerOf(const ElementPointer& top, const std::shared_ptr<Arena>& arena) {
+  std::shared_ptr<CAShapeLayer> topLayer = layerWithoutChildren(top, arena);
   // Layers that still lack their children's: a tree may be too deep to recurse.
-  std::vector<std::pair<const SVGElement*, CALayer*>> pending{{this, top.get()}};
+  std::vector<std::pair<const SVGElement*, CALayer*>> pending;
+  if (!top->children().empty()) pending.emplace_back(top.get(), topLayer.get());
   while (!pending.empty()) {
     const auto [element, layer] = pending.back();
     pending.pop_back();
     std::vector<std::shared_ptr<CALayer>> sublayers;
     sublayers.reserve(element->children().size());
     for (const std::shared_ptr<SVGElement>& child : element->children()) {
-      sublayers.push_back(layerWithoutChildren(*child));
+      sublayers.push_back(layerWithoutChildren(child, arena));
       if (!child->children().empty()) pending.emplace_back(child.get(), sublayers.back().get());
     }
     layer->setSublayers(std::move(sublayers));
   }
-  return top;
+  return topLayer;
+}
+
+}  // namespace
+
+std::shared_ptr<CAShapeLayer> SVGElement::makeShapeLayer() const {
+  return layerOf(shared_from_this(), std::make_shared<Arena>(kFirstBlock));
 }
 
 std::shared_ptr<CALayer> SVGDocument::makeLayer() const {
   if (!elements_ || !viewbox_) return nullptr;
-  auto root = std::make_shared<CALayer>();
+  const auto arena = std::make_shared<Arena>(kFirstBlock);
+  auto root = makeShared<CALayer>(arena);
   root->setBounds({{0, 0}, *viewbox_});
   std::vector<std::shared_ptr<CALayer>> sublayers;
   sublayers.reserve(elements_->size());
-  for (const std::shared_ptr<SVGElement>& element : *elements_) sublayers.push_back(element->makeShapeLayer());
+  for (const std::shared_ptr<SVGElement>& element : *elements_) sublayers.push_back(layerOf(element, arena));
   root->setSublayers(std::move(sublayers));
   return root;
 }

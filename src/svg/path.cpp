@@ -55,11 +55,11 @@ void discard(Numbers& numbers) {
 
 }  // namespace
 
-SVGPath::SVGPath(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+SVGPath::SVGPath(std::string_view name, XMLAttributes attributes) : SVGElement(name, attributes) {
   SVGPath::buildPath(attr());
 }
 
-void SVGPath::buildPath(const XMLAttributes& attributes) {
+void SVGPath::buildPath(XMLAttributes attributes) {
   const std::optional<std::string_view> data = attributes.find("d");
   if (!data || data->empty()) return;
   path_.reserve(std::min(data->size() / kCharactersPerPoint + 1, kReservedPoints));

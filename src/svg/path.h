@@ -12,7 +12,7 @@ namespace quellaro {
 // move are not drawn but move `end` along.
 class SVGPath : public SVGElement {
  public:
-  SVGPath(std::string_view name, const XMLAttributes& attributes);
+  SVGPath(std::string_view name, XMLAttributes attributes);
 
   // Second control point of the last cubic segment, control point of the last quadratic one. The origin means none.
   CGPoint c_pre() const { return c_pre_; }
@@ -25,7 +25,7 @@ class SVGPath : public SVGElement {
   void applyCommand(std::string_view command, std::span<const double> numbers);
 
  protected:
-  void buildPath(const XMLAttributes& attributes) override;
+  void buildPath(XMLAttributes attributes) override;
 
  private:
   // Numbers come one at a time from the text or a list: `bool next(double&)`.

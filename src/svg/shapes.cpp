@@ -13,7 +13,7 @@ namespace {
 
 // The geometry attributes' values, or nothing when one is missing.
 template <std::size_t count>
-std::optional<std::array<double, count>> geometry(const XMLAttributes& attributes,
+std::optional<std::array<double, count>> geometry(XMLAttributes attributes,
                                                   const std::array<std::string_view, count>& names) {
   std::array<double, count> values{};
   for (std::size_t i = 0; i < count; ++i) {
@@ -48,11 +48,11 @@ std::vector<double> parseNumberList(std::string_view text) {
   return numbers;
 }
 
-SVGLine::SVGLine(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+SVGLine::SVGLine(std::string_view name, XMLAttributes attributes) : SVGElement(name, attributes) {
   SVGLine::buildPath(attr());
 }
 
-void SVGLine::buildPath(const XMLAttributes& attributes) {
+void SVGLine::buildPath(XMLAttributes attributes) {
   const auto line = geometry<4>(attributes, {"x1", "y1", "x2", "y2"});
   if (!line) return;
   const auto [x1, y1, x2, y2] = *line;
@@ -60,11 +60,11 @@ void SVGLine::buildPath(const XMLAttributes& attributes) {
   path_.addLineToPoint({x2, y2});
 }
 
-SVGRect::SVGRect(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+SVGRect::SVGRect(std::string_view name, XMLAttributes attributes) : SVGElement(name, attributes) {
   SVGRect::buildPath(attr());
 }
 
-void SVGRect::buildPath(const XMLAttributes& attributes) {
+void SVGRect::buildPath(XMLAttributes attributes) {
   const auto rect = geometry<4>(attributes, {"x", "y", "width", "height"});
   if (!rect) return;
   const auto [x, y, width, height] = *rect;
@@ -72,11 +72,11 @@ void SVGRect::buildPath(const XMLAttributes& attributes) {
   clickable_ = !isBackground(*this);
 }
 
-SVGCircle::SVGCircle(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+SVGCircle::SVGCircle(std::string_view name, XMLAttributes attributes) : SVGElement(name, attributes) {
   SVGCircle::buildPath(attr());
 }
 
-void SVGCircle::buildPath(const XMLAttributes& attributes) {
+void SVGCircle::buildPath(XMLAttributes attributes) {
   const auto circle = geometry<3>(attributes, {"cx", "cy", "r"});
   if (!circle) return;
   const auto [cx, cy, r] = *circle;
@@ -85,11 +85,11 @@ void SVGCircle::buildPath(const XMLAttributes& attributes) {
   clickable_ = true;
 }
 
-SVGEllipse::SVGEllipse(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+SVGEllipse::SVGEllipse(std::string_view name, XMLAttributes attributes) : SVGElement(name, attributes) {
   SVGEllipse::buildPath(attr());
 }
 
-void SVGEllipse::buildPath(const XMLAttributes& attributes) {
+void SVGEllipse::buildPath(XMLAttributes attributes) {
   const auto ellipse = geometry<4>(attributes, {"cx", "cy", "rx", "ry"});
   if (!ellipse) return;
   const auto [cx, cy, rx, ry] = *ellipse;
@@ -97,19 +97,19 @@ void SVGEllipse::buildPath(const XMLAttributes& attributes) {
   clickable_ = true;
 }
 
-SVGPolyline::SVGPolyline(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+SVGPolyline::SVGPolyline(std::string_view name, XMLAttributes attributes) : SVGElement(name, attributes) {
   SVGPolyline::buildPath(attr());
 }
 
-void SVGPolyline::buildPath(const XMLAttributes& attributes) {
+void SVGPolyline::buildPath(XMLAttributes attributes) {
   if (const auto points = attributes.find("points")) addPoints(path_, *points);
 }
 
-SVGPolygon::SVGPolygon(std::string_view name, const XMLAttributes& attributes) : SVGElement(name, attributes) {
+SVGPolygon::SVGPolygon(std::string_view name, XMLAttributes attributes) : SVGElement(name, attributes) {
   SVGPolygon::buildPath(attr());
 }
 
-void SVGPolygon::buildPath(const XMLAttributes& attributes) {
+void SVGPolygon::buildPath(XMLAttributes attributes) {
   const auto points = attributes.find("points");
   if (!points) return;
   addPoints(path_, *points);

@@ -13,55 +13,55 @@ namespace quellaro {
 // From "x1", "y1" to "x2", "y2".
 class SVGLine : public SVGElement {
  public:
-  SVGLine(std::string_view name, const XMLAttributes& attributes);
+  SVGLine(std::string_view name, XMLAttributes attributes);
 
  protected:
-  void buildPath(const XMLAttributes& attributes) override;
+  void buildPath(XMLAttributes attributes) override;
 };
 
 // "x", "y", "width", "height"; corners are always square.
 class SVGRect : public SVGElement {
  public:
-  SVGRect(std::string_view name, const XMLAttributes& attributes);
+  SVGRect(std::string_view name, XMLAttributes attributes);
 
  protected:
-  void buildPath(const XMLAttributes& attributes) override;
+  void buildPath(XMLAttributes attributes) override;
 };
 
 // "cx", "cy", "r".
 class SVGCircle : public SVGElement {
  public:
-  SVGCircle(std::string_view name, const XMLAttributes& attributes);
+  SVGCircle(std::string_view name, XMLAttributes attributes);
 
  protected:
-  void buildPath(const XMLAttributes& attributes) override;
+  void buildPath(XMLAttributes attributes) override;
 };
 
 // "cx", "cy", "rx", "ry".
 class SVGEllipse : public SVGElement {
  public:
-  SVGEllipse(std::string_view name, const XMLAttributes& attributes);
+  SVGEllipse(std::string_view name, XMLAttributes attributes);
 
  protected:
-  void buildPath(const XMLAttributes& attributes) override;
+  void buildPath(XMLAttributes attributes) override;
 };
 
 // Lines through "points", open.
 class SVGPolyline : public SVGElement {
  public:
-  SVGPolyline(std::string_view name, const XMLAttributes& attributes);
+  SVGPolyline(std::string_view name, XMLAttributes attributes);
 
  protected:
-  void buildPath(const XMLAttributes& attributes) override;
+  void buildPath(XMLAttributes attributes) override;
 };
 
 // Lines through "points", closed.
 class SVGPolygon : public SVGElement {
  public:
-  SVGPolygon(std::string_view name, const XMLAttributes& attributes);
+  SVGPolygon(std::string_view name, XMLAttributes attributes);
 
  protected:
-  void buildPath(const XMLAttributes& attributes) override;
+  void buildPath(XMLAttributes attributes) override;
 };
 
 // The numbers at the start of the text, separated by blanks, commas and line feeds.

@@ -29,14 +29,14 @@ struct Heard {
 inline Heard hearOurs(std::string_view text) {
   struct Delegate : NSXMLParserDelegate {
     Heard heard;
-    void parserDidStartElement(std::string_view name, const XMLAttributes& attributes) override {
+    void parserDidStartElement(std::string_view name, XMLAttributes attributes) override {
       heard.start(name);
       for (const XMLAttribute& one : attributes) heard.attribute(one.name, one.value);
     }
     void parserDidEndElement(std::string_view name) override { heard.end(name); }
   } delegate;
-  TextStorage storage;
-  NSXMLParser parser(text, storage);
+  Arena arena(1024);
+  NSXMLParser parser(text, arena);
   parser.setDelegate(&delegate);
   delegate.heard.wellFormed = parser.parse();
   return delegate.heard;

@@ -242,11 +242,11 @@ TEST(XmlParser, ErrorsAndNamesHavePositions) {
   const std::string_view text = "<a>\n <b \xC3\xA9='1'\n  c='2' c='3'/></a>";
   struct Delegate : NSXMLParserDelegate {
     std::string_view last;
-    void parserDidStartElement(std::string_view name, const XMLAttributes&) override { last = name; }
+    void parserDidStartElement(std::string_view name, XMLAttributes) override { last = name; }
     void parserDidEndElement(std::string_view) override {}
   } delegate;
-  TextStorage storage;
-  NSXMLParser parser(text, storage);
+  Arena arena(1024);
+  NSXMLParser parser(text, arena);
   parser.setDelegate(&delegate);
   ASSERT_FALSE(parser.parse());
   ASSERT_TRUE(parser.parserError());
@@ -261,8 +261,8 @@ TEST(XmlParser, ErrorsAndNamesHavePositions) {
 
 TEST(XmlParser, LimitsHold) {
   const auto message = [](const std::string& text) {
-    TextStorage storage;
-    NSXMLParser parser(text, storage);
+    Arena arena(1024);
+    NSXMLParser parser(text, arena);
     return parser.parse() ? std::string() : std::string(parser.parserError()->message);
   };
   const auto repeat = [](std::string_view text, std::size_t times) {

@@ -67,13 +67,16 @@ TEST(Documents, ElementsFormATree) {
 }
 
 TEST(Documents, LayersAreNewAndOutlinesShared) {
-  const Document document = SVGDocument::parse("<svg><path d='M0 0L1 1'/></svg>");
+  Document document = SVGDocument::parse("<svg><path d='M0 0L1 1'/></svg>");
   const auto first = document->makeLayer();
   const auto second = document->makeLayer();
   EXPECT_NE(first, second);
   const auto shape = [](const CALayer& root) { return std::static_pointer_cast<CAShapeLayer>(root.sublayers()[0]); };
   EXPECT_NE(shape(*first), shape(*second));
   EXPECT_EQ(shape(*first)->path(), shape(*second)->path());
+  // A view may still show a frame that has been replaced.
+  document.reset();
+  EXPECT_EQ(outlineText(*shape(*first)->path()), "M0,0 L1,1");
 }
 
 // What was finished before the mistake stays; what was still open goes.

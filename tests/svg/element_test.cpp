@@ -156,7 +156,7 @@ TEST(Shapes, Outlines) {
   };
   for (const Case& one : cases) {
     const auto element = elementOf(one.element);
-    EXPECT_EQ(outlineText(*element->path().cgPath()), one.outline) << one.element;
+    EXPECT_EQ(outlineText(element->path().cgPath()), one.outline) << one.element;
     EXPECT_EQ(element->clickable(), one.clickable) << one.element;
   }
 }
@@ -176,17 +176,17 @@ void expectOnOval(const CGPath& path, CGPoint center, double rx, double ry) {
 }
 
 TEST(Shapes, CirclesAndArcsAreRound) {
-  const auto circle = elementOf("<circle cx='10' cy='20' r='5'/>")->path().cgPath();
-  EXPECT_EQ(outlineText(*circle).substr(0, 7), "M15,20 ");
-  EXPECT_EQ(circle->points()[3], (CGPoint{10, 25}));  // clockwise, y grows downwards
-  EXPECT_EQ(circle->points().back(), (CGPoint{15, 20}));
-  EXPECT_NE(circle->verbs().back(), PathVerb::Close);
-  expectOnOval(*circle, {10, 20}, 5, 5);
+  const CGPath circle = elementOf("<circle cx='10' cy='20' r='5'/>")->path().cgPath();
+  EXPECT_EQ(outlineText(circle).substr(0, 7), "M15,20 ");
+  EXPECT_EQ(circle.points()[3], (CGPoint{10, 25}));  // clockwise, y grows downwards
+  EXPECT_EQ(circle.points().back(), (CGPoint{15, 20}));
+  EXPECT_NE(circle.verbs().back(), PathVerb::Close);
+  expectOnOval(circle, {10, 20}, 5, 5);
 
-  const auto ellipse = elementOf("<ellipse cx='10' cy='10' rx='5' ry='2'/>")->path().cgPath();
-  EXPECT_EQ(ellipse->verbs().back(), PathVerb::Close);
-  EXPECT_EQ(ellipse->points().size(), 13U);
-  expectOnOval(*ellipse, {10, 10}, 5, 2);
+  const CGPath ellipse = elementOf("<ellipse cx='10' cy='10' rx='5' ry='2'/>")->path().cgPath();
+  EXPECT_EQ(ellipse.verbs().back(), PathVerb::Close);
+  EXPECT_EQ(ellipse.points().size(), 13U);
+  expectOnOval(ellipse, {10, 10}, 5, 2);
 
   struct Arc {
     double from, to;
@@ -198,10 +198,10 @@ TEST(Shapes, CirclesAndArcsAreRound) {
     UIBezierPath path;
     path.moveToPoint({0, 0});
     path.addArcWithCenter({1, 1}, 2, arc.from, arc.to, arc.clockwise);
-    EXPECT_EQ(path.cgPath()->verbs()[1], PathVerb::Line);
+    EXPECT_EQ(path.cgPath().verbs()[1], PathVerb::Line);
     const double last = arc.from + arc.turned;
-    EXPECT_NEAR(path.cgPath()->points().back().x, 1 + 2 * std::cos(last), 1e-12);
-    EXPECT_NEAR(path.cgPath()->points().back().y, 1 + 2 * std::sin(last), 1e-12);
+    EXPECT_NEAR(path.cgPath().points().back().x, 1 + 2 * std::cos(last), 1e-12);
+    EXPECT_NEAR(path.cgPath().points().back().y, 1 + 2 * std::sin(last), 1e-12);
   }
 }
 

@@ -22,7 +22,7 @@ std::string_view between(const char* first, const char* last) {
 }
 
 // The first name that another before it equals, or an empty view.
-std::string_view repeatedName(const XMLAttributes& attributes) {
+std::string_view repeatedName(const std::vector<XMLAttribute>& attributes) {
   if (attributes.size() <= kFewAttributes) {
     for (auto one = attributes.begin(); one != attributes.end(); ++one)
       for (auto other = attributes.begin(); other != one; ++other)
@@ -39,8 +39,8 @@ std::string_view repeatedName(const XMLAttributes& attributes) {
 
 }  // namespace
 
-NSXMLParser::NSXMLParser(std::string_view text, TextStorage& storage)
-    : begin_(text.data()), end_(text.data() + text.size()), at_(begin_), storage_(storage) {}
+NSXMLParser::NSXMLParser(std::string_view text, Arena& arena)
+    : begin_(text.data()), end_(text.data() + text.size()), at_(begin_), arena_(arena) {}
 
 bool NSXMLParser::parse() {
   if (!declaration()) return false;
@@ -87,7 +87,8 @@ bool NSXMLParser::startTag() {
   const bool isEmpty = skip("/");
   if (!skip(">")) return fail("'>' is missing");
   ++elements_;
-  if (delegate_ != nullptr) delegate_->parserDidStartElement(tag, attributes_);
+  if (delegate_ != nullptr)
+    delegate_->parserDidStartElement(tag, XMLAttributes(arena_.keep(std::span<const XMLAttribute>(attributes_))));
   if (!isEmpty)
     open_.push_back(tag);
   else if (delegate_ != nullptr)
@@ -121,7 +122,7 @@ bool NSXMLParser::attribute() {
   if (!skip("=")) return fail("'=' is missing after an attribute's name");
   skipSpaces();
   if (!attributeValue(attribute.value)) return false;
-  attributes_.append(attribute);
+  attributes_.push_back(attribute);
   return true;
 }
 
@@ -163,7 +164,7 @@ bool NSXMLParser::decodedValue(const char* start, char quote, std::string_view& 
     }
   }
   ++at_;
-  value = storage_.keep(decoded_);
+  value = arena_.keep(decoded_);
   return true;
 }
 

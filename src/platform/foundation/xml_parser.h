@@ -5,17 +5,17 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/foundation/text_storage.h"
+#include "platform/foundation/arena.h"
 #include "platform/foundation/xml_attributes.h"
 
 namespace quellaro {
 
-// Hears of elements in document order; an empty element's end comes right after its start. The name views the text;
-// the attributes' views last, the container only for the call.
+// Hears of elements in document order; an empty element's end comes right after its start. The views it is given last
+// as long as the document's text and the parser's arena.
 class NSXMLParserDelegate {
  public:
   virtual ~NSXMLParserDelegate() = default;
-  virtual void parserDidStartElement(std::string_view name, const XMLAttributes& attributes) = 0;
+  virtual void parserDidStartElement(std::string_view name, XMLAttributes attributes) = 0;
   virtual void parserDidEndElement(std::string_view name) = 0;
 };
 
@@ -38,8 +38,8 @@ struct XMLError {
 // ones and nothing ever expands. Any mistake ends the parse; what was told before stays told. Uses no recursion.
 class NSXMLParser {
  public:
-  // The text must outlive the parser and, like the storage, whatever keeps what the delegate was given.
-  NSXMLParser(std::string_view text, TextStorage& storage);
+  // Lists of attributes and decoded values go into the arena.
+  NSXMLParser(std::string_view text, Arena& arena);
 
   void setDelegate(NSXMLParserDelegate* delegate) { delegate_ = delegate; }
   // Once per parser. Gives whether the document is well-formed.
@@ -86,10 +86,10 @@ class NSXMLParser {
   const char* const begin_;
   const char* const end_;
   const char* at_;
-  TextStorage& storage_;
+  Arena& arena_;
   NSXMLParserDelegate* delegate_ = nullptr;
   std::vector<std::string_view> open_;
-  XMLAttributes attributes_;
+  std::vector<XMLAttribute> attributes_;
   std::string decoded_;
   std::size_t elements_ = 0;
   bool typeSeen_ = false;

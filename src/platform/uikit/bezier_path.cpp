@@ -82,25 +82,15 @@ void UIBezierPath::addArcWithCenter(CGPoint center, double radius, double startA
     return CGPoint{center.x + radius * (d.cosine - along * d.sine), center.y + radius * (d.sine + along * d.cosine)};
   };
   Direction from = directionOf(startAngle);
-  CGPath& path = changed();
-  if (path.empty())
-    path.moveTo(at(from, 0));
+  if (path_.empty())
+    path_.moveTo(at(from, 0));
   else
-    path.lineTo(at(from, 0));
+    path_.lineTo(at(from, 0));
   for (int i = 1; i <= pieces; ++i) {
     const Direction to = directionOf(startAngle + piece * i);
-    path.cubicTo(at(from, handle), at(to, -handle), at(to, 0));
+    path_.cubicTo(at(from, handle), at(to, -handle), at(to, 0));
     from = to;
   }
-}
-
-std::shared_ptr<const CGPath> UIBezierPath::cgPath() const {
-  static const auto kEmpty = std::make_shared<const CGPath>();
-  return path_ != nullptr ? path_ : kEmpty;
-}
-
-void UIBezierPath::makeOwn() {
-  path_ = path_ == nullptr ? std::make_shared<CGPath>() : std::make_shared<CGPath>(*path_);
 }
 
 }  // namespace quellaro

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <memory_resource>
+#include <span>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace quellaro {
+
+// Memory for many small things that come one after the other and go together: taking some costs next to nothing, and
+// it is given back at once. One thread at a time may take.
+class Arena {
+ public:
+  // `expectedBytes` is asked for when the first thing comes.
+  explicit Arena(std::size_t expectedBytes) : memory_(expectedBytes) {}
+
+  void* allocate(std::size_t bytes, std::size_t alignment) { return memory_.allocate(bytes, alignment); }
+
+  // A copy that lives as long as the arena.
+  template <class Value>
+  std::span<const Value> keep(std::span<const Value> values) {
+    static_assert(std::is_trivially_copyable_v<Value>);
+    if (values.empty()) return {};
+    auto* const copy = static_cast<Value*>(allocate(values.size_bytes(), alignof(Value)));
+    std::uninitialized_copy(values.begin(), values.end(), copy);
+    return {copy, values.size()};
+  }
+  std::string_view keep(std::string_view text) {
+    const std::span<const char> copy = keep(std::span<const char>(text.data(), text.size()));
+    return {copy.data(), copy.size()};
+  }
+
+ private:
+  std::pmr::monotonic_buffer_resource memory_;
+};
+
+// For std::allocate_shared. Each object made with it keeps its arena alive.
+template <class Value>
+class ArenaAllocator {
+ public:
+  using value_type = Value;
+
+  explicit ArenaAllocator(std::shared_ptr<Arena> arena) : arena_(std::move(arena)) {}
+  template <class Other>
+  ArenaAllocator(const ArenaAllocator<Other>& other) : arena_(other.arena()) {}
+
+  Value* allocate(std::size_t count) {
+    return static_cast<Value*>(arena_->allocate(count * sizeof(Value), alignof(Value)));
+  }
+  void deallocate(Value* /*memory*/, std::size_t /*count*/) {}
+
+  const std::shared_ptr<Arena>& arena() const { return arena_; }
+  template <class Other>
+  bool operator==(const ArenaAllocator<Other>& other) const {
+    return arena_ == other.arena();
+  }
+
+ private:
+  std::shared_ptr<Arena> arena_;
+};
+
+// As std::make_shared.
+template <class Value, class... Arguments>
+std::shared_ptr<Value> makeShared(const std::shared_ptr<Arena>& arena, Arguments&&... arguments) {
+  return std::allocate_shared<Value>(ArenaAllocator<Value>(arena), std::forward<Arguments>(arguments)...);
+}
+
+}  // namespace quellaro
