@@ -22,8 +22,8 @@ using namespace quellaro;
 using Problem = std::optional<std::string>;
 
 Problem checkFrame(std::string_view text, const std::string& frame) {
-  TextStorage storage;
-  NSXMLParser parser(text, storage);
+  Arena arena(1024);
+  NSXMLParser parser(text, arena);
   if (parser.parse()) return std::nullopt;
   const XMLPosition position = parser.positionOf(parser.parserError()->offset);
   return frame + ", line " + std::to_string(position.line) + ", column " + std::to_string(position.column) + ": " +
