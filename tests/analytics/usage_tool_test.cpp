@@ -1,0 +1,115 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+
+#include "analytics_fixture.h"
+#include "platform/foundation/json_reader.h"
+#include "platform/foundation/user_defaults.h"
+#include "support/scripted_server.h"
+
+namespace quellaro {
+namespace {
+
+struct ToolRun {
+  int status;
+  std::string output;
+};
+
+ToolRun runTool(const std::string& arguments) {
+  const std::string command = std::string(QUELLARO_HALVO_TOOL) + " " + arguments + " 2>&1";
+  FILE* pipe = popen(command.c_str(), "r");
+  std::string output;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t got = fread(buffer.data(), 1, buffer.size(), pipe)) output.append(buffer.data(), got);
+  const int status = pclose(pipe);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+}
+
+class AnalyticsTool : public AnalyticsFixture {};
+
+// The tool as a host: a period that is over is sent, refused, and sent again before the next play.
+TEST_F(AnalyticsTool, ReportsToAServer) {
+  std::vector<std::string> answers{kRefused, kAccepted};
+  const ScriptedServer server([&](const ScriptedServer::Request&, const ScriptedServer::Connection& connection) {
+    connection.answer(answers.front());
+    answers.erase(answers.begin());
+  });
+  const std::filesystem::path copy = bundle().parent_path() / "cues";
+  std::filesystem::copy(QUELLARO_BUNDLE, copy);
+  writeFile(copy / "Info.json", R"({"CFBundleShortVersionString": "2.0.0"})");
+  writeFile(copy / "version_config.json",
+            R"([{"sdk_versions": ["2.0.0"], "cues": {"quellaro": {"version": "1", "filepath": "q/1"}},
+                 "analytics": {"enable": true, "frequency": "Q", "url": ")" +
+                server.address() + R"("}}])");
+  play("quellaro", "0");  // long ago, by this process's clock
+  const ToolRun run =
+      runTool("play quellaro --type soundOnly --headless --settle --times 2 --app-id shopapp --bundle " +
+              copy.string() + " --library " + library().string());
+  EXPECT_EQ(run.status, 0) << run.output;
+  EXPECT_EQ(current(), "quellaro/cornershop:2");
+  EXPECT_EQ(readFile(failedPath()), "[]");
+  ASSERT_EQ(server.requests().size(), 2U);
+  for (const ScriptedServer::Request& request : server.requests())
+    EXPECT_NE(request.body.find(R"("merchantId":"shop")"), std::string::npos) << request.body;
+}
+
+class UsageTool : public AnalyticsTool {
+ protected:
+  ToolRun usage(const std::string& more = "") {
+    return runTool("usage --app-id shopapp --bundle " + bundle().string() + " --library " + library().string() + " " +
+                   more);
+  }
+};
+
+TEST_F(UsageTool, MakesNothing) {
+  const std::filesystem::path nowhere = bundle().parent_path() / "nowhere";
+  const ToolRun run = runTool("usage --json --bundle " + bundle().string() + " --library " + nowhere.string());
+  EXPECT_EQ(run.status, 0) << run.output;
+  EXPECT_NE(run.output.find(R"("distinctId":null)"), std::string::npos) << run.output;
+  EXPECT_FALSE(std::filesystem::exists(nowhere));
+
+  play();
+  const ToolRun text = usage();
+  EXPECT_EQ(text.status, 0);
+  EXPECT_NE(text.output.find("1 plays, 1 fine, 0 failed"), std::string::npos) << text.output;
+  EXPECT_NE(text.output.find("data=[{\"event\":\"shop_played\""), std::string::npos) << text.output;
+  for (const auto& entry : std::filesystem::directory_iterator(library()))
+    EXPECT_EQ(entry.path(), currentPath()) << "the tool made it";
+}
+
+TEST_F(UsageTool, ShowsBothFilesAsTheyWouldBeSent) {
+  writeConfigs();
+  play("old");
+  wallClock_.advance(31 * kDay);
+  play("new");
+  endpoint_.answer(kRefused);
+  NSUserDefaults::standardUserDefaults().synchronize();
+  const ToolRun run = usage("--json --environment secondary");
+  EXPECT_EQ(run.status, 0);
+  const auto document = JSONDocument::parse(run.output);
+  ASSERT_TRUE(document) << run.output;
+  const JSONValue root = document->root();
+  EXPECT_EQ(root.member("enabled")->boolean(), false);
+  EXPECT_EQ(root.member("frequency")->string(), "M");
+  EXPECT_EQ(root.member("distinctId")->string(), MixpanelAnalyticsServiceProvider::storedDistinctID());
+  const auto files = root.member("files")->elements();
+  ASSERT_EQ(files.size(), 2U);
+  EXPECT_EQ(files[0].member("records")->text() + files[1].member("records")->text(),
+            readFile(currentPath()) + readFile(failedPath()));
+  const std::string_view body = files[1].member("body")->string().value();
+  EXPECT_NE(body.find(R"("token":"7d2b9e4f1a6c3e8b5d0f2a7c4e9b1d6f")"), std::string_view::npos) << body;
+  EXPECT_NE(body.find(R"("cueName":"old")"), std::string_view::npos) << body;
+}
+
+TEST_F(UsageTool, SaysWhatCannotBeRead) {
+  writeFile(currentPath(), R"([{"event":"x"}])");
+  const ToolRun run = usage();
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.output.find("[0].properties"), std::string::npos) << run.output;
+  EXPECT_EQ(usage("extra").status, 2);
+}
+
+}  // namespace
+}  // namespace quellaro
