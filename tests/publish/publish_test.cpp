@@ -162,8 +162,8 @@ TEST_F(Publish, ADevicePicksUpWhatWasPublished) {
   writeCue("published");
   ASSERT_EQ(publish("2").status, 0);
   const auto play = [&] {
-    return run("play Quellaro --type soundOnly --settle --bundle " + bundle.string() + " --library " +
-               (directory_ / "library").string());
+    return run("play Quellaro --type soundOnly --headless --haptics --settle --bundle " + bundle.string() +
+               " --library " + (directory_ / "library").string());
   };
   const Outcome upgraded = play();
   EXPECT_EQ(upgraded.status, 0);

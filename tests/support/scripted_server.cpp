@@ -100,6 +100,8 @@ void ScriptedServer::Connection::pause(double seconds) const {
 }
 
 ScriptedServer::ScriptedServer(Script script) : script_(std::move(script)), listener_(listenOnLoopback(port_)) {
+  // Whatever proxy the machine is behind, it is not for this server.
+  setenv("no_proxy", "127.0.0.1", 1);
   accepter_ = std::thread([this] {
     while (!stopping_) {
       if (!isReadable(listener_, 20)) continue;

@@ -46,12 +46,12 @@ TEST(URLSessionNames, AnUnknownHostIsAnErrorAndAHangingOneTimesOutAlone) {
 TEST(URLSessionExitDeathTest, NeverWaitsForTheNetwork) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const ScriptedServer server([](auto&, auto& connection) { connection.hang(); });
-  // The child runs this test again from its start, so that it asks a server of its own.
+  // The child runs this test again from its start, so that it asks a server of its own. It would have a minute to wait.
   for (const std::string& address : {server.address(), std::string("http://hanging.test/")}) {
     for (const double seconds : {0.0, 0.002, 0.1}) {
       const auto start = std::chrono::steady_clock::now();
       EXPECT_EXIT(exitDuring(address, seconds), testing::ExitedWithCode(7), "") << address;
-      EXPECT_LT(secondsSince(start), 3) << address;
+      EXPECT_LT(secondsSince(start), 20) << address;
     }
   }
 }

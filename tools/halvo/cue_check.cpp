@@ -7,6 +7,7 @@
 #include "assets/file_manager.h"
 #include "assets/sdk_config.h"
 #include "platform/avfoundation/mp3_decoder.h"
+#include "platform/corehaptics/haptic_pattern.h"
 #include "platform/foundation/file_manager.h"
 #include "platform/foundation/json_reader.h"
 #include "platform/foundation/limits.h"
@@ -67,9 +68,8 @@ Problem checkHaptics(const std::string& json) {
   const Result<JSONDocument> document = JSONDocument::parse(json);
   if (!document) return document.error().localizedDescription;
   if (document->root().type() != JSONType::Object) return "an object was expected";
-  const std::optional<JSONValue> pattern = document->root().member("Pattern");
-  if (!pattern || pattern->type() != JSONType::Array) return "there is no \"Pattern\"";
-  return std::nullopt;
+  const auto pattern = CHHapticPattern::initWithDictionary(document->root());
+  return pattern ? Problem() : pattern.error().localizedDescription;
 }
 
 Problem checkFile(const std::string& directory, const std::string& name, const CueFiles& files,
