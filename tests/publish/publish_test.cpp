@@ -47,10 +47,11 @@ class Publish : public testing::Test {
     writeFile(cue() / "audio.mp3", sound);
     writeFile(cue() / "play_config.json",
               R"({"totalFrames": 2, "soundFileName": "audio.mp3", "soundDelayInMillis": 0, "animationDelayInMillis": 0,
-                  "frameTime": {"Frame_1": 10, "Frame_2": 10}, "viewBox": "0 0 10 10", "mark": ")" +
+                  "frameTime": {"Frame_1": 10, "Frame_2": 10}, "viewBox": "0 0 10 10", "isHapticsSupported": true, "mark": ")" +
                   mark + "\"}");
     writeFile(cue() / "animation.json", R"(["<svg viewBox='0 0 9 9'/>", "<svg viewBox='0 0 9 9'><g/></svg>"])");
-    writeFile(cue() / "signature_forte.ahap", R"({"Version": 1.0, "Pattern": []})");
+    writeFile(cue() / "signature_forte.ahap",
+              R"({"Version": 1.0, "Pattern": [{"Event": {"Time": 0, "EventType": "HapticTransient"}}]})");
   }
   Outcome publish(const std::string& version, const std::string& more = "--sdk-version 2.0.0") const {
     return run("publish " + cue().string() + " --store " + store().string() + " --cue Quel_laro --version '" + version +
@@ -122,7 +123,7 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
       {"animation.json", R"(["<svg/>", "<svg/>", "<svg/>"])", "has no Frame_3"},
       {"animation.json", "[\"<svg/>\"", "animation.json"},
       {"signature_forte.ahap", "[]", "an object was expected"},
-      {"signature_forte.ahap", "{}", "Pattern"},
+      {"signature_forte.ahap", R"({"Version": 1.0, "Pattern": [{"Event": {"EventType": "HapticTransient"}}]})", "Time"},
   };
   for (const auto& c : cases) {
     writeCue("broken");
