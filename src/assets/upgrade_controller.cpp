@@ -44,9 +44,9 @@ std::optional<std::string> baseAddress() {
 
 // What a process left behind that was killed in the middle of a write.
 void removeStrays(const std::string& directory) {
-  for (const std::string& name : FileManager::contentsOfDirectoryAtPath(directory))
+  for (std::string& name : FileManager::contentsOfDirectoryAtPath(directory))
     if (std::find(kCueFiles.begin(), kCueFiles.end(), name) == kCueFiles.end())
-      HalvoFileManager::removeDirectoryIfExists(directory + "/" + name);
+      HalvoFileManager::removeDirectoryIfExists(name.insert(0, directory + "/"));
 }
 
 std::string describeOptional(const std::optional<NSError>& error) {
@@ -88,11 +88,12 @@ void QLUpgradeController::discardActiveCueAssets() {
 
 void QLUpgradeController::fetchVersionConfig(const CheckPointer& check, const GroupPointer& group) {
   const std::optional<NSURL> url = NSURL::fromString(check->baseAddress + "/" + kVersionConfigFile);
-  QLHalvoHttpManager::request(
-      *url, "GET", std::nullopt, {}, nullptr,
-      [weak = weak_from_this(), check, group](std::optional<std::string> data, const auto&, const auto& error) {
-        if (const auto self = weak.lock()) self->receiveVersionConfig(check, group, std::move(data), error);
-      });
+  QLHalvoHttpManager::request(*url, "GET", std::nullopt, {}, nullptr,
+                              [weak = weak_from_this(), check, group](std::optional<std::string> data, const auto&,
+                                                                      const std::optional<NSError>& error) {
+                                if (const auto self = weak.lock())
+                                  self->receiveVersionConfig(check, group, std::move(data), error);
+                              });
 }
 
 void QLUpgradeController::receiveVersionConfig(const CheckPointer& check, const GroupPointer& group,

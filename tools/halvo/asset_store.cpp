@@ -30,6 +30,11 @@ NSError errorAt(const std::string& path, int errnoValue) {
   return {"halvo", errnoValue, path + ": " + posixError(errnoValue).localizedDescription};
 }
 
+std::string inDirectory(const std::string& directory, const std::string& name) {
+  std::string path = directory;
+  return path.append("/").append(name);
+}
+
 // Characters that mean nothing to a file system and nothing in an address; nothing hidden.
 std::string pathComponent(const std::string& text) {
   std::string component = text.substr(0, kLongestComponent);
@@ -47,12 +52,13 @@ Result<std::string> makeFreshDirectory(const std::string& store, const Publicati
   const std::string cue = pathComponent(publication.cue);
   if (mkdir((store + "/" + cue).c_str(), 0777) != 0 && errno != EEXIST) return errorAt(store + "/" + cue, errno);
   const std::string wanted = cue + "/" + pathComponent(publication.version);
-  for (int i = 1; i < kMostAttempts; ++i) {
-    const std::string path = i == 1 ? wanted : wanted + "-" + std::to_string(i);
-    if (mkdir((store + "/" + path).c_str(), 0777) == 0) return path;
-    if (errno != EEXIST) return errorAt(store + "/" + path, errno);
+  std::string path = wanted;
+  for (int i = 2; mkdir(inDirectory(store, path).c_str(), 0777) != 0; ++i) {
+    if (errno != EEXIST || i > kMostAttempts) return errorAt(inDirectory(store, path), errno);
+    path = wanted;
+    path += "-" + std::to_string(i);
   }
-  return errorAt(store + "/" + wanted, EEXIST);
+  return path;
 }
 
 // Onto the disk, so that not even a power cut leaves the store pointing at what is not there.
@@ -81,7 +87,7 @@ std::optional<NSError> writeFiles(const std::string& directory, const CueFiles& 
   std::size_t written = 0;
   for (const auto& [name, bytes] : files) total += bytes.size();
   for (const auto& [name, bytes] : files) {
-    const auto problem = writeDurably(directory + "/" + name, bytes, [&](std::size_t count) {
+    auto problem = writeDurably(inDirectory(directory, name), bytes, [&](std::size_t count) {
       written += count;
       progress(written, total);
     });

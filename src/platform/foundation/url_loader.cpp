@@ -18,7 +18,7 @@ namespace {
 
 // Far longer than the thread ever works without sleeping; only there so that nothing can hold up an exit.
 constexpr std::chrono::seconds kLongestWaitAtExit{1};
-constexpr int kLongestSleep = 3600 * 1000;
+constexpr double kLongestSleep = 3600;  // seconds
 
 void freezeAtExit() { URLLoader::shared().freeze(); }
 
@@ -130,7 +130,7 @@ void URLLoader::giveUpSilent(double now) {
 }
 
 int URLLoader::millisecondsToSleep() const {
-  double left = kLongestSleep / 1000;
+  double left = kLongestSleep;
   const double now = MonotonicClock{}.now();
   for (const auto& transfer : transfers_) left = std::min(left, transfer->deadline() - now);
   // Rounded up: to wake just before the deadline would be to spin towards it.

@@ -152,8 +152,11 @@ void URLTransfer::setHeaderFields() {
   // Without it a large body would wait for the server's leave.
   addHeaderLine("Expect:");
   // A semicolon stands for a field whose value is empty.
-  for (const auto& [name, value] : request_.headerFields())
-    addHeaderLine(value.empty() ? name + ";" : name + ": " + value);
+  for (const auto& [name, value] : request_.headerFields()) {
+    std::string line = name;
+    line += value.empty() ? ";" : ": ";
+    addHeaderLine(line += value);
+  }
   curl_easy_setopt(handle_.get(), CURLOPT_HTTPHEADER, headerLines_.get());
   curl_easy_setopt(handle_.get(), CURLOPT_HTTP_CONTENT_DECODING, 0L);
 }
