@@ -1,7 +1,5 @@
 #pragma once
 
-#include <compare>
-
 #include "platform/dispatch/clock.h"
 
 namespace quellaro {
@@ -18,7 +16,10 @@ struct NSDate {
   static NSDate now() { return withTimeIntervalSince1970(secondsSince1970()); }
   double timeIntervalSince1970() const { return timeIntervalSinceReferenceDate + kReferenceDateSince1970; }
 
-  friend auto operator<=>(const NSDate&, const NSDate&) = default;
+  friend bool operator==(const NSDate&, const NSDate&) = default;
+  friend bool operator<(const NSDate& a, const NSDate& b) {
+    return a.timeIntervalSinceReferenceDate < b.timeIntervalSinceReferenceDate;
+  }
 };
 
 }  // namespace quellaro

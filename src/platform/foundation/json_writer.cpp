@@ -1,5 +1,6 @@
 #include "platform/foundation/json_writer.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -12,8 +13,13 @@ namespace {
 
 void appendEscaped(std::string& out, std::string_view text) {
   constexpr std::string_view kHexDigits = "0123456789abcdef";
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
+  const auto isPlain = [](char c) { return static_cast<unsigned char>(c) >= 0x20 && c != '"' && c != '\\'; };
+  while (!text.empty()) {
+    const auto plain = static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isPlain) - text.begin());
+    out += text.substr(0, plain);
+    if (plain == text.size()) return;
+    const char c = text[plain];
+    text.remove_prefix(plain + 1);
     switch (c) {
       case '"':
         out += "\\\"";
@@ -31,13 +37,9 @@ void appendEscaped(std::string& out, std::string_view text) {
         out += "\\t";
         break;
       default:
-        if (byte >= 0x20) {
-          out += c;
-        } else {
-          out += "\\u00";
-          out += kHexDigits[byte >> 4];
-          out += kHexDigits[byte & 15];
-        }
+        out += "\\u00";
+        out += kHexDigits[static_cast<unsigned char>(c) >> 4];
+        out += kHexDigits[static_cast<unsigned char>(c) & 15];
     }
   }
 }

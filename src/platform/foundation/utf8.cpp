@@ -89,10 +89,15 @@ char32_t lowercased(char32_t character) {
 }  // namespace
 
 bool isValidUTF8(std::string_view text) {
-  while (!text.empty()) {
-    const Sequence sequence = firstSequence(text);
+  for (std::size_t i = 0; i < text.size();) {
+    // Nearly all text is ASCII.
+    if (static_cast<std::uint8_t>(text[i]) < 0x80) {
+      ++i;
+      continue;
+    }
+    const Sequence sequence = firstSequence(text.substr(i));
     if (!sequence.character) return false;
-    text.remove_prefix(sequence.length);
+    i += sequence.length;
   }
   return true;
 }
