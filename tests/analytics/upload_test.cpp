@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <thread>
 
 #include "analytics/api_response.h"
@@ -8,6 +7,7 @@
 #include "platform/foundation/json_reader.h"
 #include "platform/foundation/user_defaults.h"
 #include "support/scripted_server.h"
+#include "support/uuid_text.h"
 
 namespace quellaro {
 namespace {
@@ -34,9 +34,11 @@ class Upload : public AnalyticsFixture {
         .value_or("none");
   }
   // The random identifier of every event by "UUID".
-  static std::string withoutInsertIds(const std::string& body) {
-    static const std::regex form(R"re("\$insert_id":"[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}")re");
-    return std::regex_replace(body, form, R"("$$insert_id":"UUID")");
+  static std::string withoutInsertIds(std::string body) {
+    const std::string key = R"("$insert_id":")";
+    for (std::size_t at = 0; (at = body.find(key, at)) != std::string::npos; at += key.size())
+      if (isUUIDText(body.substr(at + key.size(), 36))) body.replace(at + key.size(), 36, "UUID");
+    return body;
   }
 };
 
@@ -67,7 +69,7 @@ TEST_F(Upload, TheDistinctIdIsMadeOnceForEachApplication) {
   NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
   EXPECT_FALSE(MixpanelAnalyticsServiceProvider::storedDistinctID());
   const std::string made = MixpanelAnalyticsServiceProvider::loadDistinctID();
-  EXPECT_TRUE(std::regex_match(made, std::regex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"))) << made;
+  EXPECT_TRUE(isUUIDText(made)) << made;
   EXPECT_EQ(MixpanelAnalyticsServiceProvider::loadDistinctID(), made);
   EXPECT_EQ(defaults.stringForKey("shopapp.mixpanel.distinctID"), made);
   setApplicationIdentifier(std::nullopt);
