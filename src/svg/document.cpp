@@ -17,7 +17,7 @@ constexpr std::size_t kLargestBlock = 1 << 16;
 }  // namespace
 
 std::shared_ptr<SVGDocument> SVGDocument::parse(std::string text) {
-  const auto document = std::make_shared<SVGDocument>();
+  auto document = std::make_shared<SVGDocument>();
   document->text_ = std::move(text);
   document->arena_ = std::make_shared<Arena>(std::clamp(document->text_.size() / 8, kSmallestBlock, kLargestBlock));
   SVGDocumentParser delegate(document->arena_);

@@ -21,8 +21,8 @@ enum : std::uint8_t { kOther = 0, kNamePart = 1, kNameStart = 3 };
 constexpr std::array<std::uint8_t, 128> kAsciiNames = [] {
   std::array<std::uint8_t, 128> table{};
   for (const char c : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_:"))
-    table[static_cast<std::size_t>(c)] = kNameStart;
-  for (const char c : std::string_view("0123456789-.")) table[static_cast<std::size_t>(c)] = kNamePart;
+    table[static_cast<unsigned char>(c)] = kNameStart;
+  for (const char c : std::string_view("0123456789-.")) table[static_cast<unsigned char>(c)] = kNamePart;
   return table;
 }();
 
