@@ -9,6 +9,9 @@ namespace quellaro::limits {
 // A file that is read whole. The heaviest honest file is animation.json: 1200 frames of 34 KB are 40 MB.
 inline constexpr std::size_t kFileBytes = std::size_t{256} << 20;
 
+// Of one cue: an hour at 27 frames a second. A frame takes some hundreds of bytes however short its text is.
+inline constexpr std::size_t kFrames = 100'000;
+
 // Of one XML document. Nothing recurses, but each open element and each element read takes memory (some 200 bytes);
 // an honest frame has thousands of elements, a few deep, with a few attributes each.
 inline constexpr std::size_t kXmlElements = 2'000'000;
