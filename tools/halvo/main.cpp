@@ -17,6 +17,8 @@ constexpr Command kCommands[] = {
     {"layers", "show the layer tree of SVG documents", halvo::layers},
     {"publish", "put a cue into a store that devices upgrade from", halvo::publish},
     {"usage", "print the usage records that are stored, without sending them", halvo::usage},
+    {"frame", "draw one frame into a PNG file", halvo::frame},
+    {"bench", "measure what it costs to show a cue's frames", halvo::bench},
     {"help", "print this", nullptr},
 };
 

@@ -20,7 +20,9 @@ void printHelp(const CommandLine& commandLine) {
   std::printf("Usage: halvo %s\n\n%s\n\nOptions:\n", commandLine.usage.c_str(), commandLine.summary.c_str());
   std::vector<std::pair<std::string, std::string>> rows;
   for (const Option& option : commandLine.options)
-    rows.emplace_back("--" + option.name + (option.value.empty() ? "" : " " + option.value), option.help);
+    rows.emplace_back((option.letter == '\0' ? "" : std::string{'-', option.letter, ',', ' '}) + "--" + option.name +
+                          (option.value.empty() ? "" : " " + option.value),
+                      option.help);
   rows.emplace_back("--help", "print this and stop");
   std::size_t width = 0;
   for (const auto& row : rows) width = std::max(width, row.first.size());
@@ -44,6 +46,9 @@ Parsed parse(const CommandLine& commandLine, int argc, char** argv) {
     longOptions.push_back({known.name.c_str(), known.value.empty() ? no_argument : required_argument, nullptr,
                            kFirstOptionValue + static_cast<int>(i)});
   }
+  std::string letters = ":";
+  for (const Option& known : commandLine.options)
+    if (known.letter != '\0') letters += std::string(1, known.letter) + (known.value.empty() ? "" : ":");
   longOptions.push_back({"help", no_argument, nullptr, kHelpValue});
   longOptions.push_back({});
 
@@ -51,13 +56,15 @@ Parsed parse(const CommandLine& commandLine, int argc, char** argv) {
   optind = 0;
   opterr = 0;
   while (true) {
-    const int value = getopt_long(argc, argv, ":", longOptions.data(), nullptr);
+    int value = getopt_long(argc, argv, letters.c_str(), longOptions.data(), nullptr);
     if (value == -1) break;
     if (value == kHelpValue) {
       printHelp(commandLine);
       parsed.exitStatus = kExitFine;
       return parsed;
     }
+    for (std::size_t i = 0; i < commandLine.options.size(); ++i)
+      if (value == commandLine.options[i].letter && value != 0) value = kFirstOptionValue + static_cast<int>(i);
     if (value < kFirstOptionValue) {
       const char* given = argv[std::max(1, optind - 1)];
       parsed.exitStatus =

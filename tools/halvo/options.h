@@ -22,6 +22,8 @@ struct Option {
   std::string value;
   std::string help;
   std::function<std::optional<std::string>(const std::string&)> apply;
+  // For options that are known by a single letter too.
+  char letter = '\0';
 };
 
 // What a command takes. The help is made of it.

@@ -1,0 +1,172 @@
+// halvo frame and halvo bench, as somebody at a terminal uses them.
+#include <cairo.h>
+#include <gtest/gtest.h>
+
+#include "drawing_commands/run_tool.h"
+#include "platform/foundation/json_reader.h"
+#include "quartzcore/pictures.h"
+#include "support/temporary_directory.h"
+
+namespace quellaro {
+namespace {
+
+constexpr std::uint32_t kBlack = 0xff000000;
+constexpr std::uint32_t kWhite = 0xffffffff;
+constexpr std::uint32_t kRed = 0xffff0000;
+
+constexpr const char* kRedSquare =
+    "<svg width='10' height='20'><rect x='0' y='0' width='10' height='10' fill='#f00'/></svg>";
+
+Bitmap readPng(const std::string& path) {
+  cairo_surface_t* file = cairo_image_surface_create_from_png(path.c_str());
+  Bitmap bitmap(cairo_image_surface_get_width(file), cairo_image_surface_get_height(file));
+  cairo_surface_t* surface =
+      cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(bitmap.pixels.data()), CAIRO_FORMAT_ARGB32,
+                                          bitmap.width, bitmap.height, bitmap.width * 4);
+  cairo_t* cr = cairo_create(surface);
+  cairo_set_source_surface(cr, file, 0, 0);
+  cairo_paint(cr);
+  cairo_destroy(cr);
+  cairo_surface_destroy(surface);
+  cairo_surface_destroy(file);
+  return bitmap;
+}
+
+class DrawingCommands : public testing::Test {
+ protected:
+  std::string file(const std::string& name, const std::string& content) {
+    writeFile(directory_ / name, content);
+    return (directory_ / name).string();
+  }
+  Bitmap frame(const std::string& arguments) {
+    const std::string output = directory_ / "out.png";
+    const Ran ran = halvo("frame -o " + output + " " + arguments);
+    EXPECT_EQ(ran.status, 0) << ran.output;
+    EXPECT_EQ(ran.output, "");
+    return readPng(output);
+  }
+
+  TemporaryDirectory directory_;
+};
+
+TEST_F(DrawingCommands, FrameStretchesTheDocumentOverACentredSquare) {
+  const Bitmap wide = frame(file("a.svg", kRedSquare) + " --size 30x20 --background white");
+  ASSERT_EQ(wide.width, 30);
+  ASSERT_EQ(wide.height, 20);
+  for (int y = 0; y < 20; ++y)
+    for (int x = 0; x < 30; ++x)
+      ASSERT_EQ(wide.row(y)[x], x >= 5 && x < 25 && y < 10 ? kRed : kWhite) << x << ", " << y;
+  const Bitmap tall = frame(file("a.svg", kRedSquare) + " --size 20x40");
+  EXPECT_EQ(tall.row(9)[0], kBlack);
+  EXPECT_EQ(tall.row(10)[0], kRed);
+  EXPECT_EQ(tall.row(20)[0], kBlack);
+}
+
+TEST_F(DrawingCommands, FrameChoosesByNumber) {
+  const std::string json =
+      file("animation.json", std::string("[\"<svg width='1' height='1'/>\",\"") + kRedSquare + "\"]");
+  EXPECT_EQ(frame(json).row(0)[0], kBlack);
+  EXPECT_EQ(frame(json + " --number 2").row(0)[0], kRed);
+  EXPECT_EQ(frame(json + " --number 2").width, 480);
+}
+
+TEST_F(DrawingCommands, WhatCannotBeShownIsJustTheBackground) {
+  for (const char* document :
+       {"", "no markup", "<g/>", "<svg/>", "<svg width='0' height='10'><rect width='9' height='9' fill='#f00'/></svg>",
+        "<svg width='inf' height='10'><rect width='9' height='9' fill='#f00'/></svg>",
+        "<svg width='nan' height='10'><rect width='9' height='9' fill='#f00'/></svg>"}) {
+    const Bitmap picture = frame(file("b.svg", document) + " --size 3x2 --background white");
+    EXPECT_EQ(picture.pixels, std::vector<std::uint32_t>(6, kWhite)) << document;
+  }
+}
+
+TEST_F(DrawingCommands, UnusableArgumentsAndFilesAreToldApart) {
+  const std::string svg = file("a.svg", kRedSquare);
+  const std::string output = " -o " + (directory_ / "out.png").string();
+  const struct {
+    std::string arguments;
+    int status;
+    const char* says;
+  } cases[] = {
+      {"frame", 2, "missing"},
+      {"frame " + svg, 2, "-o"},
+      {"frame " + svg + output + " --size 0x4", 2, "--size"},
+      {"frame " + svg + output + " --background red", 2, "black or white"},
+      {"frame " + svg + output + " --number 0", 2, "--number"},
+      {"frame " + svg + output + " --number 2", 2, "1 frame"},
+      {"frame " + file("none.json", "[]") + output, 2, "0 frames"},
+      {"frame " + file("broken.json", "[") + output, 1, "JSON"},
+      {"frame " + (directory_ / "absent.svg").string() + output, 1, "absent.svg"},
+      {"frame " + svg + " -o " + (directory_ / "absent/out.png").string(), 1, "absent/out.png"},
+      {"bench", 2, "missing"},
+      {"bench " + svg + " --repeat 0", 2, "--repeat"},
+      {"bench " + (directory_ / "absent").string(), 1, "absent"},
+      {"bench " + directory_.path().string(), 1, "animation.json"},
+  };
+  for (const auto& c : cases) {
+    const Ran ran = halvo(c.arguments);
+    EXPECT_EQ(ran.status, c.status) << c.arguments;
+    EXPECT_NE(ran.output.find(c.says), std::string::npos) << c.arguments << ": " << ran.output;
+  }
+}
+
+TEST_F(DrawingCommands, BenchPrintsOneLineOfJson) {
+  const std::string content = std::string("[\"") + kRedSquare + "\",\"" + kRedSquare + "\"]";
+  file("cue/animation.json", content);
+  file("empty.json", "[]");
+  for (const auto& [source, frames] :
+       {std::pair{"cue", 2}, std::pair{"cue/animation.json", 2}, std::pair{"empty.json", 0}}) {
+    const Ran ran = halvo("bench " + (directory_ / source).string() + " --size 40x40 --repeat 2");
+    EXPECT_EQ(ran.status, 0);
+    EXPECT_EQ(std::count(ran.output.begin(), ran.output.end(), '\n'), 1) << ran.output;
+    const auto document = JSONDocument::parse(ran.output);
+    ASSERT_TRUE(document) << ran.output;
+    const JSONValue root = document->root();
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : root.members()) {
+      keys.emplace_back(key);
+      EXPECT_TRUE(value.number() && *value.number() >= 0) << key;
+    }
+    EXPECT_EQ(keys, (std::vector<std::string>{"frames", "bytes", "decode_us", "parse_us", "layers_us", "draw_us",
+                                              "peak_rss_kb"}));
+    EXPECT_EQ(root.member("frames")->wholeNumber(), frames);
+    EXPECT_EQ(root.member("bytes")->wholeNumber(), static_cast<std::int64_t>(frames == 0 ? 2 : content.size()));
+    EXPECT_EQ(*root.member("draw_us")->number() > 0, frames > 0);
+  }
+}
+
+// Documents whose paint is explicit everywhere, so that every renderer must agree.
+constexpr std::pair<const char*, const char*> kDocuments[] = {
+    {"shapes",
+     "<rect x='4' y='6' width='30' height='20' fill='#3366cc'/><circle cx='70' cy='24' r='18' fill='#fa0'/>"
+     "<ellipse cx='30' cy='70' rx='24' ry='12' fill='#084'/><polygon points='60,60 95,70 70,95' fill='#a03'/>"},
+    {"strokes",
+     "<polyline points='10,90 30,20 50,80 90,10' fill='none' stroke='#123456' stroke-width='5'/>"
+     "<path d='M10 40C40 10 60 90 95 50' fill='none' stroke='#c0c' stroke-width='3.5'/>"
+     "<line x1='5' y1='95' x2='95' y2='95' fill='none' stroke='#000000' stroke-width='2'/>"},
+    {"curves",
+     "<path d='M20,20 C60,-10 90,40 70,70 S20,100 20,60 Z' fill='#446688'/>"
+     "<path d='M10,80 Q30,40 50,80 T90,80 L90,95 H10 Z' fill='#22aa77'/>"},
+    {"nested",
+     "<g transform='translate(50 50)'><g transform='rotate(30)'><rect x='-20' y='-10' width='40' "
+     "height='20' "
+     "fill='#f06'/>"
+     "<g transform='scale(0.5)'><circle cx='30' cy='0' r='10' fill='#06f'/></g></g></g>"},
+    {"holes", "<path d='M10 10H90V90H10ZM30 30V70H70V30Z' fill='#555555'/>"},
+};
+
+TEST_F(DrawingCommands, PicturesAreThoseOfAStandardRenderer) {
+  for (const auto& [name, body] : kDocuments) {
+    const std::string document =
+        file(std::string(name) + ".svg",
+             "<svg xmlns='http://www.w3.org/2000/svg' width='100' height='100'>" + std::string(body) + "</svg>");
+    const std::string png = directory_ / "standard.png";
+    const Ran ran = run("rsvg-convert -w 240 -h 240 -b white -o " + png + " " + document);
+    ASSERT_EQ(ran.status, 0) << ran.output;
+    expectSamePicture(std::string("standard_") + name, readPng(png),
+                      frame(document + " --size 240x240 --background white"), {0.1, 60});
+  }
+}
+
+}  // namespace
+}  // namespace quellaro

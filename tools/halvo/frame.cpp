@@ -1,0 +1,47 @@
+#include <cstdint>
+
+#include "commands.h"
+#include "frame_source.h"
+#include "options.h"
+#include "platform/quartzcore/compositor.h"
+#include "png_writer.h"
+
+namespace halvo {
+
+int frame(int argc, char** argv) {
+  std::string output;
+  std::int64_t number = 1;
+  Size size;
+  Background background = Background::Black;
+
+  CommandLine commandLine;
+  commandLine.usage = "frame SOURCE -o OUT.png [options]";
+  commandLine.summary =
+      "Draws one frame as the view would show it. SOURCE is an SVG document (.svg) or an animation.json. Exit status:\n"
+      "0 when the picture is written, 1 when SOURCE cannot be read or the picture not be written, 2 for unusable\n"
+      "arguments.";
+  commandLine.minimumPositional = commandLine.maximumPositional = 1;
+  commandLine.options = {
+      {"output", "OUT.png", "the picture to write", setText(output), 'o'},
+      {"number", "N", "the frame of an animation.json, from 1 (1)", setNumber(number, 1, INT64_MAX)},
+      {"size", "WxH", "size of the view in pixels (480x480)", setSize(size)},
+      {"background", "COLOUR", "black or white (black)", setBackground(background)},
+  };
+  const Parsed parsed = parse(commandLine, argc, argv);
+  if (parsed.exitStatus) return *parsed.exitStatus;
+  if (output.empty()) return usageError("frame", "-o OUT.png is missing");
+
+  const std::string& source = parsed.positional[0];
+  auto frames = readFrames(source);
+  if (!frames) return failure(source + ": " + frames.error().localizedDescription);
+  if (static_cast<std::uint64_t>(number) > frames->size())
+    return usageError("frame", "--number " + std::to_string(number) + ": " + source + " has " +
+                                   std::to_string(frames->size()) + (frames->size() == 1 ? " frame" : " frames"));
+  const auto document = quellaro::SVGDocument::parse(std::move((*frames)[static_cast<std::size_t>(number - 1)]));
+  quellaro::Bitmap bitmap(size.width, size.height);
+  quellaro::Compositor().draw(*viewLayer(*document, size, background), bitmap);
+  if (const auto error = writePng(bitmap, output)) return failure(output + ": " + error->localizedDescription);
+  return kExitFine;
+}
+
+}  // namespace halvo
