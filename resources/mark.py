@@ -9,7 +9,7 @@ import math
 from outlines import colour, disc, ellipse, filled, number, ribbon, ring
 
 SIDE = 480
-MIDDLE = (245.0, 245.0)  # between the source and the far side of the outermost ripple
+MIDDLE = (247.5, 247.5)  # between the source and the far side of the outermost ripple
 SOURCE_ANGLE = math.radians(45)
 
 # How a ripple looks at each place: distance of its near and of its far side from the source, its width opposite of the

@@ -66,10 +66,13 @@ def ribbon(centre, radius, width, first, last):
         return text
 
     def end(angle, direction):
-        x, y = centre[0] + radius * math.cos(angle), centre[1] + radius * math.sin(angle)
-        ahead = (-direction * math.sin(angle), direction * math.cos(angle))
+        tip = (centre[0] + radius * math.cos(angle) - direction * width(angle) / 2 * math.sin(angle),
+               centre[1] + radius * math.sin(angle) + direction * width(angle) / 2 * math.cos(angle))
         outward = (math.cos(angle) * direction, math.sin(angle) * direction)
-        return _half_circle((x, y), ahead, outward, width(angle) / 2)
+        arriving = _unit(_slope(edge, angle, direction, direction))
+        leaving = _unit(_slope(edge, angle, -direction, -direction))
+        return _round_end(edge(angle, direction), arriving, tip, outward, edge(angle, -direction), leaving,
+                          QUARTER * width(angle) / 2)
 
     return ("M" + points(edge(first, 1)) + curves(angles, 1, step) + end(last, 1) +
             curves(angles[::-1], -1, -step) + end(first, -1) + "Z")
@@ -86,9 +89,12 @@ def _slope(edge, angle, side, step):
     return (b[0] - a[0]) / (2 * tiny) * step, (b[1] - a[1]) / (2 * tiny) * step
 
 
-def _half_circle(middle, ahead, side, radius):
-    """From middle + side around the tip ahead to middle - side."""
-    a, tip, b = (_moved(middle, vector, radius) for vector in (side, ahead, (-side[0], -side[1])))
-    reach = QUARTER * radius
-    return ("C" + points(_moved(a, ahead, reach), _moved(tip, side, reach), tip) +
-            "C" + points(_moved(tip, side, -reach), _moved(b, ahead, reach), b))
+def _unit(vector):
+    length = math.hypot(*vector)
+    return vector[0] / length, vector[1] / length
+
+
+def _round_end(a, arriving, tip, outward, b, leaving, reach):
+    """From one edge around the tip to the other, without a knob where the edges run together."""
+    return ("C" + points(_moved(a, arriving, reach), _moved(tip, outward, reach), tip) +
+            "C" + points(_moved(tip, outward, -reach), _moved(b, leaving, -reach), b))
