@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,11 +12,20 @@
 #include "platform/dispatch/manual_clock.h"
 #include "platform/foundation/application.h"
 #include "support/library_fixture.h"
+#include "support/scripted_server.h"
 
 namespace quellaro {
 
 inline constexpr const char* kAccepted = R"({"status":1})";
 inline constexpr const char* kRefused = R"({"status":0,"error":"no"})";
+
+// A server's script: one answer for each request, in order; the last one over and over.
+inline ScriptedServer::Script answering(std::vector<std::string> answers) {
+  return [answers = std::move(answers), next = std::make_shared<std::atomic<std::size_t>>(0)](
+             const ScriptedServer::Request&, const ScriptedServer::Connection& connection) {
+    connection.answer(answers[std::min((*next)++, answers.size() - 1)]);
+  };
+}
 
 // In the place of the network: keeps what is sent until the test answers.
 class FakeEndpoint {

@@ -6,7 +6,6 @@
 #include "analytics_fixture.h"
 #include "platform/foundation/json_reader.h"
 #include "platform/foundation/user_defaults.h"
-#include "support/scripted_server.h"
 #include "support/uuid_text.h"
 
 namespace quellaro {
@@ -147,11 +146,7 @@ class Ingestion : public Upload {
 };
 
 TEST_F(Ingestion, RequestsAreWellFormedAndResentAfterFailure) {
-  std::vector<std::string> answers{R"(<html>)", R"({"status":0,"error":"no"})", R"({"status":1})"};
-  ScriptedServer server([&](const ScriptedServer::Request&, const ScriptedServer::Connection& connection) {
-    connection.answer(answers.front());
-    answers.erase(answers.begin());
-  });
+  const ScriptedServer server(answering({R"(<html>)", R"({"status":0,"error":"no"})", R"({"status":1})"}));
   useServer(server);
   play("old");
   wallClock_.advance(31 * kDay);

@@ -7,7 +7,6 @@
 #include "analytics_fixture.h"
 #include "platform/foundation/json_reader.h"
 #include "platform/foundation/user_defaults.h"
-#include "support/scripted_server.h"
 
 namespace quellaro {
 namespace {
@@ -31,11 +30,7 @@ class AnalyticsTool : public AnalyticsFixture {};
 
 // The tool as a host: a period that is over is sent, refused, and sent again before the next play.
 TEST_F(AnalyticsTool, ReportsToAServer) {
-  std::vector<std::string> answers{kRefused, kAccepted};
-  const ScriptedServer server([&](const ScriptedServer::Request&, const ScriptedServer::Connection& connection) {
-    connection.answer(answers.front());
-    answers.erase(answers.begin());
-  });
+  const ScriptedServer server(answering({kRefused, kAccepted}));
   const std::filesystem::path copy = bundle().parent_path() / "cues";
   std::filesystem::copy(QUELLARO_BUNDLE, copy);
   writeFile(copy / "Info.json", R"({"CFBundleShortVersionString": "2.0.0"})");
