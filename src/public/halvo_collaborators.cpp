@@ -1,6 +1,7 @@
 #include "public/halvo_collaborators.h"
 
 #include "analytics/analytics_manager.h"
+#include "animation/halvo_animation_controller.h"
 #include "assets/upgrade_controller.h"
 #include "media/audio_controller.h"
 #include "media/haptics_manager.h"
@@ -10,7 +11,7 @@ namespace quellaro {
 
 HalvoCollaborators HalvoCollaborators::standard() {
   return {
-      .makeAnimationController = [] { return nullptr; },
+      .makeAnimationController = [] { return std::make_shared<QLHalvoAnimationController>(); },
       .makeAudioController = [] { return std::make_shared<QLHalvoAudioController>(); },
       .makeUpgradeController = [] { return QLUpgradeController::make(); },
       .makeHapticsManager = HapticsManager::make,

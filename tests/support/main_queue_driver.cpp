@@ -13,8 +13,7 @@ MainQueueDriver::MainQueueDriver() {
 }
 
 MainQueueDriver::~MainQueueDriver() {
-  settle();
-  while (MainQueue::shared().nextDeadline()) advance(1e6);
+  restart();
   MainQueue::shared().setClock(nullptr);
 }
 
@@ -42,6 +41,17 @@ void MainQueueDriver::advance(double seconds) {
     settle();
   }
   clock_.set(end);
+}
+
+void MainQueueDriver::jump(double seconds) {
+  clock_.advance(seconds);
+  settle();
+}
+
+void MainQueueDriver::restart() {
+  settle();
+  while (MainQueue::shared().nextDeadline()) advance(1e6);
+  clock_.set(0);
 }
 
 }  // namespace quellaro

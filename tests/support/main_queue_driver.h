@@ -19,6 +19,10 @@ class MainQueueDriver {
   void settle();
   // Lets time pass, stopping at each deadline on the way, so that everything runs exactly when it is due.
   void advance(double seconds);
+  // Lets time pass in one go, as for a main thread that is busy: what is due meanwhile runs afterwards.
+  void jump(double seconds);
+  // Runs all that is scheduled, however late, and sets the clock back to 0.
+  void restart();
 
  private:
   ManualClock clock_;

@@ -1,0 +1,49 @@
+#include "animation/halvo_animation_controller.h"
+
+#include <utility>
+#include <vector>
+
+#include "animation/frame_file.h"
+#include "animation/halvo_view.h"
+#include "assets/file_manager.h"
+#include "platform/foundation/console.h"
+#include "platform/foundation/file_manager.h"
+
+namespace quellaro {
+
+namespace {
+
+constexpr const char* kFrameFileName = "animation.json";
+
+}  // namespace
+
+void QLHalvoAnimationController::prepare(const std::string& cueName, Callback onSuccess, Callback onFailure) {
+  const std::string path = HalvoFileManager::assetsDirectoryPath(cueName) + "/" + kFrameFileName;
+  const bool exists = FileManager::fileExistsAtPath(path);
+  const std::optional<NSError> error = exists ? loadFrames(path) : std::nullopt;
+  // The host learns only that it failed; whoever made the file wants to know why.
+  if (error) logToStandardError(path + ": " + error->localizedDescription);
+  const Callback& answer = exists && !error ? onSuccess : onFailure;
+  if (answer) answer();
+}
+
+std::optional<NSError> QLHalvoAnimationController::loadFrames(const std::string& filePath) {
+  animationElements_.clear();
+  auto texts = readFrameFile(filePath);
+  if (!texts) return texts.error();
+  animationElements_.reserve(texts->size());
+  // A text without an "svg" start tag stays as a frame that shows nothing, so that numbers and times hold.
+  for (std::string& text : *texts) animationElements_.push_back(SVGDocument::parse(std::move(text)));
+  return std::nullopt;
+}
+
+void QLHalvoAnimationController::play(const std::shared_ptr<QLHalvoView>& view,
+                                      const std::shared_ptr<const QLHalvoSDKConfig>& config, Callback onSuccess,
+                                      Callback /*onFailure*/) {
+  if (!view) return;
+  const std::shared_ptr<QLHalvoAnimationView>& animationView = view->animtionView();
+  animationView->setSdkConfig(config);
+  animationView->playFrames(animationElements_, std::move(onSuccess));
+}
+
+}  // namespace quellaro

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+
+#include "animation/halvo_animation_view.h"
+#include "platform/uikit/view.h"
+#include "types/export.h"
+#include "types/halvo_enums.h"
+
+namespace quellaro {
+
+// The view that a host places on its screen and hands to the controller's play: a backdrop in one of two colours, and
+// above it the animation, square, centred and as large as fits. Main thread only.
+class QLHALVO_EXPORT QLHalvoView : public UIView {
+ public:
+  // An empty rectangle at the origin; whoever shows the view sets its frame.
+  static std::shared_ptr<QLHalvoView> make() { return initWithFrame({}); }
+  static std::shared_ptr<QLHalvoView> initWithFrame(CGRect frame);
+  // Null when the archive holds no frame.
+  static std::shared_ptr<QLHalvoView> initWithCoder(const NSCoder& coder);
+  ~QLHalvoView() override;
+
+  // Black in a new view. Applied at once.
+  QLHalvoBackground background() const { return background_; }
+  void setBackground(QLHalvoBackground background);
+
+  // What the animation's player draws into.
+  const std::shared_ptr<QLHalvoAnimationView>& animtionView() const { return animtionView_; }
+  const std::shared_ptr<UIView>& backgroundView() const { return backgroundView_; }
+  const std::shared_ptr<NSLayoutConstraint>& leadingConstraint() const { return leadingConstraint_; }
+
+  void layoutSubviews() override;
+
+ private:
+  explicit QLHalvoView(CGRect frame) : UIView(frame) {}
+  void addBackdrop();
+  void addAnimationView();
+
+  // Width divided by height.
+  const double animationViewAspectRatio_ = 1.0;
+  std::shared_ptr<QLHalvoAnimationView> animtionView_;
+  std::shared_ptr<UIView> backgroundView_;
+  std::shared_ptr<NSLayoutConstraint> leadingConstraint_;
+  QLHalvoBackground background_ = QLHalvoBackground::black;
+};
+
+}  // namespace quellaro
