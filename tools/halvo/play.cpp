@@ -10,6 +10,7 @@
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/file_manager.h"
 #include "public/halvo_controller.h"
+#include "stage.h"
 
 namespace halvo {
 
@@ -26,6 +27,12 @@ struct PlayOptions {
   std::int64_t times = 1;
   bool settle = false;
   DeviceOptions devices;
+  StageOptions stage;
+
+  // A sound alone, or a prepare alone, needs no window.
+  Screen screen() const {
+    return devices.headless || type == QLHalvoType::soundOnly || times == 0 ? Screen::Memory : Screen::Desktop;
+  }
 };
 
 std::optional<std::string> chooseType(const std::string& name, QLHalvoType& type) {
@@ -72,7 +79,10 @@ std::optional<std::string> readMerchant(const std::string& path, std::shared_ptr
 // One prepare and the plays that follow it.
 class PlaySession {
  public:
-  explicit PlaySession(PlayOptions options) : options_(std::move(options)), controller_(QLHalvoController::make()) {}
+  explicit PlaySession(PlayOptions options)
+      : options_(std::move(options)),
+        controller_(QLHalvoController::make()),
+        stage_(options_.stage, options_.screen()) {}
 
   int run() {
     const auto prepared = answerOf("prepare", [this](const HalvoCompletion& completion) {
@@ -82,38 +92,42 @@ class PlaySession {
     std::optional<QLHalvoStatus> last = prepared;
     for (std::int64_t i = 0; last && i < options_.times; ++i) {
       if (options_.settle) settle();
-      last = answerOf("play", [this](const HalvoCompletion& completion) { controller_->play(nullptr, completion); });
+      last =
+          answerOf("play", [this](const HalvoCompletion& completion) { controller_->play(stage_.view(), completion); });
     }
-    if (!last) return failure("nothing is left that could bring an answer");
+    const bool isRecorded = stage_.finish();
+    if (!last)
+      return failure(stage_.isClosed() ? "the window was closed before there was an answer"
+                                       : "nothing is left that could bring an answer");
     if (options_.settle) settle();
+    if (!isRecorded) return kExitFailure;
     const bool isFine = *last == QLHalvoStatus::success || *last == QLHalvoStatus::successWithFallback;
     return isFine ? kExitFine : kExitFailure;
   }
 
  private:
-  // Starts an operation and runs the main queue until it answers; nothing when no answer can come any more.
+  // Starts an operation and runs the main queue until it answers; nothing when no answer can come any more, or nobody
+  // is there to see it.
   template <class Start>
   std::optional<QLHalvoStatus> answerOf(const char* operation, Start start) {
     const auto answer = std::make_shared<std::optional<QLHalvoStatus>>();
+    stage_.setState(options_.cue + ", " + operation);
     start([answer, operation](QLHalvoStatus code) {
       *answer = code;
       std::printf("%s: %d %s\n", operation, static_cast<int>(code), std::string(nameOf(code)).c_str());
       std::fflush(stdout);
     });
-    MainQueue& queue = MainQueue::shared();
-    while (!*answer && !queue.isIdle())
-      if (!queue.drain()) queue.wait();
+    while (!*answer && !stage_.isClosed() && !MainQueue::shared().isIdle()) stage_.turn();
     return *answer;
   }
 
-  static void settle() {
-    MainQueue& queue = MainQueue::shared();
-    while (queue.hasQueuedWorkOrActivities())
-      if (!queue.drain()) queue.wait();
+  void settle() {
+    while (!stage_.isClosed() && MainQueue::shared().hasQueuedWorkOrActivities()) stage_.turn();
   }
 
   PlayOptions options_;
   std::shared_ptr<QLHalvoController> controller_;
+  Stage stage_;
 };
 
 }  // namespace
@@ -145,6 +159,7 @@ int play(int argc, char** argv) {
       {"no-actuator", "", "with --headless: a device without a haptic actuator", setFlag(options.devices.noActuator)},
   };
   addHostOptions(commandLine);
+  for (Option& option : options.stage.options()) commandLine.options.push_back(std::move(option));
   const Parsed parsed = parse(commandLine, argc, argv);
   if (parsed.exitStatus) return *parsed.exitStatus;
   if (!options.devices.headless && (options.devices.noActuator || options.devices.volume))

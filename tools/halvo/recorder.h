@@ -1,0 +1,48 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "animation/halvo_view.h"
+#include "platform/dispatch/serial_queue.h"
+#include "platform/foundation/error.h"
+#include "platform/quartzcore/bitmap.h"
+#include "platform/quartzcore/compositor.h"
+
+namespace halvo {
+
+// Draws every frame that a view shows into memory, at the moment it is shown, and writes each as a picture if there is
+// a directory for it: frame_0001.png, frame_0002.png and so on. Pictures are encoded beside the main thread, so that
+// the frames stay on time.
+class Recorder {
+ public:
+  Recorder(std::shared_ptr<quellaro::QLHalvoView> view, std::optional<std::string> directory);
+  Recorder(const Recorder&) = delete;
+  Recorder& operator=(const Recorder&) = delete;
+  ~Recorder();
+
+  // Waits until all pictures are written; tells why one could not be.
+  std::optional<quellaro::NSError> finish();
+
+ private:
+  // Pictures that wait to be written, and the first thing that went wrong.
+  struct Backlog {
+    std::atomic<std::size_t> bytes = 0;
+    std::optional<quellaro::NSError> error;
+  };
+
+  void record();
+
+  std::shared_ptr<quellaro::QLHalvoView> view_;
+  std::optional<std::string> directory_;
+  quellaro::Compositor compositor_;
+  quellaro::Bitmap picture_;
+  int frames_ = 0;
+  std::shared_ptr<Backlog> backlog_ = std::make_shared<Backlog>();
+  quellaro::SerialQueue writer_;
+};
+
+}  // namespace halvo

@@ -1,0 +1,75 @@
+#include "stage.h"
+
+#include <utility>
+
+#include "platform/dispatch/main_queue.h"
+#include "platform/foundation/file_manager.h"
+
+namespace halvo {
+
+using namespace quellaro;
+
+namespace {
+
+std::optional<std::string> chooseBackground(const std::string& name, QLHalvoBackground& background) {
+  if (name != "black" && name != "white") return "black or white is needed";
+  background = name == "white" ? QLHalvoBackground::white : QLHalvoBackground::black;
+  return std::nullopt;
+}
+
+std::optional<std::string> chooseDirectory(const std::string& path, std::optional<std::string>& directory) {
+  if (!FileManager::directoryExistsAtPath(path))
+    if (const auto problem = FileManager::createDirectoryAtPath(path)) return problem->localizedDescription;
+  directory = path;
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<Option> StageOptions::options() {
+  return {
+      {"no-view", "", "play with no view", setFlag(noView)},
+      {"background", "COLOUR", "black or white (black)",
+       [this](const std::string& value) { return chooseBackground(value, background); }},
+      {"size", "WxH", "size of the view in pixels (480x480)", setSize(size)},
+      {"record", "DIR", "write every shown frame as DIR/frame_0001.png, ...",
+       [this](const std::string& value) { return chooseDirectory(value, recordDirectory); }},
+  };
+}
+
+Stage::Stage(const StageOptions& options, Screen screen) {
+  if (options.noView) return;
+  view_ = QLHalvoView::initWithFrame(
+      {{0, 0}, {static_cast<double>(options.size.width), static_cast<double>(options.size.height)}});
+  view_->setBackground(options.background);
+  view_->layoutIfNeeded();
+  if (screen == Screen::Desktop) {
+    std::string problem;
+    window_ = Window::open(view_, options.size, problem);
+    if (!window_) failure("there is no display, so the view is drawn into memory: " + problem);
+  }
+  if (!window_ || options.recordDirectory) recorder_ = std::make_unique<Recorder>(view_, options.recordDirectory);
+}
+
+void Stage::turn() {
+  MainQueue& queue = MainQueue::shared();
+  const bool ran = queue.drain();
+  if (window_) window_->refresh();
+  if (ran) return;
+  if (window_)
+    window_->wait();
+  else
+    queue.wait();
+}
+
+void Stage::setState(const std::string& state) {
+  if (window_) window_->setTitle("halvo: " + state);
+}
+
+bool Stage::finish() {
+  const auto problem = recorder_ ? recorder_->finish() : std::nullopt;
+  if (problem) failure(problem->localizedDescription);
+  return !problem;
+}
+
+}  // namespace halvo

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "animation/halvo_view.h"
+#include "options.h"
+#include "recorder.h"
+#include "window.h"
+
+namespace halvo {
+
+// What the arguments say about the view of a play.
+struct StageOptions {
+  bool noView = false;
+  quellaro::QLHalvoBackground background = quellaro::QLHalvoBackground::black;
+  Size size;
+  std::optional<std::string> recordDirectory;
+
+  std::vector<Option> options();
+};
+
+enum class Screen { Desktop, Memory };
+
+// The view of a play, and where it is to be seen: a window, or memory, where every frame is drawn all the same. Runs
+// the main queue meanwhile.
+class Stage {
+ public:
+  // On a desktop that there is not the view is drawn into memory, and that is said on standard error.
+  Stage(const StageOptions& options, Screen screen);
+
+  // Null when the play is to have none.
+  const std::shared_ptr<quellaro::QLHalvoView>& view() const { return view_; }
+  // Runs what is due and shows what that has changed; sleeps when nothing was due.
+  void turn();
+  bool isClosed() const { return window_ && window_->isClosed(); }
+  // What is going on, for the window's title.
+  void setState(const std::string& state);
+  // Whether everything that was to be recorded has been; what has not is said on standard error.
+  bool finish();
+
+ private:
+  std::shared_ptr<quellaro::QLHalvoView> view_;
+  std::unique_ptr<Window> window_;
+  std::unique_ptr<Recorder> recorder_;
+};
+
+}  // namespace halvo
