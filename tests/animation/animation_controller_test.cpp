@@ -15,7 +15,8 @@ namespace quellaro {
 
 namespace {
 
-constexpr const char* kFrame = R"(<svg width='10' height='10'><rect width='5' height='5' fill='#f00'/></svg>)";
+constexpr const char* kFrame =
+    R"(<svg width='10' height='10'><rect x='0' y='0' width='5' height='5' fill='#f00'/></svg>)";
 
 std::string frameFile(const std::vector<std::string>& frames) {
   std::string json = "[";

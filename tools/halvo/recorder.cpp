@@ -40,6 +40,7 @@ void Recorder::record() {
   if (picture_.width != width || picture_.height != height) picture_ = Bitmap(width, height);
   // Not through the view's own drawing: a window that shows it has to see the change, too.
   compositor_.draw(*view_->layer(), picture_);
+  if (contactSheet_) contactSheet_->add(picture_);
   if (!directory_) return;
 
   const std::size_t bytes = picture_.pixels.size() * sizeof picture_.pixels[0];
@@ -53,6 +54,11 @@ void Recorder::record() {
     }
     backlog->bytes -= bytes;
   });
+}
+
+std::optional<NSError> Recorder::writeContactSheet(const std::string& path) const {
+  if (!contactSheet_ || contactSheet_->isEmpty()) return NSError{"", 0, "no frame was shown"};
+  return writePng(contactSheet_->picture(), path);
 }
 
 std::optional<NSError> Recorder::finish() {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "animation/halvo_view.h"
+#include "contact_sheet.h"
 #include "platform/dispatch/serial_queue.h"
 #include "platform/foundation/error.h"
 #include "platform/quartzcore/bitmap.h"
@@ -24,6 +25,10 @@ class Recorder {
   Recorder& operator=(const Recorder&) = delete;
   ~Recorder();
 
+  // Keeps a small picture of each frame as well, for writeContactSheet.
+  void keepContactSheet() { contactSheet_.emplace(); }
+  // Fails when nothing was kept.
+  std::optional<quellaro::NSError> writeContactSheet(const std::string& path) const;
   // Waits until all pictures are written; tells why one could not be.
   std::optional<quellaro::NSError> finish();
 
@@ -41,6 +46,7 @@ class Recorder {
   quellaro::Compositor compositor_;
   quellaro::Bitmap picture_;
   int frames_ = 0;
+  std::optional<ContactSheet> contactSheet_;
   std::shared_ptr<Backlog> backlog_ = std::make_shared<Backlog>();
   quellaro::SerialQueue writer_;
 };

@@ -1,5 +1,6 @@
 #include "stage.h"
 
+#include <cstdlib>
 #include <utility>
 
 #include "platform/dispatch/main_queue.h"
@@ -24,6 +25,14 @@ std::optional<std::string> chooseDirectory(const std::string& path, std::optiona
   return std::nullopt;
 }
 
+// As the desktop's base directories have it.
+std::string cacheDirectory() {
+  const char* cache = std::getenv("XDG_CACHE_HOME");
+  if (cache != nullptr && cache[0] == '/') return cache;
+  const char* home = std::getenv("HOME");
+  return std::string(home != nullptr && home[0] == '/' ? home : "/tmp") + "/.cache";
+}
+
 }  // namespace
 
 std::vector<Option> StageOptions::options() {
@@ -46,9 +55,11 @@ Stage::Stage(const StageOptions& options, Screen screen) {
   if (screen == Screen::Desktop) {
     std::string problem;
     window_ = Window::open(view_, options.size, problem);
-    if (!window_) failure("there is no display, so the view is drawn into memory: " + problem);
+    isWithoutDisplay_ = !window_;
+    if (isWithoutDisplay_) failure("there is no display, so the view is drawn into memory: " + problem);
   }
   if (!window_ || options.recordDirectory) recorder_ = std::make_unique<Recorder>(view_, options.recordDirectory);
+  if (isWithoutDisplay_) recorder_->keepContactSheet();
 }
 
 void Stage::turn() {
@@ -69,7 +80,15 @@ void Stage::setState(const std::string& state) {
 bool Stage::finish() {
   const auto problem = recorder_ ? recorder_->finish() : std::nullopt;
   if (problem) failure(problem->localizedDescription);
+  if (isWithoutDisplay_) leaveContactSheet();
   return !problem;
+}
+
+void Stage::leaveContactSheet() const {
+  const std::string path = cacheDirectory() + "/halvo/last_play.png";
+  auto problem = FileManager::createDirectoryAtPath(cacheDirectory() + "/halvo");
+  if (!problem) problem = recorder_->writeContactSheet(path);
+  failure(problem ? "no contact sheet of what was shown: " + problem->localizedDescription : "what was shown: " + path);
 }
 
 }  // namespace halvo

@@ -28,7 +28,8 @@ enum class Screen { Desktop, Memory };
 // the main queue meanwhile.
 class Stage {
  public:
-  // On a desktop that there is not the view is drawn into memory, and that is said on standard error.
+  // Without a display the view is drawn into memory, a contact sheet of what was shown is left in the user's cache
+  // directory, and both are said on standard error.
   Stage(const StageOptions& options, Screen screen);
 
   // Null when the play is to have none.
@@ -42,9 +43,12 @@ class Stage {
   bool finish();
 
  private:
+  void leaveContactSheet() const;
+
   std::shared_ptr<quellaro::QLHalvoView> view_;
   std::unique_ptr<Window> window_;
   std::unique_ptr<Recorder> recorder_;
+  bool isWithoutDisplay_ = false;
 };
 
 }  // namespace halvo
