@@ -9,5 +9,6 @@ int publish(int argc, char** argv);
 int usage(int argc, char** argv);
 int frame(int argc, char** argv);
 int bench(int argc, char** argv);
+int sheet(int argc, char** argv);
 
 }  // namespace halvo

@@ -19,6 +19,7 @@ constexpr Command kCommands[] = {
     {"usage", "print the usage records that are stored, without sending them", halvo::usage},
     {"frame", "draw one frame into a PNG file", halvo::frame},
     {"bench", "measure what it costs to show a cue's frames", halvo::bench},
+    {"sheet", "draw a cue as a contact sheet", halvo::sheet},
     {"help", "print this", nullptr},
 };
 
