@@ -73,11 +73,12 @@ class Benchmark {
       documents.reserve(texts->size());
       for (std::string& text : *texts) documents.push_back(SVGDocument::parse(std::move(text)));
     });
+    layers_.time([&] {
+      for (const auto& document : documents) viewLayer(*document, size_, Background::Black);
+    });
     for (const auto& document : documents) {
-      std::shared_ptr<CALayer> view;
-      layers_.time([&] { view = viewLayer(*document, size_, Background::Black); });
+      const std::shared_ptr<CALayer> view = viewLayer(*document, size_, Background::Black);
       draw_.time([&] { compositor_.draw(*view, bitmap_); });
-      layers_.time([&] { view.reset(); });
     }
     frames_ = documents.size();
     parse_.time([&] { documents.clear(); });

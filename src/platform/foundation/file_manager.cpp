@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "platform/foundation/file_descriptor.h"
+#include "platform/foundation/large_memory.h"
 
 namespace quellaro {
 
@@ -76,6 +77,7 @@ Result<std::string> FileManager::readAtPath(const std::string& path, std::size_t
 
   std::string contents;
   contents.reserve(size + kPadding);
+  preferLargePages(contents.data(), size);
   contents.resize(size);
   std::size_t filled = 0;
   while (filled < size) {

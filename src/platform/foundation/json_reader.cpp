@@ -6,6 +6,8 @@
 #include <cstring>
 #include <type_traits>
 
+#include "platform/foundation/large_memory.h"
+
 namespace quellaro {
 
 namespace dom = simdjson::dom;
@@ -157,6 +159,8 @@ Result<JSONDocument> JSONDocument::parse(std::string bytes) {
   const std::size_t length = bytes.size() - start;
   bytes.reserve(bytes.size() + simdjson::SIMDJSON_PADDING);
   auto content = std::make_unique<Content>();
+  if (content->document.allocate(length) == simdjson::SUCCESS)
+    preferLargePages(content->document.string_buf.get(), length);
   const simdjson::error_code error =
       content->parser.parse_into_document(content->document, bytes.data() + start, length, false).get(content->root);
   if (error != simdjson::SUCCESS) return unreadable(simdjson::error_message(error));
