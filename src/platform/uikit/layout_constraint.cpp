@@ -17,7 +17,7 @@ std::shared_ptr<UIView> nearestCommonAncestor(const std::shared_ptr<UIView>& a, 
 std::shared_ptr<NSLayoutConstraint> NSLayoutConstraint::constraintWithItem(
     const std::shared_ptr<UIView>& item, NSLayoutAttribute attribute, NSLayoutRelation relation,
     const std::shared_ptr<UIView>& toItem, NSLayoutAttribute toAttribute, double multiplier, double constant) {
-  const std::shared_ptr<NSLayoutConstraint> constraint(new NSLayoutConstraint);
+  std::shared_ptr<NSLayoutConstraint> constraint(new NSLayoutConstraint);
   constraint->firstItem_ = item;
   constraint->firstAttribute_ = attribute;
   constraint->relation_ = relation;
