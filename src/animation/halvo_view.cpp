@@ -3,7 +3,7 @@
 namespace quellaro {
 
 std::shared_ptr<QLHalvoView> QLHalvoView::initWithFrame(CGRect frame) {
-  const std::shared_ptr<QLHalvoView> view(new QLHalvoView(frame));
+  std::shared_ptr<QLHalvoView> view(new QLHalvoView(frame));
   view->addBackdrop();
   view->addAnimationView();
   return view;
