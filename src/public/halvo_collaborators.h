@@ -8,6 +8,7 @@
 #include "media/haptics_manager_protocol.h"
 #include "platform/foundation/error.h"
 #include "types/controller_protocol.h"
+#include "types/export.h"
 
 namespace quellaro {
 
@@ -25,7 +26,7 @@ struct HalvoCollaborators {
   std::function<std::shared_ptr<AnalyticsManaging>()> makeAnalyticsManager;
 
   // The real ones.
-  static HalvoCollaborators standard();
+  QLHALVO_EXPORT static HalvoCollaborators standard();
 };
 
 }  // namespace quellaro

@@ -8,11 +8,12 @@
 
 #include "platform/foundation/json_decoder.h"
 #include "platform/foundation/json_writer.h"
+#include "types/export.h"
 
 namespace quellaro {
 
 // On whose behalf a cue is played. Shared and immutable; any thread.
-class QLHalvoMerchant {
+class QLHALVO_EXPORT QLHalvoMerchant {
  public:
   const std::string merchantName;
   const std::string countryCode;

@@ -24,7 +24,7 @@ using PendingActivity = std::shared_ptr<void>;
 // calls them (the main thread, by definition), first in first out. A host without a loop calls run(). A host with one
 // watches fileDescriptor(), wakes at nextDeadline() and then calls drain(). A host that does neither sees nothing
 // happen.
-class MainQueue {
+class [[gnu::visibility("default")]] MainQueue {
  public:
   static MainQueue& shared();
 
