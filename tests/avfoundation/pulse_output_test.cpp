@@ -237,18 +237,17 @@ TEST(PulseOutput, AServerThatNeverAnswersIsGivenUpInTime) {
 
 TEST(PulseOutput, WithoutDescriptorsThereIsNoServerAndNoHarm) {
   const PulseServer server;
-  const Listener listener(kShortSound);
   rlimit descriptors{};
   getrlimit(RLIMIT_NOFILE, &descriptors);
   PulseOutput output;
-  const rlimit few{4, descriptors.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+  const rlimit none{3, descriptors.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
   EXPECT_EQ(output.prepare(), nullptr);
   EXPECT_EQ(output.volume(), 0.0F);
-  Result<std::unique_ptr<Mp3Decoder>> sound = Mp3Decoder::open(kShortSound);
+  const Result<std::unique_ptr<Mp3Decoder>> sound = Mp3Decoder::open(kShortSound);
+  setrlimit(RLIMIT_NOFILE, &descriptors);
   ASSERT_FALSE(sound);
   EXPECT_NE(sound.error().localizedDescription.find("Too many open files"), std::string::npos);
-  setrlimit(RLIMIT_NOFILE, &descriptors);
   EXPECT_EQ(output.volume(), 1.0F);
 }
 
