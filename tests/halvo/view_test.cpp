@@ -27,9 +27,10 @@ class ViewOfTheTool : public testing::Test {
   // comes with keep memory until the end of the process, which is no leak of the tool's.
   std::string play(const std::string& options, const std::string& prefix = "") {
     const std::string command =
-        "ASAN_OPTIONS=detect_leaks=0 SDL_VIDEODRIVER=x11 XDG_CACHE_HOME=" + (directory_ / "cache").string() + " " +
-        prefix + " " QUELLARO_HALVO_TOOL " play quellaro --type animationOnly --bundle " +
-        (directory_ / "bundle").string() + " --library " + (directory_ / "library").string() + " " + options +
+        "ASAN_OPTIONS=detect_leaks=0 SDL_VIDEODRIVER=x11 SDL_RENDER_DRIVER=software XDG_CACHE_HOME=" +
+        (directory_ / "cache").string() + " " + prefix +
+        " " QUELLARO_HALVO_TOOL " play quellaro --type animationOnly --bundle " + (directory_ / "bundle").string() +
+        " --library " + (directory_ / "library").string() + " " + options +
         " 2>&1 | sed 's/ at [0-9.]*$//'; echo exit ${PIPESTATUS[0]}";
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(("bash -c '" + quoted(command) + "'").c_str(), "r"), pclose);
     std::string text;
