@@ -13,9 +13,10 @@ namespace quellaro {
 inline void preferLargePages(void* start, std::size_t bytes) {
 #ifdef MADV_HUGEPAGE
   constexpr std::uintptr_t kLargePage = std::uintptr_t{2} << 20;
-  const auto first = (reinterpret_cast<std::uintptr_t>(start) + kLargePage - 1) / kLargePage * kLargePage;
-  const auto last = (reinterpret_cast<std::uintptr_t>(start) + bytes) / kLargePage * kLargePage;
-  if (first < last) madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+  const auto address = reinterpret_cast<std::uintptr_t>(start);
+  const std::uintptr_t first = (address + kLargePage - 1) / kLargePage * kLargePage;
+  const std::uintptr_t last = (address + bytes) / kLargePage * kLargePage;
+  if (first < last) madvise(static_cast<char*>(start) + (first - address), last - first, MADV_HUGEPAGE);
 #endif
 }
 
