@@ -1,18 +1,30 @@
 #pragma once
 
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/foundation/error.h"
+#include "svg/document.h"
 
 namespace quellaro {
 
-// Reads animation.json: a JSON array of strings, each the text of one SVG document, in playing order. Any other JSON
-// value holds no frames, which is no error; a file that cannot be read, or that is not valid JSON, is one. The file's
-// bytes and all the JSON parser's memory are given back before this returns, so what remains are the texts. Any thread.
-Result<std::vector<std::string>> readFrameFile(const std::string& path);
+// The texts of a cue's frames in playing order, for as long as `storage` or a copy of it is kept.
+struct FrameTexts {
+  std::shared_ptr<const void> storage;
+  std::vector<std::string_view> texts;
+};
+
+// Reads animation.json: a JSON array of strings, each the text of one SVG document. Any other JSON value holds no
+// frames, which is no error; a file that cannot be read, or that is not valid JSON, is one. The file's bytes and all
+// the JSON parser's memory but the texts are given back before this returns. Any thread.
+Result<FrameTexts> readFrameFile(const std::string& path);
 
 // The same for bytes that have been read.
-Result<std::vector<std::string>> decodeFrames(std::string bytes);
+Result<FrameTexts> decodeFrames(std::string bytes);
+
+// Parses every frame. The documents share their memory: it is given back when the last of them is gone.
+std::vector<std::shared_ptr<const SVGDocument>> parseFrames(const FrameTexts& frames);
 
 }  // namespace quellaro

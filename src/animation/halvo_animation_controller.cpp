@@ -31,9 +31,8 @@ std::optional<NSError> QLHalvoAnimationController::loadFrames(const std::string&
   animationElements_.clear();
   auto texts = readFrameFile(filePath);
   if (!texts) return texts.error();
-  animationElements_.reserve(texts->size());
   // A text without an "svg" start tag stays as a frame that shows nothing, so that numbers and times hold.
-  for (std::string& text : *texts) animationElements_.push_back(SVGDocument::parse(std::move(text)));
+  animationElements_ = parseFrames(*texts);
   return std::nullopt;
 }
 

@@ -17,11 +17,17 @@ constexpr std::size_t kLargestBlock = 1 << 16;
 }  // namespace
 
 std::shared_ptr<SVGDocument> SVGDocument::parse(std::string text) {
+  const auto kept = std::make_shared<const std::string>(std::move(text));
+  return parse(*kept, kept, std::make_shared<Arena>(std::clamp(kept->size() / 8, kSmallestBlock, kLargestBlock)));
+}
+
+std::shared_ptr<SVGDocument> SVGDocument::parse(std::string_view text, std::shared_ptr<const void> owner,
+                                                std::shared_ptr<Arena> arena) {
   auto document = std::make_shared<SVGDocument>();
-  document->text_ = std::move(text);
-  document->arena_ = std::make_shared<Arena>(std::clamp(document->text_.size() / 8, kSmallestBlock, kLargestBlock));
+  document->textOwner_ = std::move(owner);
+  document->arena_ = std::move(arena);
   SVGDocumentParser delegate(document->arena_);
-  NSXMLParser parser(document->text_, *document->arena_);
+  NSXMLParser parser(text, *document->arena_);
   parser.setDelegate(&delegate);
   parser.parse();
   document->viewbox_ = delegate.viewbox();

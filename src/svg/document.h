@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/coregraphics/geometry.h"
@@ -26,6 +27,10 @@ class SVGDocument {
 
   // Never fails: what was finished before a mistake in the text is the document.
   static std::shared_ptr<SVGDocument> parse(std::string text);
+  // The same for a text that lives as long as `owner`, and with everything made in an arena that other documents may
+  // share, as the frames of one cue do.
+  static std::shared_ptr<SVGDocument> parse(std::string_view text, std::shared_ptr<const void> owner,
+                                            std::shared_ptr<Arena> arena);
 
   // The top-level elements in order; absent until a parse has filled them. They must not outlive the document, whose
   // text they view.
@@ -39,7 +44,7 @@ class SVGDocument {
   std::shared_ptr<CALayer> makeLayer() const;
 
  private:
-  std::string text_;
+  std::shared_ptr<const void> textOwner_;
   std::shared_ptr<Arena> arena_;
   std::optional<CGSize> viewbox_ = CGSize{};
   SVGStyle style_;

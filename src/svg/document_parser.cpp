@@ -53,6 +53,7 @@ void SVGDocumentParser::parserDidStartElement(std::string_view name, XMLAttribut
   const Kind* const kind = kindNamed(name);
   if (kind == nullptr) return;
   std::shared_ptr<SVGElement> element = kind->make(arena_, name, attributes);
+  element->moveOutlineInto(arena_->bulk());
   if (stack_.count() > 0) element->inheritPaint(*stack_.peek());
   stack_.push(std::move(element));
 }

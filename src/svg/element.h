@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <memory_resource>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -49,6 +50,8 @@ class SVGElement : public std::enable_shared_from_this<SVGElement> {
   double strokeWidth() const { return strokeWidth_; }
   bool clickable() const { return clickable_; }
 
+  // Keeps the outline in the element's own arena.
+  void moveOutlineInto(std::pmr::memory_resource& memory) { path_.moveInto(memory); }
   // Takes the colours that the element has not got itself.
   void inheritPaint(const SVGElement& from);
   static void appendChild(const std::shared_ptr<SVGElement>& parent, std::shared_ptr<SVGElement> child);

@@ -73,7 +73,6 @@ void SVGPath::buildPath(XMLAttributes attributes) {
     }
     apply(command, ScannedNumbers{scanner});
   }
-  path_.shrinkToFit();
 }
 
 void SVGPath::applyCommand(std::string_view command, std::span<const double> numbers) {

@@ -81,7 +81,6 @@ void SVGCircle::buildPath(XMLAttributes attributes) {
   if (!circle) return;
   const auto [cx, cy, r] = *circle;
   path_.addArcWithCenter({cx, cy}, r, 0, 2 * std::numbers::pi, true);
-  path_.shrinkToFit();
   clickable_ = true;
 }
 

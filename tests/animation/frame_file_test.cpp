@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "platform/foundation/limits.h"
+#include "platform/quartzcore/shape_layer.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {
@@ -30,8 +31,24 @@ TEST(FrameFile, HoldsAnArrayOfStringsOrNoFrames) {
   for (const auto& c : cases) {
     const auto frames = decodeFrames(c.json);
     ASSERT_TRUE(frames) << c.json;
-    EXPECT_EQ(*frames, c.frames) << c.json;
+    EXPECT_EQ(Frames(frames->texts.begin(), frames->texts.end()), c.frames) << c.json;
   }
+}
+
+TEST(FrameFile, AFrameOutlivesTheOthersAndTheTexts) {
+  std::shared_ptr<const SVGDocument> kept;
+  {
+    const auto frames = decodeFrames(R"(["<svg/>", "<svg><path id='a' d='M1 2L3 4'/></svg>", "<svg>"])");
+    ASSERT_TRUE(frames);
+    const auto documents = parseFrames(*frames);
+    ASSERT_EQ(documents.size(), 3U);
+    kept = documents[1];
+  }
+  EXPECT_EQ(kept->elements()->at(0)->attr().find("d"), "M1 2L3 4");
+  const auto layer = kept->makeLayer();
+  kept.reset();
+  const auto shape = std::static_pointer_cast<CAShapeLayer>(layer->sublayers()[0]);
+  EXPECT_EQ(shape->path()->points()[1], (CGPoint{3, 4}));
 }
 
 TEST(FrameFile, WhatIsNotJsonIsAnError) {

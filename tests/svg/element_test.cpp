@@ -168,7 +168,7 @@ CGPoint middle(CGPoint a, CGPoint b, CGPoint c, CGPoint d) {
 
 void expectOnOval(const CGPath& path, CGPoint center, double rx, double ry) {
   const auto distance = [&](CGPoint p) { return std::hypot((p.x - center.x) / rx, (p.y - center.y) / ry); };
-  const std::vector<CGPoint>& points = path.points();
+  const std::span<const CGPoint> points = path.points();
   for (std::size_t i = 0; i + 3 < points.size(); i += 3) {
     EXPECT_NEAR(distance(points[i]), 1, 1e-12);
     EXPECT_NEAR(distance(middle(points[i], points[i + 1], points[i + 2], points[i + 3])), 1, 3e-4);

@@ -65,14 +65,12 @@ class Benchmark {
       : source_(std::move(source)), size_(size), bitmap_(size.width, size.height) {}
 
   std::optional<NSError> round() {
-    Result<std::vector<std::string>> texts = std::vector<std::string>();
+    Result<FrameTexts> texts = FrameTexts();
     decode_.time([&] { texts = readFrames(source_); });
     if (!texts) return texts.error();
-    std::vector<std::shared_ptr<SVGDocument>> documents;
-    parse_.time([&] {
-      documents.reserve(texts->size());
-      for (std::string& text : *texts) documents.push_back(SVGDocument::parse(std::move(text)));
-    });
+    std::vector<std::shared_ptr<const SVGDocument>> documents;
+    parse_.time([&] { documents = parseFrames(*texts); });
+    texts = FrameTexts();
     layers_.time([&] {
       for (const auto& document : documents) viewLayer(*document, size_, Background::Black);
     });

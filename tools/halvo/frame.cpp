@@ -34,10 +34,11 @@ int frame(int argc, char** argv) {
   const std::string& source = parsed.positional[0];
   auto frames = readFrames(source);
   if (!frames) return failure(source + ": " + frames.error().localizedDescription);
-  if (static_cast<std::uint64_t>(number) > frames->size())
+  if (static_cast<std::uint64_t>(number) > frames->texts.size())
     return usageError("frame", "--number " + std::to_string(number) + ": " + source + " has " +
-                                   std::to_string(frames->size()) + (frames->size() == 1 ? " frame" : " frames"));
-  const auto document = quellaro::SVGDocument::parse(std::move((*frames)[static_cast<std::size_t>(number - 1)]));
+                                   std::to_string(frames->texts.size()) +
+                                   (frames->texts.size() == 1 ? " frame" : " frames"));
+  const auto document = quellaro::SVGDocument::parse(std::string(frames->texts[static_cast<std::size_t>(number - 1)]));
   quellaro::Bitmap bitmap(size.width, size.height);
   quellaro::Compositor().draw(*viewLayer(*document, size, background), bitmap);
   if (const auto error = writePng(bitmap, output)) return failure(output + ": " + error->localizedDescription);

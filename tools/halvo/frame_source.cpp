@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "animation/frame_file.h"
 #include "platform/foundation/file_manager.h"
 
 namespace halvo {
@@ -27,11 +26,12 @@ void fit(CALayer& document, double side) {
 
 }  // namespace
 
-Result<std::vector<std::string>> readFrames(const std::string& source) {
+Result<FrameTexts> readFrames(const std::string& source) {
   if (!source.ends_with(".svg")) return readFrameFile(source);
   auto text = FileManager::readAtPath(source);
   if (!text) return text.error();
-  return std::vector<std::string>{std::move(*text)};
+  const auto kept = std::make_shared<const std::string>(std::move(*text));
+  return FrameTexts{kept, {*kept}};
 }
 
 std::shared_ptr<CALayer> viewLayer(const SVGDocument& document, Size size, Background background) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "animation/frame_file.h"
 #include "options.h"
 #include "platform/foundation/error.h"
 #include "platform/quartzcore/layer.h"
@@ -12,7 +13,7 @@
 namespace halvo {
 
 // The frames' texts of an SVG document (one) or of an animation.json. A name that ends in ".svg" means the first.
-quellaro::Result<std::vector<std::string>> readFrames(const std::string& source);
+quellaro::Result<quellaro::FrameTexts> readFrames(const std::string& source);
 
 enum class Background { Black, White };
 

@@ -88,12 +88,12 @@ Result<SheetSource> readSheetSource(const std::string& path) {
       isDirectory ? std::filesystem::path(path) / "animation.json" : std::filesystem::path(path);
   auto frames = readFrames(file.string());
   if (!frames) return NSError{"halvo", 0, file.string() + ": " + frames.error().localizedDescription};
-  if (frames->empty()) return NSError{"halvo", 0, file.string() + ": there are no frames"};
+  if (frames->texts.empty()) return NSError{"halvo", 0, file.string() + ": there are no frames"};
 
   SheetSource source;
   const std::filesystem::path named = std::filesystem::path(path).lexically_normal();
   source.name = isDirectory && !named.has_filename() ? named.parent_path().filename() : named.filename();
-  source.frames = std::move(*frames);
+  source.frames.assign(frames->texts.begin(), frames->texts.end());
   if (file.extension() == ".svg") return source;
   // Beside an animation.json that was named by itself there need be nothing; in a cue directory, what is missing is
   // news.

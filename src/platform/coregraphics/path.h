@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
+#include <span>
 #include <vector>
 
 #include "platform/coregraphics/geometry.h"
@@ -60,16 +62,16 @@ class CGPath {
   }
 
   bool empty() const { return verbs_.empty(); }
-  const std::vector<PathVerb>& verbs() const { return verbs_; }
-  const std::vector<CGPoint>& points() const { return points_; }
+  std::span<const PathVerb> verbs() const { return verbs_; }
+  std::span<const CGPoint> points() const { return points_; }
   // Room for that many points and segments.
   void reserve(std::size_t points);
-  // Gives back what growing has left over; for paths that are kept.
-  void shrinkToFit();
+  // For a path that is kept: takes exactly what it needs from `memory`, which must outlive it, and gives back the rest.
+  void moveInto(std::pmr::memory_resource& memory);
 
  private:
-  std::vector<PathVerb> verbs_;
-  std::vector<CGPoint> points_;
+  std::pmr::vector<PathVerb> verbs_;
+  std::pmr::vector<CGPoint> points_;
 };
 
 }  // namespace quellaro

@@ -9,16 +9,21 @@
 #include <type_traits>
 #include <utility>
 
+#include "platform/foundation/large_memory.h"
+
 namespace quellaro {
 
 // Memory for many small things that come one after the other and go together: taking some costs next to nothing, and
 // it is given back at once. One thread at a time may take.
 class Arena {
  public:
-  // `expectedBytes` is asked for when the first thing comes.
-  explicit Arena(std::size_t expectedBytes) : memory_(expectedBytes) {}
+  // `expectedBytes` are asked for when the first thing comes.
+  explicit Arena(std::size_t expectedBytes) : memory_(expectedBytes, &blocks_), bulk_(expectedBytes, &blocks_) {}
 
   void* allocate(std::size_t bytes, std::size_t alignment) { return memory_.allocate(bytes, alignment); }
+
+  // For what is large and seldom looked at: apart from the small things, which so stay close together.
+  std::pmr::memory_resource& bulk() { return bulk_; }
 
   // A copy that lives as long as the arena.
   template <class Value>
@@ -35,7 +40,21 @@ class Arena {
   }
 
  private:
+  class Blocks : public std::pmr::memory_resource {
+    void* do_allocate(std::size_t bytes, std::size_t alignment) override {
+      void* const block = std::pmr::new_delete_resource()->allocate(bytes, alignment);
+      preferLargePages(block, bytes);
+      return block;
+    }
+    void do_deallocate(void* block, std::size_t bytes, std::size_t alignment) override {
+      std::pmr::new_delete_resource()->deallocate(block, bytes, alignment);
+    }
+    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override { return this == &other; }
+  };
+
+  Blocks blocks_;
   std::pmr::monotonic_buffer_resource memory_;
+  std::pmr::monotonic_buffer_resource bulk_;
 };
 
 // For std::allocate_shared. Each object made with it keeps its arena alive.

@@ -169,6 +169,20 @@ Result<JSONDocument> JSONDocument::parse(std::string bytes) {
   return JSONDocument(std::move(content));
 }
 
+std::optional<JSONStrings> JSONDocument::takeStrings() && {
+  dom::array array;
+  if (content_->root.get(array) != simdjson::SUCCESS) return std::nullopt;
+  JSONStrings taken;
+  for (const dom::element element : array) {
+    std::string_view text;
+    if (element.get(text) != simdjson::SUCCESS) return std::nullopt;
+    taken.strings.push_back(text);
+  }
+  taken.storage = std::shared_ptr<const std::uint8_t[]>(std::move(content_->document.string_buf));
+  content_.reset();
+  return taken;
+}
+
 JSONValue JSONDocument::root() const {
   JSONValue value;
   std::memcpy(value.handle_, &content_->root, sizeof content_->root);

@@ -45,6 +45,12 @@ class JSONValue {
   alignas(void*) std::byte handle_[2 * sizeof(void*)]{};
 };
 
+// The strings of an array, in order, for as long as `storage` or a copy of it is kept.
+struct JSONStrings {
+  std::shared_ptr<const void> storage;
+  std::vector<std::string_view> strings;
+};
+
 // A whole, valid JSON text: nothing of it is left unread, so nothing about it is found wrong later. A byte order mark
 // in front is skipped. Integers beyond 64 bits, more than 1024 levels and invalid UTF-8 make a text unreadable.
 class JSONDocument {
@@ -58,6 +64,9 @@ class JSONDocument {
   ~JSONDocument();
 
   JSONValue root() const;
+  // When the root is an array of nothing but strings: these, without a copy, and everything else of the document is
+  // given back.
+  std::optional<JSONStrings> takeStrings() &&;
 
  private:
   struct Content;

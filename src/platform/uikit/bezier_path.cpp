@@ -51,7 +51,6 @@ UIBezierPath UIBezierPath::bezierPathWithRect(CGRect rect) {
   path.addLineToPoint({x + width, y + height});
   path.addLineToPoint({x, y + height});
   path.closePath();
-  path.shrinkToFit();
   return path;
 }
 
@@ -68,7 +67,6 @@ UIBezierPath UIBezierPath::bezierPathWithOvalInRect(CGRect rect) {
   path.addCurveToPoint(at(0, -1), at(-1, -k), at(-k, -1));
   path.addCurveToPoint(at(1, 0), at(k, -1), at(1, -k));
   path.closePath();
-  path.shrinkToFit();
   return path;
 }
 

@@ -26,9 +26,10 @@ class UIBezierPath {
   void closePath() { path_.close(); }
 
   const CGPath& cgPath() const { return path_; }
-  // Room for that many points, and giving back what is left over: for outlines that are kept.
+  // Room for that many points.
   void reserve(std::size_t points) { path_.reserve(points); }
-  void shrinkToFit() { path_.shrinkToFit(); }
+  // As CGPath::moveInto.
+  void moveInto(std::pmr::memory_resource& memory) { path_.moveInto(memory); }
   std::size_t pointCount() const { return path_.points().size(); }
 
  private:
