@@ -93,7 +93,7 @@ TEST(Library, IsFoundAsTheDesktopStandardSays) {
     const char* xdg;
     const char* home;
     const char* identifier;
-    std::optional<std::string> library;
+    std::optional<std::string> expected;
   };
   const std::vector<Row> rows = {
       {data.c_str(), home.c_str(), "shop", data + "/shop"},
@@ -109,9 +109,9 @@ TEST(Library, IsFoundAsTheDesktopStandardSays) {
     const EnvironmentVariable xdg("XDG_DATA_HOME", row.xdg);
     const EnvironmentVariable homeVariable("HOME", row.home);
     setApplicationIdentifier(row.identifier);
-    EXPECT_EQ(NSSearchPathForLibraryDirectory(), row.library);
-    if (row.library) {
-      EXPECT_EQ(fs::status(*row.library).permissions(), fs::perms::owner_all);
+    EXPECT_EQ(NSSearchPathForLibraryDirectory(), row.expected);
+    if (row.expected) {
+      EXPECT_EQ(fs::status(*row.expected).permissions(), fs::perms::owner_all);
     }
   }
   setApplicationIdentifier("kept");

@@ -37,7 +37,7 @@ struct UsageFile {
 };
 
 struct Usage {
-  std::string library;
+  std::string directory;
   QLHalvoAnalyticsInfo settings;
   std::optional<std::string> distinctID;
   std::vector<UsageFile> files;
@@ -99,7 +99,7 @@ void printJSON(const Usage& usage) {
   JSONWriter writer;
   writer.beginObject()
       .key("library")
-      .string(usage.library)
+      .string(usage.directory)
       .key("enabled")
       .boolean(usage.settings.enabled.value_or(false));
   writeText(writer, "frequency", usage.settings.frequency);
@@ -141,7 +141,7 @@ void printRecord(const MixpanelAggregatedCueEvent& record) {
 
 void printReadably(const Usage& usage) {
   const QLHalvoAnalyticsInfo& settings = usage.settings;
-  std::printf("Usage stored in %s\n", usage.library.c_str());
+  std::printf("Usage stored in %s\n", usage.directory.c_str());
   std::printf("Counting is %s; reported %s to %s\n", settings.enabled.value_or(false) ? "on" : "off",
               settings.frequency == "M" ? "monthly" : "quarterly",
               settings.url.value_or("").empty() ? "nobody: there is no address" : shown(*settings.url).c_str());
