@@ -1,9 +1,7 @@
 // The smallest host without a loop of its own: prepares the built-in cue and plays it once.
-#include <cstdio>
+#include <QuellaroHalvo/QuellaroHalvo.h>
 
-#include "animation/halvo_view.h"
-#include "platform/dispatch/main_queue.h"
-#include "public/halvo_controller.h"
+#include <cstdio>
 
 using namespace quellaro;
 

@@ -1,5 +1,7 @@
 #include "animation/halvo_view.h"
 
+#include "animation/halvo_animation_view.h"
+
 namespace quellaro {
 
 std::shared_ptr<QLHalvoView> QLHalvoView::initWithFrame(CGRect frame) {

@@ -2,12 +2,13 @@
 
 #include <memory>
 
-#include "animation/halvo_animation_view.h"
 #include "platform/uikit/view.h"
 #include "types/export.h"
 #include "types/halvo_enums.h"
 
 namespace quellaro {
+
+class QLHalvoAnimationView;
 
 // The view that a host places on its screen and hands to the controller's play: a backdrop in one of two colours, and
 // above it the animation, square, centred and as large as fits. Main thread only.

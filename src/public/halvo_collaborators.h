@@ -8,7 +8,6 @@
 #include "media/haptics_manager_protocol.h"
 #include "platform/foundation/error.h"
 #include "types/controller_protocol.h"
-#include "types/export.h"
 
 namespace quellaro {
 
@@ -26,7 +25,7 @@ struct HalvoCollaborators {
   std::function<std::shared_ptr<AnalyticsManaging>()> makeAnalyticsManager;
 
   // The real ones.
-  QLHALVO_EXPORT static HalvoCollaborators standard();
+  static HalvoCollaborators standard();
 };
 
 }  // namespace quellaro

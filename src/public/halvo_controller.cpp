@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "assets/version_config.h"
+#include "public/halvo_collaborators.h"
+
 namespace quellaro {
 
 namespace {
@@ -16,23 +19,26 @@ Collaborator* madeOnFirstUse(std::shared_ptr<Collaborator>& kept,
 
 }  // namespace
 
+std::shared_ptr<QLHalvoController> QLHalvoController::make() { return make(HalvoCollaborators::standard()); }
+
 std::shared_ptr<QLHalvoController> QLHalvoController::make(HalvoCollaborators collaborators) {
   return std::shared_ptr<QLHalvoController>(new QLHalvoController(std::move(collaborators)));
 }
 
 QLHalvoController::QLHalvoController(HalvoCollaborators collaborators)
-    : collaborators_(std::move(collaborators)), mixpanelAnalyticsManager_(collaborators_.makeAnalyticsManager()) {}
+    : collaborators_(std::make_shared<const HalvoCollaborators>(std::move(collaborators))),
+      mixpanelAnalyticsManager_(collaborators_->makeAnalyticsManager()) {}
 
 QLHalvoControllerProtocol* QLHalvoController::animationController() {
-  return madeOnFirstUse(animationController_, collaborators_.makeAnimationController);
+  return madeOnFirstUse(animationController_, collaborators_->makeAnimationController);
 }
 
 QLHalvoSoundProtocol* QLHalvoController::audioController() {
-  return madeOnFirstUse(audioController_, collaborators_.makeAudioController);
+  return madeOnFirstUse(audioController_, collaborators_->makeAudioController);
 }
 
 UpgradeControlling* QLHalvoController::upgradeController() {
-  return madeOnFirstUse(upgradeController_, collaborators_.makeUpgradeController);
+  return madeOnFirstUse(upgradeController_, collaborators_->makeUpgradeController);
 }
 
 HapticsStatusWriter QLHalvoController::hapticsStatusWriter() {
@@ -41,7 +47,7 @@ HapticsStatusWriter QLHalvoController::hapticsStatusWriter() {
   };
 }
 
-void QLHalvoController::setVersionConfig(std::optional<QLHalvoVersionConfig> config) {
+void QLHalvoController::setVersionConfig(std::shared_ptr<const QLHalvoVersionConfig> config) {
   halvoVersionConfig_ = std::move(config);
   if (!mixpanelAnalyticsManager_) return;
   mixpanelAnalyticsManager_->config = halvoVersionConfig_ ? halvoVersionConfig_->analytics : std::nullopt;

@@ -5,9 +5,6 @@
 #include <optional>
 #include <string>
 
-#include "assets/sdk_config.h"
-#include "assets/version_config.h"
-#include "public/halvo_collaborators.h"
 #include "types/component_status.h"
 #include "types/export.h"
 #include "types/halvo_enums.h"
@@ -15,6 +12,17 @@
 #include "types/merchant.h"
 
 namespace quellaro {
+
+class AnalyticsManaging;
+class DispatchGroup;
+struct HalvoCollaborators;
+class HapticsManagerProtocol;
+class QLHalvoControllerProtocol;
+struct QLHalvoSDKConfig;
+class QLHalvoSoundProtocol;
+struct QLHalvoVersionConfig;
+class QLHalvoView;
+class UpgradeControlling;
 
 // Receives the answer of a prepare or a play; may be empty.
 using HalvoCompletion = std::function<void(QLHalvoStatus)>;
@@ -26,7 +34,9 @@ class QLHALVO_EXPORT QLHalvoController : public std::enable_shared_from_this<QLH
  public:
   using Status = ComponentStatus;
 
-  static std::shared_ptr<QLHalvoController> make(HalvoCollaborators collaborators = HalvoCollaborators::standard());
+  static std::shared_ptr<QLHalvoController> make();
+  // With others in the place of its players, its upgrades, its haptics and its analytics.
+  static std::shared_ptr<QLHalvoController> make(HalvoCollaborators collaborators);
 
   // prepareWith:halvoCue:halvoEnvironment:merchant:isHapticsEnabled:completion:
   // Loads the cue's configuration and assets, then answers 800, 901, 902, 903 or 909, once, on the main queue; a cue
@@ -70,11 +80,11 @@ class QLHALVO_EXPORT QLHalvoController : public std::enable_shared_from_this<QLH
   QLHalvoControllerProtocol* animationController();
   QLHalvoSoundProtocol* audioController();
   UpgradeControlling* upgradeController();
-  HapticsStatusWriter hapticsStatusWriter();
+  std::function<void(const Status&)> hapticsStatusWriter();
   // Every assignment also hands the entry's analytics settings, or none, to the analytics manager.
-  void setVersionConfig(std::optional<QLHalvoVersionConfig> config);
+  void setVersionConfig(std::shared_ptr<const QLHalvoVersionConfig> config);
 
-  HalvoCollaborators collaborators_;
+  std::shared_ptr<const HalvoCollaborators> collaborators_;
   std::shared_ptr<QLHalvoControllerProtocol> animationController_;
   std::shared_ptr<QLHalvoSoundProtocol> audioController_;
   std::shared_ptr<UpgradeControlling> upgradeController_;
@@ -89,7 +99,7 @@ class QLHALVO_EXPORT QLHalvoController : public std::enable_shared_from_this<QLH
   std::shared_ptr<const QLHalvoMerchant> merchant_;
   std::optional<QLHalvoEnvironment> halvoEnvironment_;
   std::optional<QLHalvoType> halvoType_;
-  std::optional<QLHalvoVersionConfig> halvoVersionConfig_;
+  std::shared_ptr<const QLHalvoVersionConfig> halvoVersionConfig_;
   // Cleared by the first retry, for the controller's life.
   bool retryOnPrepareFailure_ = true;
   // The chosen version configuration names the cue.

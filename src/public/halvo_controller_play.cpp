@@ -1,7 +1,10 @@
 #include <string>
 #include <utility>
 
+#include "assets/sdk_config.h"
+#include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
+#include "public/halvo_collaborators.h"
 #include "public/halvo_controller.h"
 
 namespace quellaro {
@@ -142,7 +145,7 @@ void QLHalvoController::finishPlay(const HalvoCompletion& completion) {
   if (outcome.code && completion) completion(*outcome.code);
 
   const HapticsAnalytics haptics{.isEnabled = isHapticsEnabled_.value_or(false),
-                                 .isSupported = collaborators_.supportsHaptics(),
+                                 .isSupported = collaborators_->supportsHaptics(),
                                  .hapticsStatus = hapticsStatus_};
   const QLHalvoSoundProtocol* sound = audioController();
   const float volume = sound != nullptr ? sound->volumeLevel() : 0.0F;

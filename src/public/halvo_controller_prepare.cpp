@@ -2,11 +2,15 @@
 #include <utility>
 
 #include "assets/file_manager.h"
+#include "assets/sdk_config.h"
 #include "assets/utility.h"
+#include "assets/version_config.h"
 #include "media/haptics_feedback_error.h"
+#include "platform/dispatch/main_queue.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
+#include "public/halvo_collaborators.h"
 #include "public/halvo_controller.h"
 #include "types/cue_name.h"
 
@@ -73,13 +77,15 @@ void QLHalvoController::runPrepareSequence(QLHalvoType type, HalvoCompletion com
 }
 
 bool QLHalvoController::loadVersionConfig() {
-  setVersionConfig(std::nullopt);
+  setVersionConfig(nullptr);
   std::optional<std::string> bytes = readVersionConfig();
   if (!bytes) return false;
   const auto entries = decodeVersionConfigs(std::move(*bytes));
   if (!entries) return false;
-  setVersionConfig(selectForSdkVersion(*entries, HalvoUtility::sdkVersion()));
-  return halvoVersionConfig_.has_value();
+  std::optional<QLHalvoVersionConfig> chosen = selectForSdkVersion(*entries, HalvoUtility::sdkVersion());
+  if (!chosen) return false;
+  setVersionConfig(std::make_shared<const QLHalvoVersionConfig>(std::move(*chosen)));
+  return true;
 }
 
 bool QLHalvoController::loadPlayConfig() {
@@ -114,7 +120,7 @@ void QLHalvoController::prepareHaptics(const std::shared_ptr<DispatchGroup>& gro
     return;
   }
   if (!hapticsManager_) {
-    auto made = collaborators_.makeHapticsManager();
+    auto made = collaborators_->makeHapticsManager();
     if (!made) {
       const bool isMissing = isHapticsFeedbackError(made.error(), HapticsFeedbackError::deviceDoesNotSupportHaptics);
       hapticsStatus_ = isMissing ? Status::withError(made.error()) : Status(Status::Error);

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "platform/foundation/error.h"
+#include "types/export.h"
 
 namespace quellaro {
 
@@ -41,13 +42,13 @@ enum class QLHalvoStatus : std::int64_t {
 inline constexpr std::string_view QLHalvoStatusDomain = "QuellaroHalvo.QLHalvoStatus";
 
 // Nothing for a raw value that names no case.
-std::optional<QLHalvoStatus> halvoStatusFromRawValue(std::int64_t rawValue);
+QLHALVO_EXPORT std::optional<QLHalvoStatus> halvoStatusFromRawValue(std::int64_t rawValue);
 // The case as it is spelled above.
-std::string_view nameOf(QLHalvoStatus status);
-NSError errorOf(QLHalvoStatus status);
+QLHALVO_EXPORT std::string_view nameOf(QLHalvoStatus status);
+QLHALVO_EXPORT NSError errorOf(QLHalvoStatus status);
 
-const std::error_category& halvoStatusCategory();
-std::error_code make_error_code(QLHalvoStatus status);
+QLHALVO_EXPORT const std::error_category& halvoStatusCategory();
+QLHALVO_EXPORT std::error_code make_error_code(QLHalvoStatus status);
 
 }  // namespace quellaro
 

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/foundation/json_decoder.h"
+#include "platform/foundation/json_writer.h"
 #include "platform/foundation/utf8.h"
 
 namespace quellaro {

@@ -6,11 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/json_decoder.h"
-#include "platform/foundation/json_writer.h"
 #include "types/export.h"
 
 namespace quellaro {
+
+class JSONField;
+class JSONWriter;
 
 // On whose behalf a cue is played. Shared and immutable; any thread.
 class QLHALVO_EXPORT QLHalvoMerchant {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "animation/halvo_animation_view.h"
 #include "animation/halvo_layer.h"
 #include "animation/halvo_swiftui_view.h"
 

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/foundation/json_decoder.h"
+#include "platform/foundation/json_writer.h"
 #include "types/component_status.h"
 #include "types/halvo_enums.h"
 #include "types/halvo_status.h"

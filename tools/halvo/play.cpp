@@ -9,6 +9,7 @@
 #include "options.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/file_manager.h"
+#include "platform/foundation/json_decoder.h"
 #include "public/halvo_controller.h"
 #include "stage.h"
 

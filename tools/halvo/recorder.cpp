@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "animation/halvo_animation_view.h"
 #include "png_writer.h"
 
 namespace halvo {

@@ -7,9 +7,9 @@
 #include "platform/coregraphics/coder.h"
 #include "platform/coregraphics/geometry.h"
 #include "platform/quartzcore/layer.h"
-#include "platform/uikit/color.h"
 #include "platform/uikit/layout_anchor.h"
 #include "platform/uikit/layout_constraint.h"
+#include "platform/uikit/ui_color.h"
 
 namespace quellaro {
 
@@ -18,7 +18,7 @@ struct Bitmap;
 
 // A rectangle of the screen with a layer that holds its picture, and views above it. A view is held by its superview
 // and by whoever shows it, always by a shared pointer. Main thread only.
-class UIView : public std::enable_shared_from_this<UIView> {
+class [[gnu::visibility("default")]] UIView : public std::enable_shared_from_this<UIView> {
  public:
   static std::shared_ptr<UIView> initWithFrame(CGRect frame);
   // Null when the archive holds no frame.
@@ -28,7 +28,7 @@ class UIView : public std::enable_shared_from_this<UIView> {
   virtual ~UIView() = default;
 
   // Writes what initWithCoder reads.
-  void encodeWithCoder(NSCoder& coder) const;
+  void encodeWithCoder(NSCoder & coder) const;
 
   // Where the view lies in its superview.
   CGRect frame() const;
@@ -78,7 +78,7 @@ class UIView : public std::enable_shared_from_this<UIView> {
   // Whether the picture has changed, or is about to be laid out anew, since it was last drawn.
   bool needsDisplay() const;
   // Lays out and draws the view and all above it over what the bitmap shows, one point of the view to a pixel.
-  void display(Compositor& compositor, Bitmap& bitmap);
+  void display(Compositor & compositor, Bitmap & bitmap);
 
  protected:
   // The kind of layer that a class of views has; a subclass hands its own to the constructor.

@@ -1,0 +1,33 @@
+# Lays the headers that hosts may include flat in one directory: the roots, whatever they include of this project, and
+# nothing else. Includes of the rooms' paths become includes of the neighbour.
+# Usage: cmake -D SOURCE=src -D DESTINATION=dir -D "ROOTS=public/a.h;types/b.h" -P public_headers.cmake
+cmake_minimum_required(VERSION 3.25)
+
+file(GLOB stale ${DESTINATION}/*.h)
+set(queue ${ROOTS})
+set(seen ${ROOTS})
+while(queue)
+  list(POP_FRONT queue header)
+  get_filename_component(name ${header} NAME)
+  if(DEFINED from_${name})
+    message(FATAL_ERROR "${header} and ${from_${name}} would be installed under one name; rename one of them")
+  endif()
+  set(from_${name} ${header})
+  file(READ ${SOURCE}/${header} text)
+  string(REGEX MATCHALL "#include \"[^\"]+\"" includes "${text}")
+  foreach(include IN LISTS includes)
+    string(REGEX REPLACE "#include \"(.+)\"" "\\1" included "${include}")
+    get_filename_component(neighbour ${included} NAME)
+    string(REPLACE "${include}" "#include \"${neighbour}\"" text "${text}")
+    if(NOT included IN_LIST seen)
+      list(APPEND seen ${included})
+      list(APPEND queue ${included})
+    endif()
+  endforeach()
+  # Untouched when nothing has changed, so that hosts are not compiled anew.
+  file(CONFIGURE OUTPUT ${DESTINATION}/${name} CONTENT "${text}" @ONLY)
+  list(REMOVE_ITEM stale ${DESTINATION}/${name})
+endwhile()
+if(stale)
+  file(REMOVE ${stale})
+endif()

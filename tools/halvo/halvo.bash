@@ -1,0 +1,27 @@
+# Completion of the command-line host. Commands and options are those that the tool itself tells.
+_halvo() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} tool=${COMP_WORDS[0]}
+  local command=${COMP_WORDS[1]}
+  COMPREPLY=()
+  if [ "$COMP_CWORD" -eq 1 ]; then
+    mapfile -t COMPREPLY < <(compgen -W "--help $("$tool" --help 2>/dev/null | sed -n 's/^  \([a-z]*\) .*/\1/p')" -- "$current")
+    return
+  fi
+  case $previous in
+    --type) mapfile -t COMPREPLY < <(compgen -W "animationAndSound soundOnly animationOnly" -- "$current") ;;
+    --environment) mapfile -t COMPREPLY < <(compgen -W "primary secondary" -- "$current") ;;
+    --background) mapfile -t COMPREPLY < <(compgen -W "black white" -- "$current") ;;
+    --bundle|--library|--record|--store) compopt -o dirnames ;;
+    --times|--volume|--app-id|--size|--number|--repeat|--cue|--version|--sdk-version) ;;
+    *)
+      if [[ $current == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$("$tool" "$command" --help 2>/dev/null | grep -o -- '^  .*' |
+          grep -oE -- '^  (-o, )?--?[a-z-]+' | tr -d ' ' | tr ',' '\n')" -- "$current")
+      elif [ "$command" = play ] && [ "$COMP_CWORD" -eq 2 ]; then
+        mapfile -t COMPREPLY < <(compgen -W "quellaro" -- "$current")
+      else
+        compopt -o default
+      fi ;;
+  esac
+}
+complete -F _halvo halvo
