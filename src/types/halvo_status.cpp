@@ -56,6 +56,11 @@ std::string_view nameOf(QLHalvoStatus status) {
   return row != nullptr ? row->name : "unknown";
 }
 
+std::string_view sentenceOf(QLHalvoStatus status) {
+  const Row* row = rowOf(static_cast<std::int64_t>(status));
+  return row != nullptr ? row->description : "Not a status of this library";
+}
+
 NSError errorOf(QLHalvoStatus status) {
   const auto code = static_cast<std::int64_t>(status);
   return {std::string(QLHalvoStatusDomain), code, halvoStatusCategory().message(static_cast<int>(code))};

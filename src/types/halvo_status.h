@@ -43,8 +43,10 @@ inline constexpr std::string_view QLHalvoStatusDomain = "QuellaroHalvo.QLHalvoSt
 
 // Nothing for a raw value that names no case.
 QLHALVO_EXPORT std::optional<QLHalvoStatus> halvoStatusFromRawValue(std::int64_t rawValue);
-// The case as it is spelled above.
+// The case as it is spelled above; "unknown" for a value that is none. Ended by a zero, as the sentence is.
 QLHALVO_EXPORT std::string_view nameOf(QLHalvoStatus status);
+// A sentence for a person.
+QLHALVO_EXPORT std::string_view sentenceOf(QLHalvoStatus status);
 QLHALVO_EXPORT NSError errorOf(QLHalvoStatus status);
 
 QLHALVO_EXPORT const std::error_category& halvoStatusCategory();

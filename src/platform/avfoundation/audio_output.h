@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "platform/avfoundation/sound_source.h"
 
@@ -41,6 +42,8 @@ class AudioOutput {
   virtual Result<std::unique_ptr<Playback>> start(std::shared_ptr<SoundSource> sound, PlaybackEndHandler onEnd) = 0;
   // 0.0 to 1.0; a muted output counts as 0.0, and so does one that nobody hears.
   virtual float volume() = 0;
+  // What it is and how it stands, in words, for whoever looks for a fault. May wait as long as volume() may.
+  virtual std::string description() { return "an output of the host's own"; }
 };
 
 }  // namespace quellaro

@@ -15,6 +15,7 @@ class FallbackOutput final : public AudioOutput {
   Result<std::unique_ptr<Playback>> start(std::shared_ptr<SoundSource> sound, PlaybackEndHandler onEnd) override;
   // Of the output that the last sound went to; before the first one, of the real one.
   float volume() override;
+  std::string description() override { return real_->description(); }
 
  private:
   std::shared_ptr<AudioOutput> real_;

@@ -103,6 +103,13 @@ bool PulseConnection::isUsable() {
   return PA_CONTEXT_IS_GOOD(pa_context_get_state(context_)) != 0;
 }
 
+std::string PulseConnection::address() {
+  const Lock lock(*this);
+  const char* server = pa_context_get_server(context_);
+  return std::string(server != nullptr ? server : "of unknown address") + ", protocol " +
+         std::to_string(pa_context_get_server_protocol_version(context_));
+}
+
 float PulseConnection::volume() {
   if (waitUntilReady()) return 0;
   const Lock lock(*this);

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "platform/foundation/error.h"
 
@@ -26,6 +27,8 @@ class PulseConnection {
   bool isUsable();
   // Of the default sink; 0.0 when it is muted, absent or does not answer in time.
   float volume();
+  // Where the server that accepted us is, with the version of its protocol.
+  std::string address();
 
   // Keeps the connection's thread out while it exists; what follows is to be used only under it, or on that thread.
   class Lock {

@@ -4,6 +4,7 @@
 
 #include "platform/avfoundation/pulse_connection.h"
 #include "platform/avfoundation/pulse_playback.h"
+#include "platform/foundation/numbers.h"
 
 namespace quellaro {
 
@@ -27,6 +28,14 @@ Result<std::unique_ptr<Playback>> PulseOutput::start(std::shared_ptr<SoundSource
   auto playback = std::make_unique<PulsePlayback>(std::move(server), std::move(sound), std::move(onEnd));
   if (const std::optional<NSError> error = playback->start()) return *error;
   return std::unique_ptr<Playback>(std::move(playback));
+}
+
+std::string PulseOutput::description() {
+  const std::shared_ptr<PulseConnection> server = connection();
+  if (!server) return "too few descriptors are left for a sound server";
+  if (const std::optional<NSError> error = server->waitUntilReady()) return error->localizedDescription;
+  return "sound server " + server->address() + ", libpulse " + pa_get_library_version() + ", volume " +
+         decimalDescription(server->volume());
 }
 
 float PulseOutput::volume() {

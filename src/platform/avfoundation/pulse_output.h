@@ -15,6 +15,7 @@ class PulseOutput final : public AudioOutput {
   std::shared_ptr<void> prepare() override;
   Result<std::unique_ptr<Playback>> start(std::shared_ptr<SoundSource> sound, PlaybackEndHandler onEnd) override;
   float volume() override;
+  std::string description() override;
 
  private:
   // Null when none can be made.

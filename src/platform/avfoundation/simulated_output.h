@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/avfoundation/audio_output.h"
+#include "platform/foundation/numbers.h"
 
 namespace quellaro {
 
@@ -13,6 +14,7 @@ class SimulatedOutput final : public AudioOutput {
   std::shared_ptr<void> prepare() override { return nullptr; }
   Result<std::unique_ptr<Playback>> start(std::shared_ptr<SoundSource> sound, PlaybackEndHandler onEnd) override;
   float volume() override { return volume_; }
+  std::string description() override { return "simulated, volume " + decimalDescription(volume_); }
   void setVolume(float volume) { volume_ = volume; }
 
  private:

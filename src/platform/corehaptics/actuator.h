@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "platform/corehaptics/haptic_curve.h"
 #include "platform/foundation/error.h"
@@ -23,6 +24,8 @@ class HapticActuator {
   virtual ~HapticActuator() = default;
   // Whether there is any; one that may not be used counts.
   virtual bool isPresent() = 0;
+  // What it is and how it stands, in words, for whoever looks for a fault.
+  virtual std::string description() { return "an actuator of the host's own"; }
   virtual Result<std::unique_ptr<ActuatorSession>> open() = 0;
 };
 

@@ -102,6 +102,16 @@ class EvdevSession final : public ActuatorSession {
 
 bool EvdevActuator::isPresent() { return !rumblingDevices(*devices_).empty(); }
 
+std::string EvdevActuator::description() {
+  std::string text;
+  for (const std::string& path : rumblingDevices(*devices_)) {
+    const int device = devices_->open(path);
+    if (device >= 0) devices_->close(device);
+    text += (text.empty() ? "" : "; ") + (device >= 0 ? path : deviceError(path, device).localizedDescription);
+  }
+  return text.empty() ? "no force-feedback device that rumbles" : text;
+}
+
 Result<std::unique_ptr<ActuatorSession>> EvdevActuator::open() {
   NSError problem = hapticError(CHHapticErrorCode::notSupported, "There is no haptic device");
   const std::vector<std::string> paths = rumblingDevices(*devices_);

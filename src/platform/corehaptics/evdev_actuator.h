@@ -16,6 +16,7 @@ class EvdevActuator final : public HapticActuator {
   explicit EvdevActuator(std::shared_ptr<InputDevices> devices) : devices_(std::move(devices)) {}
 
   bool isPresent() override;
+  std::string description() override;
   Result<std::unique_ptr<ActuatorSession>> open() override;
 
  private:

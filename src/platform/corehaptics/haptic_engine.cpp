@@ -37,6 +37,8 @@ std::size_t endOfStretch(const std::vector<HapticSample>& samples, std::size_t f
 
 CHHapticDeviceCapability CHHapticEngine::capabilitiesForHardware() { return {processActuator()->isPresent()}; }
 
+std::string CHHapticEngine::deviceDescription() { return processActuator()->description(); }
+
 void CHHapticEngine::setActuator(std::shared_ptr<HapticActuator> actuator) { processActuator() = std::move(actuator); }
 
 Result<std::shared_ptr<CHHapticEngine>> CHHapticEngine::initAndReturnError() {

@@ -31,6 +31,8 @@ using CHHapticFinishedHandler = std::function<CHHapticEngineFinishedAction(const
 class CHHapticEngine : public std::enable_shared_from_this<CHHapticEngine> {
  public:
   static CHHapticDeviceCapability capabilitiesForHardware();
+  // The process's actuator in words, for whoever looks for a fault.
+  static std::string deviceDescription();
   // The engine keeps the actuator that the process has now. It is idle until it is started.
   static Result<std::shared_ptr<CHHapticEngine>> initAndReturnError();
   // What everything in the process is felt by that begins from now on. Null restores the default: the kernel's

@@ -22,6 +22,7 @@ class SimulatedActuator final : public HapticActuator {
       : isPresent_(isPresent), felt_(std::make_shared<std::vector<Felt>>()) {}
 
   bool isPresent() override { return isPresent_; }
+  std::string description() override { return isPresent_ ? "simulated" : "simulated, absent"; }
   Result<std::unique_ptr<ActuatorSession>> open() override;
 
   // Of the session that was opened last, each stretch with what it begins with; the last one is silence.

@@ -22,4 +22,19 @@ struct Bitmap {
   friend bool operator==(const Bitmap&, const Bitmap&) = default;
 };
 
+// The same kind of pixels in somebody else's memory, which lives as long as they are drawn into.
+struct Surface {
+  std::uint32_t* pixels;
+  int width;
+  int height;
+  // Pixels from one row to the next.
+  std::size_t stride;
+
+  Surface(std::uint32_t* p, int w, int h, std::size_t s) : pixels(p), width(w), height(h), stride(s) {}
+  Surface(Bitmap& bitmap)
+      : Surface(bitmap.pixels.data(), bitmap.width, bitmap.height, static_cast<std::size_t>(bitmap.width)) {}
+
+  std::uint32_t* row(int y) const { return pixels + static_cast<std::size_t>(y) * stride; }
+};
+
 }  // namespace quellaro

@@ -40,19 +40,19 @@ struct Compositor::Implementation {
   Painter painter;
   std::vector<Open> open;  // the layers between the root and the one being drawn
 
-  void enter(const CALayer& layer, const Affine& parent, Bitmap& bitmap) {
+  void enter(const CALayer& layer, const Affine& parent, const Surface& surface) {
     const Affine transform = concat(toParent(layer), parent);
     if (!isUsable(transform)) return;
-    if (const auto& color = layer.backgroundColor()) drawBackground(layer.bounds(), transform, *color, bitmap);
+    if (const auto& color = layer.backgroundColor()) drawBackground(layer.bounds(), transform, *color, surface);
     if (const auto* shape = dynamic_cast<const CAShapeLayer*>(&layer); shape != nullptr && shape->path() != nullptr) {
-      if (const auto& color = shape->fillColor()) painter.fill(bitmap, *shape->path(), transform, *color);
+      if (const auto& color = shape->fillColor()) painter.fill(surface, *shape->path(), transform, *color);
       if (const auto& color = shape->strokeColor())
-        painter.stroke(bitmap, *shape->path(), transform, shape->lineWidth(), *color);
+        painter.stroke(surface, *shape->path(), transform, shape->lineWidth(), *color);
     }
     if (!layer.sublayers().empty()) open.push_back({&layer, transform});
   }
 
-  void drawBackground(const CGRect& bounds, const Affine& transform, const CGColor& color, Bitmap& bitmap) {
+  void drawBackground(const CGRect& bounds, const Affine& transform, const CGColor& color, const Surface& surface) {
     const double right = bounds.origin.x + bounds.size.width;
     const double bottom = bounds.origin.y + bounds.size.height;
     CGPath outline;
@@ -60,7 +60,7 @@ struct Compositor::Implementation {
     outline.lineTo({right, bounds.origin.y});
     outline.lineTo({right, bottom});
     outline.lineTo({bounds.origin.x, bottom});
-    painter.fill(bitmap, outline, transform, color);
+    painter.fill(surface, outline, transform, color);
   }
 };
 
@@ -69,10 +69,10 @@ Compositor::Compositor(Compositor&&) noexcept = default;
 Compositor& Compositor::operator=(Compositor&&) noexcept = default;
 Compositor::~Compositor() = default;
 
-void Compositor::draw(const CALayer& root, Bitmap& bitmap) {
+void Compositor::draw(const CALayer& root, const Surface& surface) {
   std::vector<Open>& open = implementation_->open;
   open.clear();
-  implementation_->enter(root, Affine{}, bitmap);
+  implementation_->enter(root, Affine{}, surface);
   while (!open.empty()) {
     Open& top = open.back();
     if (top.nextSublayer == top.layer->sublayers().size()) {
@@ -81,7 +81,7 @@ void Compositor::draw(const CALayer& root, Bitmap& bitmap) {
     }
     const CALayer& next = *top.layer->sublayers()[top.nextSublayer++];
     const Affine transform = top.transform;
-    implementation_->enter(next, transform, bitmap);
+    implementation_->enter(next, transform, surface);
   }
 }
 

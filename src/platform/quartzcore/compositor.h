@@ -16,11 +16,11 @@ class [[gnu::visibility("default")]] Compositor {
   Compositor& operator=(Compositor&&) noexcept;
   ~Compositor();
 
-  // Draws the tree over what the bitmap shows. The root's parent, in whose coordinates it has its position, is the
-  // bitmap with its origin at the top left. Every layer draws its background colour over its bounds, then its outline,
+  // Draws the tree over what the surface shows. The root's parent, in whose coordinates it has its position, is the
+  // surface with its origin at the top left. Every layer draws its background colour over its bounds, then its outline,
   // then its sublayers; nothing is clipped to bounds. Of transforms, what they do within the plane counts. An outline
   // with a coordinate that is not a number is not drawn, nor is anything below a transform with such an entry.
-  void draw(const CALayer& root, Bitmap& bitmap);
+  void draw(const CALayer& root, const Surface& surface);
 
  private:
   struct Implementation;

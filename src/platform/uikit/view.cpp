@@ -136,14 +136,18 @@ void UIView::layoutSubviews() {
     if (const auto solved = std::exchange(subview->solvedFrame_, std::nullopt)) subview->setFrame(*solved);
 }
 
-void UIView::setNeedsDisplay() { topmost().needsDisplay_ = true; }
+void UIView::setNeedsDisplay() {
+  UIView& top = topmost();
+  const bool isNews = !std::exchange(top.needsDisplay_, true);
+  if (isNews && top.needsDisplayHandler_) top.needsDisplayHandler_();
+}
 
 bool UIView::needsDisplay() const { return needsDisplay_ || subtreeNeedsLayout(); }
 
-void UIView::display(Compositor& compositor, Bitmap& bitmap) {
+void UIView::display(Compositor& compositor, const Surface& surface) {
   layoutIfNeeded();
   needsDisplay_ = false;
-  compositor.draw(*layer_, bitmap);
+  compositor.draw(*layer_, surface);
 }
 
 }  // namespace quellaro

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/coregraphics/coder.h"
@@ -14,7 +16,7 @@
 namespace quellaro {
 
 class Compositor;
-struct Bitmap;
+struct Surface;
 
 // A rectangle of the screen with a layer that holds its picture, and views above it. A view is held by its superview
 // and by whoever shows it, always by a shared pointer. Main thread only.
@@ -77,8 +79,11 @@ class [[gnu::visibility("default")]] UIView : public std::enable_shared_from_thi
   void setNeedsDisplay();
   // Whether the picture has changed, or is about to be laid out anew, since it was last drawn.
   bool needsDisplay() const;
-  // Lays out and draws the view and all above it over what the bitmap shows, one point of the view to a pixel.
-  void display(Compositor & compositor, Bitmap & bitmap);
+  // Called when needsDisplay() becomes true of a topmost view, from inside whatever changed the picture: it can only
+  // take a note for later. A view that needs display already waits until it has been drawn. May be empty.
+  void setNeedsDisplayHandler(std::function<void()> handler) { needsDisplayHandler_ = std::move(handler); }
+  // Lays out and draws the view and all above it over what the surface shows, one point of the view to a pixel.
+  void display(Compositor & compositor, const Surface& surface);
 
  protected:
   // The kind of layer that a class of views has; a subclass hands its own to the constructor.
@@ -105,6 +110,7 @@ class [[gnu::visibility("default")]] UIView : public std::enable_shared_from_thi
   bool translatesAutoresizingMaskIntoConstraints_ = true;
   bool needsLayout_ = true;
   bool needsDisplay_ = true;
+  std::function<void()> needsDisplayHandler_;
 };
 
 }  // namespace quellaro

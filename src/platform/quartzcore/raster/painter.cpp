@@ -16,15 +16,15 @@ namespace {
 constexpr std::size_t kBandPixels = std::size_t{1} << 22;
 
 // Blocks of cells stand on the same pixels for every shape.
-PixelRect pixelsAround(const Box& box, const Bitmap& bitmap) {
+PixelRect pixelsAround(const Box& box, const Surface& surface) {
   const auto within = [](double value, int end) {
     return static_cast<int>(std::min<double>(end, std::max(0.0, value)));
   };
-  PixelRect rect{within(std::floor(box.minX), bitmap.width), within(std::floor(box.minY), bitmap.height),
-                 within(std::ceil(box.maxX), bitmap.width), within(std::ceil(box.maxY), bitmap.height)};
+  PixelRect rect{within(std::floor(box.minX), surface.width), within(std::floor(box.minY), surface.height),
+                 within(std::ceil(box.maxX), surface.width), within(std::ceil(box.maxY), surface.height)};
   constexpr int kBlock = kBlockPixels;
   rect.left -= rect.left % kBlock;
-  rect.right = std::min(bitmap.width, (rect.right + kBlock - 1) / kBlock * kBlock);
+  rect.right = std::min(surface.width, (rect.right + kBlock - 1) / kBlock * kBlock);
   return rect;
 }
 
@@ -56,9 +56,9 @@ Box visibleBox(const Affine& transform, const PixelRect& area) {
 }  // namespace
 
 template <class AddEdges>
-void Painter::paint(Bitmap& bitmap, const Box& box, const CGColor& color, const AddEdges& addEdges) {
+void Painter::paint(const Surface& surface, const Box& box, const CGColor& color, const AddEdges& addEdges) {
   const Paint paint = paintOf(color);
-  PixelRect band = pixelsAround(box, bitmap);
+  PixelRect band = pixelsAround(box, surface);
   if (paint.alpha() == 0 || band.empty()) return;
   const int bottom = band.bottom;
   const int rows = std::max(1, static_cast<int>(kBandPixels / static_cast<std::size_t>(band.width())));
@@ -66,15 +66,15 @@ void Painter::paint(Bitmap& bitmap, const Box& box, const CGColor& color, const 
     band.bottom = std::min(bottom, band.top + rows);
     rasterizer_.begin(band);
     addEdges(band);
-    rasterizer_.sweep(bitmap, paint, *spans_);
+    rasterizer_.sweep(surface, paint, *spans_);
   }
 }
 
-void Painter::fill(Bitmap& bitmap, const CGPath& path, const Affine& transform, const CGColor& color) {
+void Painter::fill(const Surface& surface, const CGPath& path, const Affine& transform, const CGColor& color) {
   const std::optional<Box> box = pointBox(path);
   if (!box) return;
   const Box mapped = map(transform, *box);
-  paint(bitmap, mapped, color, [&](const PixelRect& area) {
+  paint(surface, mapped, color, [&](const PixelRect& area) {
     const auto addEdges = [&](auto sink) {
       walkOutline(path, toArea(transform, area), sink);
       sink.close();
@@ -88,12 +88,12 @@ void Painter::fill(Bitmap& bitmap, const CGPath& path, const Affine& transform, 
   });
 }
 
-void Painter::stroke(Bitmap& bitmap, const CGPath& path, const Affine& transform, double lineWidth,
+void Painter::stroke(const Surface& surface, const CGPath& path, const Affine& transform, double lineWidth,
                      const CGColor& color) {
   const std::optional<Box> box = pointBox(path);
   if (!box || !(lineWidth > 0)) return;
   const double width = std::min(lineWidth, kFarAway);
-  paint(bitmap, map(transform, box->grown(StrokeSink::reach(width))), color, [&](const PixelRect& area) {
+  paint(surface, map(transform, box->grown(StrokeSink::reach(width))), color, [&](const PixelRect& area) {
     StrokeSink sink(rasterizer_, toArea(transform, area), width, visibleBox(transform, area));
     walkOutline(path, Affine{}, sink);
     sink.finish();

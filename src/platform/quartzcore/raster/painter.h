@@ -6,18 +6,19 @@
 
 namespace quellaro {
 
-// Draws outlines into a bitmap. Keeps its buffers between calls.
+// Draws outlines into a surface. Keeps its buffers between calls.
 class Painter {
  public:
   explicit Painter(const SpanFunctions& spans = fastestSpans()) : spans_(&spans) {}
 
-  void fill(Bitmap& bitmap, const CGPath& path, const Affine& transform, const CGColor& color);
+  void fill(const Surface& surface, const CGPath& path, const Affine& transform, const CGColor& color);
   // Nothing for a line width that is not positive.
-  void stroke(Bitmap& bitmap, const CGPath& path, const Affine& transform, double lineWidth, const CGColor& color);
+  void stroke(const Surface& surface, const CGPath& path, const Affine& transform, double lineWidth,
+              const CGColor& color);
 
  private:
   template <class AddEdges>
-  void paint(Bitmap& bitmap, const Box& box, const CGColor& color, const AddEdges& addEdges);
+  void paint(const Surface& surface, const Box& box, const CGColor& color, const AddEdges& addEdges);
 
   const SpanFunctions* spans_;
   Rasterizer rasterizer_;

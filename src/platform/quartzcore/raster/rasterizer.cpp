@@ -140,13 +140,13 @@ inline void Rasterizer::addWithinRow(const Row& row, int x0, int x1, int cover, 
   addCell(row.cells + column, cover - done, x1 & kFraction);
 }
 
-void Rasterizer::sweep(Bitmap& bitmap, const Paint& paint, const SpanFunctions& spans) {
+void Rasterizer::sweep(const Surface& surface, const Paint& paint, const SpanFunctions& spans) {
   const auto width = static_cast<std::size_t>(area_.width());
   std::int32_t left = 0;
   Row row = rowAt(0);
   for (int y = 0; y < area_.height(); ++y, advance(row)) {
     left += std::exchange(leftCover_[static_cast<std::size_t>(y)], 0);
-    spans.sweepRow({bitmap.row(area_.top + y) + area_.left, width, row.cells, stride_ / kBlockPixels, row.touched},
+    spans.sweepRow({surface.row(area_.top + y) + area_.left, width, row.cells, stride_ / kBlockPixels, row.touched},
                    paint, static_cast<std::uint32_t>(left) * kFullCover);
   }
   leftCover_[static_cast<std::size_t>(area_.height())] = 0;

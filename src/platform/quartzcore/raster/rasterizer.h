@@ -38,7 +38,7 @@ class Rasterizer {
   void clippedEdge(CGPoint from, CGPoint to);
 
   // Draws what the edges enclose, and forgets them.
-  void sweep(Bitmap& bitmap, const Paint& paint, const SpanFunctions& spans);
+  void sweep(const Surface& surface, const Paint& paint, const SpanFunctions& spans);
 
  private:
   struct Row {
