@@ -23,6 +23,10 @@ configure_file(cmake/quellaro-halvo.pc.in ${CMAKE_BINARY_DIR}/quellaro-halvo.pc 
 install(FILES ${CMAKE_BINARY_DIR}/quellaro-halvo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 install(TARGETS halvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
-install(FILES tools/halvo/halvo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+find_program(GZIP gzip REQUIRED)
+add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/halvo.1.gz DEPENDS ${PROJECT_SOURCE_DIR}/tools/halvo/halvo.1 VERBATIM
+  COMMAND ${GZIP} -9nc ${PROJECT_SOURCE_DIR}/tools/halvo/halvo.1 > ${CMAKE_BINARY_DIR}/halvo.1.gz)
+add_custom_target(halvo_manual ALL DEPENDS ${CMAKE_BINARY_DIR}/halvo.1.gz)
+install(FILES ${CMAKE_BINARY_DIR}/halvo.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
 install(FILES tools/halvo/halvo.bash RENAME halvo COMPONENT tool
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)

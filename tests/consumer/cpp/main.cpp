@@ -1,0 +1,78 @@
+// A host that has nothing but an installed tree. Plays the built-in cue on simulated devices and reports what went
+// wrong.
+#include <QuellaroHalvo/QuellaroHalvo.h>
+#include <QuellaroHalvo/quellaro_halvo.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <system_error>
+
+using namespace quellaro;
+
+namespace {
+
+int failures = 0;
+
+void expect(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "not so: %s\n", what);
+  ++failures;
+}
+
+// Draws the view whenever the main queue has done its work; counts pictures that show more than the backdrop.
+struct Screen {
+  std::shared_ptr<QLHalvoView> view = QLHalvoView::initWithFrame({{0, 0}, {120, 80}});
+  Compositor compositor;
+  Bitmap bitmap{120, 80};
+  int picturesWithMark = 0;
+
+  void refresh() {
+    if (!view->needsDisplay()) return;
+    view->display(compositor, bitmap);
+    const auto isMark = [this](std::uint32_t pixel) { return pixel != bitmap.pixels.front(); };
+    if (std::any_of(bitmap.pixels.begin(), bitmap.pixels.end(), isMark)) ++picturesWithMark;
+  }
+};
+
+}  // namespace
+
+int main() {
+  setLibraryDirectory("library");
+  quellaro_halvo_use_simulated_devices(1.0, true);
+  std::string said;
+  setConsoleSink([&](std::string_view text) { said += text; });
+  int soundsEnded = 0;
+  NSNotificationCenter::defaultCenter().addObserver(QLAudioSessionDeactivated,
+                                                    [&](const std::string&) { ++soundsEnded; });
+
+  Screen screen;
+  MainQueue& queue = MainQueue::shared();
+  queue.setIdleHandler([&] { screen.refresh(); });
+  QLHalvoSwiftUIView(screen.view, QLHalvoBackground::white);
+  const auto controller = QLHalvoController::make();
+  const auto merchant = QLHalvoMerchant::make("Corner Shop", "US", std::nullopt, {"5411"}, std::nullopt);
+  expect(merchant->description() == "cornershop-Corner Shop-[\"5411\"]", "the merchant describes itself");
+  expect(std::error_code(QLHalvoStatus::notPrepared).category().name() == QLHalvoStatusDomain, "a status is an error");
+
+  QLHalvoStatus answer{};
+  const auto end = [&](QLHalvoStatus status) {
+    answer = status;
+    queue.stop();
+  };
+  controller->prepare(QLHalvoType::animationAndSound, "Quellaro", QLHalvoEnvironment::primary, merchant, false,
+                      [&](QLHalvoStatus prepared) {
+                        if (prepared != QLHalvoStatus::success) return end(prepared);
+                        controller->play(screen.view, end);
+                      });
+  queue.run();
+  std::printf("%s\n", std::string(nameOf(answer)).c_str());
+  expect(answer == QLHalvoStatus::success, "the cue plays");
+  expect(controller->preparedHalvoCue() == "quellaro", "the name is normalised");
+  expect(screen.picturesWithMark > 10, "the mark is seen");
+  expect(said.find("===> ") != std::string::npos, "the console lines come here");
+  // Posted from the queue after the play's answer.
+  queue.setIdleHandler({});
+  queue.run(true);
+  expect(soundsEnded == 1, "the end of the sound is told");
+  return failures == 0 ? 0 : 1;
+}
