@@ -1,0 +1,271 @@
+#include <QuellaroHalvo/quellaro_halvo.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/temporary_directory.h"
+
+namespace {
+
+// A cue of three frames, 60 ms in all, whose sound takes 0.3 s, and simulated devices: once for the process.
+class Bundle : public testing::Environment {
+ public:
+  void SetUp() override {
+    const auto write = [this](const char* name, const std::string& text) {
+      quellaro::writeFile(directory_ / "bundle" / name, text);
+    };
+    write("Info.json", R"({"CFBundleShortVersionString": "2.0.0"})");
+    write("version_config.json",
+          R"([{"sdk_versions": ["2.0.0"], "cues": {"quellaro": {"version": "1", "filepath": "q"}},
+      "analytics": {"enable": false, "frequency": "M", "url": ""}}])");
+    write("play_config.json", R"({"totalFrames": 3, "soundFileName": "audio.mp3", "soundDelayInMillis": 0,
+      "animationDelayInMillis": 0, "frameTime": {"Frame_1": 20, "Frame_2": 20, "Frame_3": 20}, "viewBox": "0 0 8 8",
+      "isHapticsSupported": false})");
+    std::string frames;
+    for (const char* colour : {"#ff0000", "#00ff00", "#0000ff"})
+      frames += std::string(frames.empty() ? "[" : ",") +
+                R"("<svg width='8' height='8'><rect x='0' y='0' width='8' height='8' fill=')" + colour +
+                R"('/></svg>")";
+    write("animation.json", frames + "]");
+    write("audio.mp3", quellaro::readFile(QUELLARO_TEST_SOUND));
+    ASSERT_EQ(quellaro_halvo_set_bundle_directory((directory_ / "bundle").c_str()), quellaro_halvo_result_ok);
+    ASSERT_EQ(quellaro_halvo_set_library_directory((directory_ / "library").c_str()), quellaro_halvo_result_ok);
+    ASSERT_EQ(quellaro_halvo_use_simulated_devices(0.5, true), quellaro_halvo_result_ok);
+  }
+
+ private:
+  quellaro::TemporaryDirectory directory_;
+};
+[[maybe_unused]] const auto* const bundle = testing::AddGlobalTestEnvironment(new Bundle);
+
+class Host : public testing::Test {
+ protected:
+  using Handler = std::function<void()>;
+
+  Host() { quellaro_halvo_set_console_sink(collect, &console_); }
+  ~Host() override {
+    release();
+    quellaro_halvo_set_console_sink(nullptr, nullptr);
+  }
+
+  void release() {
+    quellaro_halvo_controller_release(std::exchange(controller_, nullptr));
+    quellaro_halvo_view_release(std::exchange(view_, nullptr));
+    quellaro_halvo_merchant_release(std::exchange(merchant_, nullptr));
+  }
+
+  static void collect(const char* text, void* console) { *static_cast<std::string*>(console) += text; }
+  static void answered(quellaro_halvo_status status, void* context) {
+    auto* host = static_cast<Host*>(context);
+    host->answers_.push_back(status);
+    if (host->onAnswer_) host->onAnswer_();
+  }
+  static void changed(quellaro_halvo_view* view, void* context) {
+    auto* host = static_cast<Host*>(context);
+    ++host->changes_;
+    if (host->drawsChanges_) quellaro_halvo_view_draw(view, host->pixels_.data(), 8, 8, kStride);
+  }
+
+  quellaro_halvo_result prepare(quellaro_halvo_type type = quellaro_halvo_type_animation_only) {
+    return quellaro_halvo_controller_prepare(controller_, type, "Quel-laro", quellaro_halvo_environment_primary,
+                                             merchant_, false, answered, this);
+  }
+  quellaro_halvo_result play() { return quellaro_halvo_controller_play(controller_, view_, answered, this); }
+
+  // A host's own loop, on the three calls of the seam.
+  static void pump() {
+    int left = quellaro_halvo_loop_milliseconds_until_next_deadline();
+    pollfd work{quellaro_halvo_loop_descriptor(), POLLIN, 0};
+    while (left >= 0 || poll(&work, 1, 0) == 1) {
+      poll(&work, 1, left);
+      quellaro_halvo_loop_drain();
+      left = quellaro_halvo_loop_milliseconds_until_next_deadline();
+    }
+  }
+
+  static constexpr std::size_t kStride = 12 * sizeof(std::uint32_t);
+  std::string console_;
+  const char* codes_[1] = {"5411"};
+  quellaro_halvo_controller* controller_ = quellaro_halvo_controller_create();
+  quellaro_halvo_view* view_ = quellaro_halvo_view_create_with_frame({0, 0, 8, 8});
+  quellaro_halvo_merchant* merchant_ = quellaro_halvo_merchant_create("Shop", "US", nullptr, codes_, 1, nullptr);
+  std::vector<quellaro_halvo_status> answers_;
+  Handler onAnswer_;
+  std::vector<std::uint32_t> pixels_ = std::vector<std::uint32_t>(std::size_t{12} * 8, 7U);
+  int changes_ = 0;
+  bool drawsChanges_ = false;
+};
+
+using Answers = std::vector<quellaro_halvo_status>;
+
+TEST_F(Host, PreparesAndPlaysInALoopOfItsOwn) {
+  EXPECT_EQ(play(), quellaro_halvo_result_ok);
+  EXPECT_EQ(answers_, (Answers{908})) << "at once";
+  EXPECT_EQ(prepare(), quellaro_halvo_result_ok);
+  EXPECT_EQ(answers_.size(), 1U) << "not before the loop runs";
+  pump();
+  EXPECT_STREQ(quellaro_halvo_controller_prepared_halvo_cue(controller_), "quellaro");
+  prepare();
+  EXPECT_EQ(answers_, (Answers{908, 800, 800})) << "a prepared cue is answered at once";
+  answers_.clear();
+  play();
+  play();
+  EXPECT_TRUE(quellaro_halvo_controller_is_playing(controller_));
+  EXPECT_EQ(answers_, (Answers{904})) << "at once";
+  pump();
+  EXPECT_EQ(answers_, (Answers{904, 800}));
+  EXPECT_FALSE(quellaro_halvo_controller_is_playing(controller_));
+  EXPECT_EQ(console_.find("===> 0.0 Animation started at "), 0U);
+  EXPECT_NE(console_.find("===> 0.06 Animation ended at "), std::string::npos);
+  quellaro_halvo_controller_play(controller_, nullptr, answered, this);
+  pump();
+  EXPECT_EQ(answers_.back(), 905) << "an animation without a view";
+  quellaro_halvo_controller_play(controller_, view_, nullptr, nullptr);
+  pump();
+  EXPECT_EQ(answers_.size(), 3U);
+}
+
+TEST_F(Host, ReleasesEverythingInFlightAndIsAnsweredOnce) {
+  prepare();
+  release();
+  pump();
+  EXPECT_EQ(answers_, (Answers{800})) << "a prepare";
+
+  controller_ = quellaro_halvo_controller_create();
+  view_ = quellaro_halvo_view_create_with_frame({0, 0, 8, 8});
+  merchant_ = quellaro_halvo_merchant_create("Shop", "US", nullptr, codes_, 1, nullptr);
+  quellaro_halvo_view_set_needs_display_handler(view_, changed, this);
+  prepare();
+  pump();
+  changes_ = 0;
+  play();
+  release();
+  pump();
+  EXPECT_EQ(answers_, (Answers{800, 800, 800})) << "a play";
+  EXPECT_EQ(changes_, 0) << "a view that is gone";
+}
+
+TEST_F(Host, ReleasesInsideACompletion) {
+  for (const bool atOnce : {false, true}) {
+    onAnswer_ = nullptr;
+    if (atOnce) controller_ = quellaro_halvo_controller_create();
+    if (atOnce) merchant_ = quellaro_halvo_merchant_create("Shop", "US", nullptr, codes_, 1, nullptr);
+    if (atOnce) prepare();
+    pump();
+    onAnswer_ = [this] { release(); };
+    prepare();
+    pump();
+    EXPECT_EQ(controller_, nullptr);
+  }
+  EXPECT_EQ(answers_, (Answers{800, 800, 800}));
+}
+
+void throwing(quellaro_halvo_status, void* calls) {
+  ++*static_cast<int*>(calls);
+  throw std::runtime_error("a host's trouble");
+}
+
+TEST_F(Host, ThrowsFromItsCallbacksAndNothingBreaks) {
+  int calls = 0;
+  quellaro_halvo_view_set_needs_display_handler(
+      view_, [](quellaro_halvo_view*, void* counter) { throwing(0, counter); }, &calls);
+  quellaro_halvo_set_console_sink([](const char*, void* counter) { throwing(0, counter); }, &calls);
+  quellaro_halvo_controller_prepare(controller_, 2, "quellaro", 0, merchant_, false, throwing, &calls);
+  pump();
+  EXPECT_EQ(calls, 2) << "the answer, and the view that needs display";
+  quellaro_halvo_view_set_needs_display_handler(view_, nullptr, nullptr);
+  quellaro_halvo_controller_play(controller_, view_, throwing, &calls);
+  pump();
+  EXPECT_EQ(calls, 2 + 3) << "the answer, and two lines";
+  EXPECT_FALSE(quellaro_halvo_controller_is_playing(controller_));
+}
+
+TEST_F(Host, IsToldOnceThatTheViewNeedsDisplayUntilItHasDrawn) {
+  quellaro_halvo_view_set_needs_display_handler(view_, changed, this);
+  EXPECT_EQ(changes_, 0) << "only from the loop";
+  pump();
+  quellaro_halvo_view_set_background(view_, quellaro_halvo_background_white);
+  quellaro_halvo_view_set_size(view_, 4, 8);
+  pump();
+  EXPECT_EQ(changes_, 1);
+  EXPECT_TRUE(quellaro_halvo_view_needs_display(view_));
+
+  ASSERT_EQ(quellaro_halvo_view_draw(view_, pixels_.data(), 8, 8, kStride), quellaro_halvo_result_ok);
+  EXPECT_FALSE(quellaro_halvo_view_needs_display(view_));
+  // The view is 4 wide, the picture 8, a row 12.
+  for (std::size_t i = 0; i < pixels_.size(); ++i) EXPECT_EQ(pixels_[i], i % 12 < 4 ? 0xffffffffU : 7U) << i;
+
+  quellaro_halvo_view_set_size(view_, 8, 8);
+  quellaro_halvo_view_draw(view_, pixels_.data(), 8, 8, kStride);
+  pump();
+  EXPECT_EQ(changes_, 1) << "drawn before it could be told";
+
+  prepare();
+  pump();
+  drawsChanges_ = true;
+  play();
+  pump();
+  EXPECT_EQ(changes_, 1 + 3) << "one for each frame";
+  EXPECT_EQ(pixels_[0], 0xff0000ffU) << "the last frame stays";
+}
+
+TEST_F(Host, MakesAViewOfAnArchive) {
+  quellaro_halvo_coder* coder = quellaro_halvo_coder_create();
+  quellaro_halvo_view_set_frame(view_, {1, 2, 30, 20});
+  EXPECT_EQ(quellaro_halvo_view_encode(view_, coder), quellaro_halvo_result_ok);
+  quellaro_halvo_view* copy = quellaro_halvo_view_create_with_coder(coder);
+  const quellaro_halvo_rectangle frame = quellaro_halvo_view_frame(copy);
+  EXPECT_EQ((std::vector{frame.x, frame.y, frame.width, frame.height}), (std::vector<double>{1, 2, 30, 20}));
+  quellaro_halvo_view_release(copy);
+  quellaro_halvo_coder_release(coder);
+}
+
+struct Observed {
+  std::vector<std::string> names;
+  std::uint64_t own = 0;
+  std::uint64_t other = 0;
+};
+
+TEST_F(Host, ObservesTheEndOfASoundUntilItStops) {
+  Observed observed;
+  const auto stopBoth = [](const char* name, void* context) {
+    auto& all = *static_cast<Observed*>(context);
+    all.names.emplace_back(name);
+    quellaro_halvo_stop_observing_audio_session_deactivated(all.own);
+    quellaro_halvo_stop_observing_audio_session_deactivated(all.other);
+  };
+  observed.own = quellaro_halvo_observe_audio_session_deactivated(stopBoth, &observed);
+  observed.other = quellaro_halvo_observe_audio_session_deactivated(stopBoth, &observed);
+  EXPECT_NE(observed.own, 0U);
+  EXPECT_NE(observed.own, observed.other);
+  prepare(quellaro_halvo_type_sound_only);
+  pump();
+  for (int i = 0; i < 2; ++i) {
+    play();
+    EXPECT_EQ(quellaro_halvo_loop_run_until_idle(), quellaro_halvo_result_ok);
+  }
+  EXPECT_EQ(answers_, (Answers{800, 800, 800}));
+  EXPECT_EQ(observed.names, std::vector<std::string>{QUELLARO_HALVO_AUDIO_SESSION_DEACTIVATED});
+}
+
+TEST_F(Host, RunsTheLoopUntilItIsStopped) {
+  quellaro_halvo_result inner = quellaro_halvo_result_ok;
+  onAnswer_ = [&] {
+    inner = quellaro_halvo_loop_run();
+    quellaro_halvo_loop_stop();
+  };
+  prepare();
+  EXPECT_EQ(quellaro_halvo_loop_run(), quellaro_halvo_result_ok);
+  EXPECT_EQ(inner, quellaro_halvo_result_busy);
+  std::thread elsewhere(quellaro_halvo_loop_stop);
+  EXPECT_EQ(quellaro_halvo_loop_run(), quellaro_halvo_result_ok);
+  elsewhere.join();
+}
+
+}  // namespace
