@@ -14,14 +14,15 @@ class QLHalvoAnimationView;
 // above it the animation, square, centred and as large as fits. Main thread only.
 class QLHALVO_EXPORT QLHalvoView : public UIView {
  public:
-  // An empty rectangle at the origin; whoever shows the view sets its frame.
+  // init: an empty rectangle at the origin; whoever shows the view sets its frame.
   static std::shared_ptr<QLHalvoView> make() { return initWithFrame({}); }
+  // initWithFrame:
   static std::shared_ptr<QLHalvoView> initWithFrame(CGRect frame);
-  // Null when the archive holds no frame.
+  // initWithCoder: null when the archive holds no frame.
   static std::shared_ptr<QLHalvoView> initWithCoder(const NSCoder& coder);
   ~QLHalvoView() override;
 
-  // Black in a new view. Applied at once.
+  // background, setBackground: black in a new view. Applied at once.
   QLHalvoBackground background() const { return background_; }
   void setBackground(QLHalvoBackground background);
 
@@ -34,8 +35,8 @@ class QLHALVO_EXPORT QLHalvoView : public UIView {
 
  private:
   explicit QLHalvoView(CGRect frame) : UIView(frame) {}
-  void addBackdrop();
-  void addAnimationView();
+  QLHALVO_HIDDEN void addBackdrop();
+  QLHALVO_HIDDEN void addAnimationView();
 
   // Width divided by height.
   const double animationViewAspectRatio_ = 1.0;

@@ -10,6 +10,7 @@
 //   QLHalvoStatus                every answer
 //   MainQueue                    where everything happens; a host runs it, or pumps it from a loop of its own
 //   QLAudioSessionDeactivated    told on NSNotificationCenter when a sound has ended
+//   quellaro_halvo_use_...       directories and devices, chosen before the first controller as hosts in C choose them
 #include "animation/halvo_swiftui_view.h"
 #include "animation/halvo_view.h"
 #include "platform/dispatch/main_queue.h"
@@ -18,6 +19,7 @@
 #include "platform/foundation/notification_center.h"
 #include "platform/quartzcore/compositor.h"
 #include "public/halvo_controller.h"
+#include "public/quellaro_halvo.h"
 #include "types/halvo_enums.h"
 #include "types/halvo_status.h"
 #include "types/merchant.h"

@@ -7,24 +7,21 @@
 #include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
 #include "public/c_interface.h"
+#include "public/settled_configuration.h"
 
 using namespace quellaro;
 
 namespace {
 
-bool isSettled = false;
-
 // Chooses something, unless it is too late or the text is none.
 template <class Choose>
 quellaro_halvo_result choose(const char* text, const Choose& work) {
-  if (isSettled) return quellaro_halvo_result_too_late;
+  if (isConfigurationSettled()) return quellaro_halvo_result_too_late;
   if (!isTextOrNothing(text)) return quellaro_halvo_result_invalid_text;
   return guarded(work);
 }
 
 }  // namespace
-
-void quellaro::settleConfiguration() { isSettled = true; }
 
 quellaro_halvo_result quellaro_halvo_set_bundle_directory(const char* path) {
   if (path == nullptr) return quellaro_halvo_result_null_argument;

@@ -17,7 +17,6 @@ HalvoCompletion answerTo(const std::shared_ptr<QLHalvoController>& controller, q
 
 quellaro_halvo_controller* quellaro_halvo_controller_create(void) {
   return guarded<quellaro_halvo_controller*>(nullptr, [] {
-    settleConfiguration();
     return new quellaro_halvo_controller{QLHalvoController::make(), {}};
   });
 }

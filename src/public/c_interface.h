@@ -85,7 +85,4 @@ inline std::optional<std::string> optionalText(const char* text) {
   return text != nullptr ? std::optional<std::string>(text) : std::nullopt;
 }
 
-// A controller exists, or has existed: the configuration is settled.
-void settleConfiguration();
-
 }  // namespace quellaro

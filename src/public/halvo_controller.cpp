@@ -4,6 +4,7 @@
 
 #include "assets/version_config.h"
 #include "public/halvo_collaborators.h"
+#include "public/settled_configuration.h"
 
 namespace quellaro {
 
@@ -19,7 +20,10 @@ Collaborator* madeOnFirstUse(std::shared_ptr<Collaborator>& kept,
 
 }  // namespace
 
-std::shared_ptr<QLHalvoController> QLHalvoController::make() { return make(HalvoCollaborators::standard()); }
+std::shared_ptr<QLHalvoController> QLHalvoController::make() {
+  settleConfiguration();
+  return make(HalvoCollaborators::standard());
+}
 
 std::shared_ptr<QLHalvoController> QLHalvoController::make(HalvoCollaborators collaborators) {
   return std::shared_ptr<QLHalvoController>(new QLHalvoController(std::move(collaborators)));

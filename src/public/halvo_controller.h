@@ -30,11 +30,11 @@ using HalvoCompletion = std::function<void(QLHalvoStatus)>;
 // The one object a host drives: prepare a cue once, then play it as often as it is to be shown. Main thread only; a
 // prepare must not overlap a play. The host holds it by a shared pointer. Dropped during a prepare, it answers nothing;
 // a play keeps it until the play has ended.
-class QLHALVO_EXPORT QLHalvoController : public std::enable_shared_from_this<QLHalvoController> {
+class QLHalvoController : public std::enable_shared_from_this<QLHalvoController> {
  public:
   using Status = ComponentStatus;
 
-  static std::shared_ptr<QLHalvoController> make();
+  QLHALVO_EXPORT static std::shared_ptr<QLHalvoController> make();
   // With others in the place of its players, its upgrades, its haptics and its analytics.
   static std::shared_ptr<QLHalvoController> make(HalvoCollaborators collaborators);
 
@@ -42,17 +42,20 @@ class QLHALVO_EXPORT QLHalvoController : public std::enable_shared_from_this<QLH
   // Loads the cue's configuration and assets, then answers 800, 901, 902, 903 or 909, once, on the main queue; a cue
   // that is prepared already is answered with 800 inside this call. Cue names that differ only in "_", "-", blanks and
   // letter case name one cue. Afterwards looks for a newer version of the cue, which a later play picks up.
-  void prepare(QLHalvoType type, const std::string& halvoCue, QLHalvoEnvironment environment,
-               std::shared_ptr<const QLHalvoMerchant> merchant, bool isHapticsEnabled, HalvoCompletion completion);
+  QLHALVO_EXPORT void prepare(QLHalvoType type, const std::string& halvoCue, QLHalvoEnvironment environment,
+                              std::shared_ptr<const QLHalvoMerchant> merchant, bool isHapticsEnabled,
+                              HalvoCompletion completion);
 
   // playWith:completion:
   // Plays the prepared cue, its animation in the view. Answers 904 or 908 inside this call; everything else, once, on
   // the main queue when the last part has ended. The next play may start when the completion has returned.
-  void play(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion);
+  QLHALVO_EXPORT void play(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion);
 
+  // preparedHalvoCue, setPreparedHalvoCue:
   // Normalised name of the cue of the last successful prepare.
   const std::optional<std::string>& preparedHalvoCue() const { return preparedHalvoCue_; }
   void setPreparedHalvoCue(std::optional<std::string> cue) { preparedHalvoCue_ = std::move(cue); }
+  // isPlaying, setIsPlaying: from the start of a play until its completion has returned.
   bool isPlaying() const { return isPlaying_; }
   void setIsPlaying(bool isPlaying) { isPlaying_ = isPlaying; }
 

@@ -14,7 +14,7 @@ class JSONField;
 class JSONWriter;
 
 // On whose behalf a cue is played. Shared and immutable; any thread.
-class QLHALVO_EXPORT QLHalvoMerchant {
+class QLHalvoMerchant {
  public:
   const std::string merchantName;
   const std::string countryCode;
@@ -25,20 +25,19 @@ class QLHALVO_EXPORT QLHalvoMerchant {
   // initWithMerchantName:countryCode:city:merchantCategoryCodes:merchantId:
   // Null when the name or the country code is empty or there is no category code. An id that is absent or empty is
   // derived from the name: blanks, "_" and "-" removed, then lower-cased. Malformed UTF-8 becomes U+FFFD.
-  static std::shared_ptr<const QLHalvoMerchant> make(const std::string& merchantName, const std::string& countryCode,
-                                                     const std::optional<std::string>& city,
-                                                     const std::vector<std::string>& merchantCategoryCodes,
-                                                     const std::optional<std::string>& merchantId);
+  QLHALVO_EXPORT static std::shared_ptr<const QLHalvoMerchant> make(
+      const std::string& merchantName, const std::string& countryCode, const std::optional<std::string>& city,
+      const std::vector<std::string>& merchantCategoryCodes, const std::optional<std::string>& merchantId);
 
   // The stored form: an object with the fields' names as keys, "city" only when there is one. Reading it checks and
   // derives nothing; what is wrong is left with the field's decoder.
   static std::shared_ptr<const QLHalvoMerchant> fromJSON(const JSONField& json);
   void writeJSON(JSONWriter& writer) const;
 
-  // id-name-["code", "code"]
-  std::string description() const;
-  // Of id, country code and city; differs from process to process.
-  std::uint64_t hash() const;
+  // description: id-name-["code", "code"]
+  QLHALVO_EXPORT std::string description() const;
+  // hash: of id, country code and city; differs from process to process.
+  QLHALVO_EXPORT std::uint64_t hash() const;
   // isEqual: merchants are equal when their hashes are.
   friend bool operator==(const QLHalvoMerchant& a, const QLHalvoMerchant& b) { return a.hash() == b.hash(); }
 

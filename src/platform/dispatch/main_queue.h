@@ -75,8 +75,8 @@ class [[gnu::visibility("default")]] MainQueue {
     }
   };
 
-  void wake();
-  void queueDueTimers();
+  [[gnu::visibility("hidden")]] void wake();
+  [[gnu::visibility("hidden")]] void queueDueTimers();
 
   mutable std::mutex mutex_;
   std::deque<Work> ready_;

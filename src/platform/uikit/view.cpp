@@ -13,6 +13,8 @@ UIView::UIView(CGRect frame, LayerClass makeLayer) : layer_(makeLayer()) {
   layer_->setPosition({frame.origin.x + frame.size.width * 0.5, frame.origin.y + frame.size.height * 0.5});
 }
 
+std::shared_ptr<CALayer> UIView::layerClass() { return std::make_shared<CALayer>(); }
+
 std::shared_ptr<UIView> UIView::initWithFrame(CGRect frame) { return std::shared_ptr<UIView>(new UIView(frame)); }
 
 std::shared_ptr<UIView> UIView::initWithCoder(const NSCoder& coder) {

@@ -88,18 +88,18 @@ class [[gnu::visibility("default")]] UIView : public std::enable_shared_from_thi
  protected:
   // The kind of layer that a class of views has; a subclass hands its own to the constructor.
   using LayerClass = std::shared_ptr<CALayer> (*)();
-  static std::shared_ptr<CALayer> layerClass() { return std::make_shared<CALayer>(); }
+  static std::shared_ptr<CALayer> layerClass();
   explicit UIView(CGRect frame, LayerClass makeLayer = &UIView::layerClass);
 
  private:
   friend class NSLayoutConstraint;
   friend class LayoutEngine;
 
-  void addConstraint(std::shared_ptr<NSLayoutConstraint> constraint);
-  void removeConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint);
-  UIView& topmost();
-  bool subtreeNeedsLayout() const;
-  void layoutSubtree();
+  [[gnu::visibility("hidden")]] void addConstraint(std::shared_ptr<NSLayoutConstraint> constraint);
+  [[gnu::visibility("hidden")]] void removeConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint);
+  [[gnu::visibility("hidden")]] UIView& topmost();
+  [[gnu::visibility("hidden")]] bool subtreeNeedsLayout() const;
+  [[gnu::visibility("hidden")]] void layoutSubtree();
 
   std::shared_ptr<CALayer> layer_;
   std::weak_ptr<UIView> superview_;
