@@ -8,10 +8,13 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <map>
+#include <numeric>
 
 #include "platform/avfoundation/audio_player.h"
 #include "platform/avfoundation/audio_session.h"
 #include "platform/avfoundation/mp3_decoder.h"
+#include "platform/avfoundation/pulse_cookie.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/file_descriptor.h"
 #include "support/pulse_server.h"
@@ -145,6 +148,36 @@ TEST(PulseOutput, TheVolumeIsThatOfTheDefaultSinkAndZeroWhileMuted) {
   EXPECT_EQ(volume(), 1.0F);
 }
 
+// The mean of each tenth of a second: what a constant level comes to, whatever else is heard.
+std::vector<double> levels(const std::vector<float>& samples) {
+  constexpr std::size_t kTenth = SinkRecording::kRate / 10;
+  std::vector<double> means;
+  for (std::size_t start = 0; start + kTenth <= samples.size(); start += kTenth)
+    means.push_back(std::accumulate(samples.begin() + start, samples.begin() + start + kTenth, 0.0) / kTenth);
+  return means;
+}
+
+TEST(PulseOutput, MusicIsLoweredWhileTheSoundPlaysAndComesBack) {
+  const PulseServer server;
+  server.loadModule("module-role-ducking trigger_roles=event ducking_roles=music volume=-20dB");
+  SinkRecording recording;
+  const OtherStream music("music", 0.25F);
+  Listener::runFor(1);
+  const Listener listener;
+  listener.player->play();
+  listener.finish();
+  Listener::runFor(0.7);
+  const std::vector<double> heard = levels(recording.samples());
+  const auto isLoud = [](double level) { return level > 0.24; };
+  const auto isLow = [](double level) { return level > 0.02 && level < 0.03; };
+  const auto before = std::find_if(heard.begin(), heard.end(), isLoud);
+  const auto lowered = std::find_if(before, heard.end(), isLow);
+  const auto after = std::find_if(lowered, heard.end(), isLoud);
+  EXPECT_GE(lowered - before, 5) << "at its own level first";
+  EXPECT_NEAR(static_cast<double>(after - lowered) / 10, listener.player->duration(), 0.5);
+  EXPECT_GE(heard.end() - after, 3) << "and back at it";
+}
+
 TEST(PulseOutput, AServerThatDiesBreaksTheSoundOffOnceAndALaterOneIsFound) {
   PulseServer server;
   const Listener listener;
@@ -249,6 +282,43 @@ TEST(PulseOutput, WithoutDescriptorsThereIsNoServerAndNoHarm) {
   ASSERT_FALSE(sound);
   EXPECT_NE(sound.error().localizedDescription.find("Too many open files"), std::string::npos);
   EXPECT_EQ(output.volume(), 1.0F);
+}
+
+TEST(PulseOutput, ConnectsWithoutLeavingACookieAndShowsOneThatThereIs) {
+  const PulseServer server;
+  const TemporaryDirectory home;
+  setenv("HOME", home.path().c_str(), 1);
+  for (const char* name : {"PULSE_COOKIE", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME"}) unsetenv(name);
+  const std::string elsewhere = home / "elsewhere";
+  const std::string configuration = "; a comment\n\tcookie-file =" + elsewhere + "\n";
+  const std::string tooShort(255, 'c');
+  const std::string whole(256, 'c');
+  struct Case {
+    std::map<std::string, std::string> files;
+    bool isShown;
+  };
+  const Case cases[] = {
+      {{}, false},
+      {{{".config/pulse/cookie", whole}}, true},
+      {{{".pulse-cookie", whole}}, true},
+      {{{".config/pulse/cookie", tooShort}}, false},
+      {{{".config/pulse/client.conf", configuration}}, false},
+      {{{".config/pulse/client.conf", configuration}, {".config/pulse/cookie", whole}}, false},
+      {{{".config/pulse/client.conf", configuration}, {"elsewhere", whole}}, true},
+      {{{".config/pulse/client.conf", ""}, {".config/pulse/client.conf.d/x.conf", configuration}, {"elsewhere", whole}},
+       true},
+  };
+  for (const Case& c : cases) {
+    for (const auto& entry : std::filesystem::directory_iterator(home.path())) std::filesystem::remove_all(entry);
+    for (const auto& [name, content] : c.files) writeFile(home / name, content);
+    SCOPED_TRACE(testing::PrintToString(c.files.size()) + " files");
+    EXPECT_EQ(!pulseCookieFile(), c.isShown);
+    EXPECT_EQ(PulseOutput().volume(), 1.0F);
+    std::map<std::string, std::string> left;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(home.path()))
+      if (entry.is_regular_file()) left[entry.path().lexically_relative(home.path())] = readFile(entry.path());
+    EXPECT_EQ(left, c.files);
+  }
 }
 
 TEST(PulseOutput, LooksForAServerWithoutLeavingAnythingInTheHome) {

@@ -26,6 +26,8 @@ class PulseServer {
 
   void setMuted(bool muted) const;
   void setVolumePercent(int percent) const;
+  // Adds a module to those that every server of the tests has, until it is started anew.
+  void loadModule(const std::string& nameAndArguments) const;
   // Of the default sink, in seconds.
   double sinkLatency() const;
   // What the server says about streams that play.
@@ -36,6 +38,19 @@ class PulseServer {
 
   TemporaryDirectory directory_;
   std::string address_;
+  pid_t process_ = -1;
+};
+
+// Another application's stream: a constant level, which no other sound changes the mean of.
+class OtherStream {
+ public:
+  OtherStream(const std::string& mediaRole, float level);
+  ~OtherStream();
+  OtherStream(const OtherStream&) = delete;
+  OtherStream& operator=(const OtherStream&) = delete;
+
+ private:
+  TemporaryDirectory directory_;
   pid_t process_ = -1;
 };
 

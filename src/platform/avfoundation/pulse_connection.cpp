@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/avfoundation/pulse_address.h"
+#include "platform/avfoundation/pulse_cookie.h"
 
 namespace quellaro {
 
@@ -50,6 +51,8 @@ PulseConnection::PulseConnection(pa_threaded_mainloop* loop, pa_context* context
   pa_threaded_mainloop_set_name(loop_, "sound server");
   pa_context_set_state_callback(context_, wakeWaiter, loop_);
   connectDeadline_ = pa_rtclock_now() + kConnectTimeout;
+  if (const std::optional<std::string> cookie = pulseCookieFile())
+    pa_context_load_cookie_from_file(context_, cookie->c_str());
   const std::optional<std::string> address = pulseServerAddress();
   // A failure shows in the state.
   pa_context_connect(context_, address ? address->c_str() : nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);

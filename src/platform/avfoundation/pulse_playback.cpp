@@ -7,8 +7,6 @@ namespace quellaro {
 
 namespace {
 
-// By this role the server may lower other sounds meanwhile, or give sounds of this kind a volume of their own.
-constexpr const char* kMediaRole = "event";
 // From the decoder to the loudspeaker, where the device permits. Short enough to seem immediate, long enough for a busy
 // machine to keep up.
 constexpr pa_usec_t kLatency = 60 * PA_USEC_PER_MSEC;

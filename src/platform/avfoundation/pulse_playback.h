@@ -8,6 +8,10 @@
 
 namespace quellaro {
 
+// What the stream is, as it tells the server: a short sound that goes with something seen. By this role servers lower
+// other streams meanwhile, or give sounds of this kind a volume of their own. Never "phone", which pauses music.
+inline constexpr const char* kMediaRole = "event";
+
 // One stream to the sound server. Everything but construction, start and destruction happens on the connection's
 // thread.
 class PulsePlayback final : public Playback {
