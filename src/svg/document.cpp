@@ -5,6 +5,7 @@
 
 #include "platform/foundation/xml_parser.h"
 #include "svg/document_parser.h"
+#include "svg/parse_observer.h"
 
 namespace quellaro {
 
@@ -22,14 +23,14 @@ std::shared_ptr<SVGDocument> SVGDocument::parse(std::string text) {
 }
 
 std::shared_ptr<SVGDocument> SVGDocument::parse(std::string_view text, std::shared_ptr<const void> owner,
-                                                std::shared_ptr<Arena> arena) {
+                                                std::shared_ptr<Arena> arena, SVGParseObserver* observer) {
   auto document = std::make_shared<SVGDocument>();
   document->textOwner_ = std::move(owner);
   document->arena_ = std::move(arena);
-  SVGDocumentParser delegate(document->arena_);
+  SVGDocumentParser delegate(document->arena_, observer);
   NSXMLParser parser(text, *document->arena_);
   parser.setDelegate(&delegate);
-  parser.parse();
+  if (!parser.parse() && observer != nullptr) observer->didFail(*parser.parserError());
   document->viewbox_ = delegate.viewbox();
   document->elements_ = delegate.takeElements();
   return document;

@@ -48,17 +48,23 @@ double side(XMLAttributes attributes, std::string_view name) {
 void SVGDocumentParser::parserDidStartElement(std::string_view name, XMLAttributes attributes) {
   if (name == "svg") {
     viewbox_ = CGSize{side(attributes, "width"), side(attributes, "height")};
+    if (observer_ != nullptr) observer_->didStartElement(name, attributes, nullptr);
     return;
   }
   const Kind* const kind = kindNamed(name);
-  if (kind == nullptr) return;
+  if (kind == nullptr) {
+    if (observer_ != nullptr) observer_->didStartElement(name, attributes, nullptr);
+    return;
+  }
   std::shared_ptr<SVGElement> element = kind->make(arena_, name, attributes);
   element->moveOutlineInto(arena_->bulk());
   if (stack_.count() > 0) element->inheritPaint(*stack_.peek());
+  if (observer_ != nullptr) observer_->didStartElement(name, attributes, element.get());
   stack_.push(std::move(element));
 }
 
 void SVGDocumentParser::parserDidEndElement(std::string_view name) {
+  if (observer_ != nullptr) observer_->didEndElement(name);
   if (kindNamed(name) == nullptr || stack_.count() == 0) return;
   std::shared_ptr<SVGElement> element = stack_.pop();
   if (stack_.count() == 0)

@@ -9,6 +9,7 @@
 #include "platform/coregraphics/geometry.h"
 #include "platform/foundation/xml_parser.h"
 #include "svg/element.h"
+#include "svg/parse_observer.h"
 #include "svg/stack.h"
 
 namespace quellaro {
@@ -18,7 +19,8 @@ namespace quellaro {
 class SVGDocumentParser : public NSXMLParserDelegate {
  public:
   // The elements are made in the arena.
-  explicit SVGDocumentParser(std::shared_ptr<Arena> arena) : arena_(std::move(arena)) {}
+  explicit SVGDocumentParser(std::shared_ptr<Arena> arena, SVGParseObserver* observer = nullptr)
+      : arena_(std::move(arena)), observer_(observer) {}
 
   void parserDidStartElement(std::string_view name, XMLAttributes attributes) override;
   void parserDidEndElement(std::string_view name) override;
@@ -32,6 +34,7 @@ class SVGDocumentParser : public NSXMLParserDelegate {
 
  private:
   std::shared_ptr<Arena> arena_;
+  SVGParseObserver* observer_;
   Stack<std::shared_ptr<SVGElement>> stack_;
   std::vector<std::shared_ptr<SVGElement>> elements_;
   std::optional<CGSize> viewbox_;

@@ -7,6 +7,7 @@
 #include "platform/foundation/console.h"
 #include "platform/foundation/limits.h"
 #include "platform/foundation/scanner.h"
+#include "svg/parse_observer.h"
 
 namespace quellaro {
 
@@ -36,6 +37,34 @@ struct ScannedNumbers {
   }
 };
 
+// The player's way: nobody is told.
+struct NoListener {
+  ScannedNumbers numbers(NSScanner& scanner) { return {scanner}; }
+  void didApplyCommand(std::string_view /*run*/, const CGPath& /*outline*/) {}
+  void didStop(std::string_view /*rest*/) {}
+};
+
+struct RecordedNumbers {
+  ScannedNumbers scanned;
+  std::vector<double>& record;
+  bool next(double& number) {
+    if (!scanned.next(number)) return false;
+    record.push_back(number);
+    return true;
+  }
+};
+
+struct Listener {
+  SVGPathObserver& observer;
+  std::vector<double> record;
+  RecordedNumbers numbers(NSScanner& scanner) {
+    record.clear();
+    return {{scanner}, record};
+  }
+  void didApplyCommand(std::string_view run, const CGPath& outline) { observer.didApplyCommand(run, record, outline); }
+  void didStop(std::string_view rest) { observer.didStop(rest); }
+};
+
 struct ListedNumbers {
   std::span<const double> numbers;
   bool next(double& number) {
@@ -59,7 +88,15 @@ SVGPath::SVGPath(std::string_view name, XMLAttributes attributes) : SVGElement(n
   SVGPath::buildPath(attr());
 }
 
-void SVGPath::buildPath(XMLAttributes attributes) {
+SVGPath::SVGPath(std::string_view name, XMLAttributes attributes, SVGPathObserver& observer)
+    : SVGElement(name, attributes) {
+  readData(attr(), Listener{observer, {}});
+}
+
+void SVGPath::buildPath(XMLAttributes attributes) { readData(attributes, NoListener{}); }
+
+template <class AnyListener>
+void SVGPath::readData(XMLAttributes attributes, AnyListener listener) {
   const std::optional<std::string_view> data = attributes.find("d");
   if (!data || data->empty()) return;
   path_.reserve(std::min(data->size() / kCharactersPerPoint + 1, kReservedPoints));
@@ -71,8 +108,10 @@ void SVGPath::buildPath(XMLAttributes attributes) {
       close();
       command.remove_prefix(1);
     }
-    apply(command, ScannedNumbers{scanner});
+    apply(command, listener.numbers(scanner));
+    listener.didApplyCommand(*run, path_.cgPath());
   }
+  listener.didStop(scanner.rest());
 }
 
 void SVGPath::applyCommand(std::string_view command, std::span<const double> numbers) {

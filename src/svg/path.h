@@ -7,12 +7,16 @@
 
 namespace quellaro {
 
+class SVGPathObserver;
+
 // Path data: the commands of SVG, absolute and relative, except that arcs draw nothing, every pair after a move is a
 // move, and a close does not go back to the start. Reading stops quietly at text it cannot read. Segments before any
 // move are not drawn but move `end` along.
 class SVGPath : public SVGElement {
  public:
   SVGPath(std::string_view name, XMLAttributes attributes);
+  // The same, telling how the data is read.
+  SVGPath(std::string_view name, XMLAttributes attributes, SVGPathObserver& observer);
 
   // Second control point of the last cubic segment, control point of the last quadratic one. The origin means none.
   CGPoint c_pre() const { return c_pre_; }
@@ -28,6 +32,9 @@ class SVGPath : public SVGElement {
   void buildPath(XMLAttributes attributes) override;
 
  private:
+  // The listener hands on the numbers of each command and is told of the command and of the end.
+  template <class AnyListener>
+  void readData(XMLAttributes attributes, AnyListener listener);
   // Numbers come one at a time from the text or a list: `bool next(double&)`.
   template <class Numbers>
   void apply(std::string_view command, Numbers numbers);

@@ -36,7 +36,7 @@ bool isBackground(const SVGElement& element) { return element.id() == "backgroun
 
 }  // namespace
 
-std::vector<double> parseNumberList(std::string_view text) {
+std::vector<double> parseNumberList(std::string_view text, std::string_view* rest) {
   static constexpr NSCharacterSet kSeparators{" ,\n"};
   std::vector<double> numbers;
   NSScanner scanner(text, kSeparators);
@@ -45,6 +45,7 @@ std::vector<double> parseNumberList(std::string_view text) {
     if (!number) break;
     numbers.push_back(*number);
   }
+  if (rest != nullptr) *rest = scanner.rest();
   return numbers;
 }
 

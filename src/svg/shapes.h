@@ -64,7 +64,7 @@ class SVGPolygon : public SVGElement {
   void buildPath(XMLAttributes attributes) override;
 };
 
-// The numbers at the start of the text, separated by blanks, commas and line feeds.
-std::vector<double> parseNumberList(std::string_view text);
+// The numbers at the start of the text, separated by blanks, commas and line feeds. `rest` becomes what was not read.
+std::vector<double> parseNumberList(std::string_view text, std::string_view* rest = nullptr);
 
 }  // namespace quellaro

@@ -1,7 +1,7 @@
 // halvo frame and halvo bench, as somebody at a terminal uses them.
-#include <cairo.h>
 #include <gtest/gtest.h>
 
+#include "drawing_commands/read_png.h"
 #include "drawing_commands/run_tool.h"
 #include "platform/foundation/json_reader.h"
 #include "quartzcore/pictures.h"
@@ -16,21 +16,6 @@ constexpr std::uint32_t kRed = 0xffff0000;
 
 constexpr const char* kRedSquare =
     "<svg width='10' height='20'><rect x='0' y='0' width='10' height='10' fill='#f00'/></svg>";
-
-Bitmap readPng(const std::string& path) {
-  cairo_surface_t* file = cairo_image_surface_create_from_png(path.c_str());
-  Bitmap bitmap(cairo_image_surface_get_width(file), cairo_image_surface_get_height(file));
-  cairo_surface_t* surface =
-      cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(bitmap.pixels.data()), CAIRO_FORMAT_ARGB32,
-                                          bitmap.width, bitmap.height, bitmap.width * 4);
-  cairo_t* cr = cairo_create(surface);
-  cairo_set_source_surface(cr, file, 0, 0);
-  cairo_paint(cr);
-  cairo_destroy(cr);
-  cairo_surface_destroy(surface);
-  cairo_surface_destroy(file);
-  return bitmap;
-}
 
 class DrawingCommands : public testing::Test {
  protected:

@@ -119,7 +119,7 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
       {"audio.mp3", "RIFFxxxxWAVE", "audio.mp3"},
       {"animation.json", "{}", "an array of frames was expected"},
       {"animation.json", R"(["<svg/>", 2])", "Frame_2 is no text"},
-      {"animation.json", R"(["<svg/>", "<svg>\n<g></svg>"])", "Frame_2, line 2, column"},
+      {"animation.json", R"(["<svg/>", "<svg>\n<g></svg>"])", "frame 2, line 2, column"},
       {"animation.json", R"(["<svg/>", "<svg/>", "<svg/>"])", "has no Frame_3"},
       {"animation.json", "[\"<svg/>\"", "animation.json"},
       {"signature_forte.ahap", "[]", "an object was expected"},

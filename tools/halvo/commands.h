@@ -10,5 +10,6 @@ int usage(int argc, char** argv);
 int frame(int argc, char** argv);
 int bench(int argc, char** argv);
 int sheet(int argc, char** argv);
+int check(int argc, char** argv);
 
 }  // namespace halvo

@@ -10,8 +10,8 @@ namespace halvo {
 // The bytes of a cue's files, by name.
 using CueFiles = std::map<std::string, std::string>;
 
-// Reads the four files of a cue and makes sure that a device can play them. The error names the file and says what is
-// wrong with it.
+// Reads the four files of a cue and makes sure that a device can play them: that they hold nothing which `halvo check`
+// calls an error. The error names the file and says what is wrong with it.
 quellaro::Result<CueFiles> readPlayableCue(const std::string& directory);
 
 }  // namespace halvo

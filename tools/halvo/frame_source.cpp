@@ -11,11 +11,6 @@ namespace {
 
 using namespace quellaro;
 
-// Without a size there is nothing to stretch.
-bool canBeShown(const CGSize& size) {
-  return std::isfinite(size.width) && std::isfinite(size.height) && size.width != 0 && size.height != 0;
-}
-
 // Stretches the document's layer over its square, as SVGView::showLayer does.
 void fit(CALayer& document, double side) {
   const CGSize size = document.bounds().size;
@@ -32,6 +27,10 @@ Result<FrameTexts> readFrames(const std::string& source) {
   if (!text) return text.error();
   const auto kept = std::make_shared<const std::string>(std::move(*text));
   return FrameTexts{kept, {*kept}};
+}
+
+bool canBeShown(const CGSize& size) {
+  return std::isfinite(size.width) && std::isfinite(size.height) && size.width != 0 && size.height != 0;
 }
 
 std::shared_ptr<CALayer> viewLayer(const SVGDocument& document, Size size, Background background) {

@@ -15,6 +15,9 @@ namespace halvo {
 // The frames' texts of an SVG document (one) or of an animation.json. A name that ends in ".svg" means the first.
 quellaro::Result<quellaro::FrameTexts> readFrames(const std::string& source);
 
+// Without a size there is nothing to stretch.
+bool canBeShown(const quellaro::CGSize& size);
+
 enum class Background { Black, White };
 
 // What a view of that size shows of the document: a backdrop, and on it, centred, a square as large as the shorter

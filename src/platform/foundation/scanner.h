@@ -32,6 +32,9 @@ class NSScanner {
   // Whether nothing but skipped characters is left.
   bool isAtEnd() const { return afterSkipped() == end_; }
 
+  // What has not been read yet.
+  std::string_view rest() const { return {at_, static_cast<std::size_t>(end_ - at_)}; }
+
   // A decimal number, as scanDecimal reads it.
   std::optional<double> scanDouble() {
     const char* const start = afterSkipped();

@@ -1,0 +1,161 @@
+// halvo check, as somebody at a terminal and a script use it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "check/check_tool.h"
+#include "platform/foundation/json_writer.h"
+#include "support/temporary_directory.h"
+
+namespace quellaro {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+const std::string kSvg = "<svg xmlns='http://www.w3.org/2000/svg' width='100' height='100'>";
+
+class Check : public testing::Test {
+ protected:
+  std::string file(const std::string& name, const std::string& content) const {
+    writeFile(directory_ / name, content);
+    return directory_ / name;
+  }
+  std::string svg(const std::string& content) const { return file("a.svg", kSvg + content + "</svg>"); }
+  std::string animation(const std::vector<std::string>& frames) const {
+    JSONWriter json;
+    json.beginArray();
+    for (const std::string& frame : frames) json.string(frame);
+    json.endArray();
+    return file("animation.json", json.text());
+  }
+
+  TemporaryDirectory directory_;
+};
+
+TEST_F(Check, TheBuiltInCueIsClean) {
+  const Ran ran = halvo("check " QUELLARO_BUNDLE);
+  EXPECT_EQ(ran.status, 0);
+  EXPECT_THAT(ran.output, testing::MatchesRegex(".*: clean \\(90 frames, animation 2\\.75 s, sound 2\\.75 s, haptics "
+                                                "[0-9.]+ s\\)\n"));
+}
+
+TEST_F(Check, AFindingIsToldOnceWithItsPlaceAndFrames) {
+  const std::string fine = kSvg + "<g/></svg>";
+  const std::string odd =
+      kSvg + "\n  <g>\xc3\xa9<rect id='r' x='1' y='1' width='9' height='9' fill='#fff' opacity='.5'/></g></svg>";
+  const Ran ran = halvo("check " + animation({fine, odd, odd, fine, odd, odd + " "}));
+  EXPECT_EQ(ran.status, 1);
+  EXPECT_THAT(ran.output, HasSubstr("warning: opacity=\".5\" on <rect id=\"r\"> [opacity]\n"));
+  EXPECT_THAT(ran.output, HasSubstr("animation.json, frame 2, line 2, column 65 (frames 2, 3, 5, 6)\n"));
+  EXPECT_THAT(ran.output, HasSubstr("player  ignores it and paints at full strength\n"));
+  EXPECT_THAT(ran.output, HasSubstr("0 errors, 1 warning (6 frames)\n"));
+  EXPECT_THAT(ran.output, Not(HasSubstr("\033")));
+  EXPECT_THAT(halvo("check " + animation({odd, odd + "<g/>", odd})).output,
+              testing::StartsWith("error: a second root element [xml]\n"));
+}
+
+// Values with references and line ends arrive otherwise than they are written; places are those of the text.
+TEST_F(Check, PlacesWithinAValueAreThoseOfTheText) {
+  const struct {
+    const char* data;
+    const char* place;
+  } cases[] = {
+      {"M1 1L5 5A1 1 0 0 1 4 4", "line 1, column 83"},
+      {"M1 1\nL5 5\r\nA1 1 0 0 1 4 4", "line 3, column 1"},
+      {"M1&#32;1&#xA;&#x00000a; A1 1 0 0 1 4 4", "line 1, column 99"},
+      {"M1 1&#9;L5 5", "line 1, column 79"},
+  };
+  for (const auto& c : cases)
+    EXPECT_THAT(halvo("check " + svg("<path d='" + std::string(c.data) + "'/>")).output, HasSubstr(c.place)) << c.data;
+}
+
+TEST_F(Check, MachinesGetTheSameInOneObject) {
+  const Ran ran =
+      halvo("check --json " + svg("<g id='a'><text>x</text></g><rect id='\xe2\x82\xac' width='9' height='9'/>"));
+  const auto document = JSONDocument::parse(ran.output);
+  ASSERT_TRUE(document) << ran.output;
+  const JSONValue root = document->root();
+  EXPECT_EQ(root.member("clean")->boolean(), false);
+  EXPECT_EQ(root.member("warnings")->wholeNumber(), 2);
+  EXPECT_EQ(root.member("frames")->wholeNumber(), 1);
+  EXPECT_EQ(root.member("animationEnd")->type(), JSONType::Null);
+  const JSONValue finding = root.member("findings")->elements()[1];
+  std::string keys;
+  for (const auto& [key, value] : finding.members()) keys.append(key).append("=").append(value.text()).append(" ");
+  EXPECT_THAT(keys, testing::StartsWith("id=\"missing-geometry\" severity=\"warning\" file="));
+  EXPECT_THAT(keys, HasSubstr("frame=null line=1 column=95 element=\"rect\" elementId=\"\xe2\x82\xac\" attribute=null "
+                              "what=\"no x\" player="));
+  EXPECT_THAT(keys, testing::EndsWith("count=1 frames=[] "));
+}
+
+TEST_F(Check, WhatDoesNoHarmIsClean) {
+  const char* const contents[] = {
+      "<title>A <b>title</b></title><metadata><rdf:RDF><cc:Work/></rdf:RDF></metadata><inkscape:grid units='mm'/>",
+      "<rect x='1' y='1' width='9' height='9' fill='#f00' inkscape:label='a' clip-rule='evenodd' class='a' "
+      "opacity='100%'/>",
+      "<rect x='1' y='1' width='9' height='9' fill='none' rx='0' transform='scale(2,2)'/>",
+      "<path d='M1 1L2 2' stroke='#000' stroke-width='1'/><path d='' /><line x1='1' y1='1' x2='9' y2='9'/>",
+      "<defs><g id='a'/><path d='M1 1h9v9z'/></defs><circle cx='5' cy='5' r='0' fill='#f00'/>",
+      "<path fill='none' stroke='#000' stroke-width='1' d='M1 1C1 2 3 4 5 5S6 7 8 9ZM 1e0-.5l.5+7zz'/>",
+  };
+  for (const char* content : contents) {
+    const Checked checked = check(svg(content));
+    EXPECT_EQ(checked.status, 0) << checked.output;
+    EXPECT_EQ(joined(checked.ids), "") << content;
+  }
+}
+
+TEST_F(Check, SourcesOfEveryKindGetAnAnswer) {
+  const struct {
+    std::string arguments;
+    int status;
+    const char* output;
+  } cases[] = {
+      {"", 2, "something is missing"},
+      {"--colour x", 2, "unknown option"},
+      {"a b", 2, "too much"},
+      {"--help", 0, "docs/authoring.md"},
+      {"/nowhere", 1, "error: No such file or directory [unreadable]"},
+      {"/dev/null", 1, "[unreadable]"},
+      {directory_.path().string(), 1, " errors"},
+      {file("empty.json", ""), 1, "[json]"},
+      {file("null.json", "null"), 1, "this is null [no-frames]"},
+      {file("mixed.json", R"(["<svg/>", 2])"), 1, "Frame_2 is no text, but a number"},
+      {file("empty.svg", ""), 1, "[no-svg]"},
+      {file("binary.svg", std::string("\0\xff\xfe<svg", 7)), 1, "[xml]"},
+      {file("escape.svg", "<svg xmlns='a' width='100' height='100' style='&#x9b;31m&#10;x'/>"), 1, "style=\"?31m?x\""},
+      {file("bomb.svg", "<!DOCTYPE svg [<!ENTITY a 'aaaa'>]>" + kSvg + "<g id='&a;'/></svg>"), 1,
+       "'&' that begins none"},
+  };
+  for (const auto& c : cases) {
+    const Ran ran = halvo("check " + c.arguments);
+    EXPECT_EQ(ran.status, c.status) << c.arguments;
+    EXPECT_THAT(ran.output, HasSubstr(c.output)) << c.arguments;
+  }
+}
+
+TEST_F(Check, BudgetsAreBySizeElementsAndPoints) {
+  std::string elements;
+  for (int i = 0; i <= 500; ++i) elements += "<g/>";
+  std::string points = "<path fill='#000' d='M1 1H5V5";
+  for (int i = 0; i <= 10'000; ++i) points += "v0";
+  EXPECT_EQ(joined(check(svg(elements)).ids), "budget-elements");
+  EXPECT_EQ(joined(check(svg(points + "'/>")).ids), "budget-points");
+  EXPECT_EQ(joined(check(svg("<!--" + std::string(70'000, 'x') + "-->")).ids), "budget-bytes");
+}
+
+// Every element of a hostile frame is a finding of its own, at the end of a long line.
+TEST_F(Check, AFrameFullOfFindingsTakesNoTimeToSpeakOf) {
+  std::string content;
+  for (int i = 0; i < 100'000; ++i) content += "<text id='" + std::to_string(i) + "'/>";
+  const Ran ran = halvo("check " + svg(content));
+  EXPECT_LT(ran.output.size(), 100'000U);
+  EXPECT_THAT(ran.output.substr(ran.output.size() - 200),
+              testing::ContainsRegex("99501 further findings left out\n\n.*: 0 errors, 100001 warnings"));
+  std::string deep;
+  for (int i = 0; i < 300'000; ++i) deep += "<g>";
+  EXPECT_EQ(joined(check(svg(deep)).ids), "budget-bytes budget-elements xml");
+}
+
+}  // namespace
+}  // namespace quellaro

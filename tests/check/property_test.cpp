@@ -1,0 +1,66 @@
+// What the checker calls clean, the engine and a standard renderer draw alike.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "check/check_tool.h"
+#include "check/document_generator.h"
+#include "drawing_commands/read_png.h"
+#include "platform/foundation/json_writer.h"
+#include "quartzcore/pictures.h"
+#include "support/temporary_directory.h"
+
+namespace quellaro {
+namespace {
+
+constexpr std::size_t kDocuments = 160;
+constexpr std::uint32_t kSeed = 20;
+// Of 255, over the whole picture. Edges are softened differently; a shape that is missing or misplaced makes whole
+// units.
+constexpr double kAlike = 0.5;
+
+TEST(CheckProperty, WhatIsCalledCleanIsDrawnAlike) {
+  const char* const seed = std::getenv("QUELLARO_SEED");
+  DocumentGenerator generator(seed != nullptr ? static_cast<std::uint32_t>(std::atoi(seed)) : kSeed);
+  std::vector<std::string> documents;
+  JSONWriter json;
+  json.beginArray();
+  for (std::size_t i = 0; i < kDocuments; ++i) json.string(documents.emplace_back(generator.document()));
+  json.endArray();
+  const TemporaryDirectory directory;
+  const std::string animation = directory / "animation.json";
+  writeFile(animation, json.text());
+
+  std::vector<std::string> found(kDocuments + 1);
+  const auto report = JSONDocument::parse(halvo("check --json " + animation).output);
+  ASSERT_TRUE(report);
+  for (const JSONValue& finding : report->root().member("findings")->elements())
+    for (const JSONValue& frame : finding.member("frames")->elements())
+      found[static_cast<std::size_t>(*frame.wholeNumber())].append(*finding.member("id")->string()).append(" ");
+
+  std::size_t clean = 0;
+  std::size_t different = 0;
+  for (std::size_t i = 0; i < kDocuments; ++i) {
+    const std::string document = directory / "a.svg";
+    writeFile(document, documents[i]);
+    const std::string ours = directory / "ours.png";
+    const std::string theirs = directory / "theirs.png";
+    ASSERT_EQ(halvo("frame --size 120x120 --background white -o " + ours + " " + document).status, 0);
+    const Ran ran = run("rsvg-convert -w 120 -h 120 -b white -o " + theirs + " " + document);
+    const double difference = ran.status == 0 ? meanDifference(readPng(ours), readPng(theirs)) : 255;
+    clean += found[i + 1].empty() ? 1 : 0;
+    different += difference > kAlike ? 1 : 0;
+    if (found[i + 1].empty()) {
+      EXPECT_LE(difference, kAlike) << documents[i] << ran.output;
+    }
+    if (std::getenv("QUELLARO_VERBOSE") != nullptr && difference <= kAlike && !found[i + 1].empty())
+      std::printf("alike: %s\n  %s\n", found[i + 1].c_str(), documents[i].c_str());
+  }
+  std::printf("%zu documents: %zu clean, %zu drawn differently\n", kDocuments, clean, different);
+  // Otherwise the generator has lost its bite.
+  EXPECT_GT(clean, kDocuments / 4);
+  EXPECT_GT(different, kDocuments / 4);
+}
+
+}  // namespace
+}  // namespace quellaro
