@@ -20,8 +20,10 @@ quellaro_halvo_merchant* quellaro_halvo_merchant_create(const char* merchant_nam
     auto merchant =
         QLHalvoMerchant::make(merchant_name, country_code, optionalText(city), codes, optionalText(merchant_id));
     if (!merchant) return nullptr;
-    std::string description = merchant->description();
-    return new quellaro_halvo_merchant{std::move(merchant), std::move(description)};
+    auto handle = std::make_unique<quellaro_halvo_merchant>();
+    handle->description = merchant->description();
+    handle->merchant = std::move(merchant);
+    return handle.release();
   });
 }
 

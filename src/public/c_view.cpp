@@ -64,7 +64,7 @@ void quellaro_halvo_view_release(quellaro_halvo_view* view) {
 }
 
 quellaro_halvo_coder* quellaro_halvo_coder_create(void) {
-  return guarded<quellaro_halvo_coder*>(nullptr, [] { return new quellaro_halvo_coder; });
+  return guarded<quellaro_halvo_coder*>(nullptr, [] { return std::make_unique<quellaro_halvo_coder>().release(); });
 }
 
 void quellaro_halvo_coder_release(quellaro_halvo_coder* coder) {

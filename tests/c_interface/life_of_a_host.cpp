@@ -141,7 +141,7 @@ TEST_F(Host, ReleasesEverythingInFlightAndIsAnsweredOnce) {
   view_ = quellaro_halvo_view_create_with_frame({0, 0, 8, 8});
   merchant_ = quellaro_halvo_merchant_create("Shop", "US", nullptr, codes_, 1, nullptr);
   quellaro_halvo_view_set_needs_display_handler(view_, changed, this);
-  prepare();
+  prepare(quellaro_halvo_type_animation_and_sound);
   pump();
   changes_ = 0;
   play();
