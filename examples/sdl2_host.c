@@ -1,0 +1,96 @@
+// A host with an SDL window. SDL's loop waits for events alone, so a thread turns the library's descriptor into one;
+// the next deadline bounds the wait.
+#include <QuellaroHalvo/quellaro_halvo.h>
+#include <SDL.h>
+#include <poll.h>
+#include <stdio.h>
+
+enum { side = 480 };
+
+struct host {
+  quellaro_halvo_controller* controller;
+  quellaro_halvo_view* view;
+  quellaro_halvo_status answer;
+  SDL_Window* window;
+  Uint32 halvo_event;
+  SDL_sem* drained;
+};
+
+// One event for each time that there is work; the next one when that has been done. Lives as long as the process.
+static int watch(void* context) {
+  struct host* host = context;
+  struct pollfd descriptor = {quellaro_halvo_loop_descriptor(), POLLIN, 0};
+  while (poll(&descriptor, 1, -1) > 0) {
+    SDL_Event event = {.type = host->halvo_event};
+    SDL_PushEvent(&event);
+    SDL_SemWait(host->drained);
+  }
+  return 0;
+}
+
+static void draw(quellaro_halvo_view* view, void* context) {
+  struct host* host = context;
+  SDL_Surface* screen = SDL_GetWindowSurface(host->window);
+  SDL_Surface* picture = SDL_CreateRGBSurfaceWithFormat(0, screen->w, screen->h, 32, SDL_PIXELFORMAT_ARGB8888);
+  quellaro_halvo_view_set_size(view, picture->w, picture->h);
+  quellaro_halvo_view_draw(view, picture->pixels, picture->w, picture->h, (size_t)picture->pitch);
+  SDL_SetSurfaceBlendMode(picture, SDL_BLENDMODE_NONE);
+  SDL_BlitSurface(picture, NULL, screen, NULL);
+  SDL_FreeSurface(picture);
+  SDL_UpdateWindowSurface(host->window);
+}
+
+static void finish(quellaro_halvo_status status, void* context) {
+  SDL_Event event = {.type = SDL_QUIT};
+  ((struct host*)context)->answer = status;
+  SDL_PushEvent(&event);
+}
+
+static void play(quellaro_halvo_status prepared, void* context) {
+  struct host* host = context;
+  if (prepared == quellaro_halvo_status_success)
+    quellaro_halvo_controller_play(host->controller, host->view, finish, host);
+  else
+    finish(prepared, host);
+}
+
+static void run(struct host* host) {
+  for (;;) {
+    SDL_Event event;
+    const int timeout = quellaro_halvo_loop_milliseconds_until_next_deadline();
+    const int has_event = timeout < 0 ? SDL_WaitEvent(&event) : SDL_WaitEventTimeout(&event, timeout);
+    if (has_event != 0 && event.type == SDL_QUIT) return;
+    if (has_event != 0 && event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_EXPOSED)
+      draw(host->view, host);
+    quellaro_halvo_loop_drain();
+    if (has_event != 0 && event.type == host->halvo_event) SDL_SemPost(host->drained);
+  }
+}
+
+int main(int argc, char** argv) {
+  static struct host host;
+  const char* codes[] = {"5411"};
+  quellaro_halvo_merchant* merchant = quellaro_halvo_merchant_create("Corner Shop", "US", NULL, codes, 1, NULL);
+  (void)argc, (void)argv;
+  if (SDL_Init(SDL_INIT_VIDEO) != 0 ||
+      !(host.window = SDL_CreateWindow("Cue", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, side, side, 0))) {
+    fprintf(stderr, "%s\n", SDL_GetError());
+    return 1;
+  }
+  host.view = quellaro_halvo_view_create();
+  host.controller = quellaro_halvo_controller_create();
+  host.halvo_event = SDL_RegisterEvents(1);
+  host.drained = SDL_CreateSemaphore(0);
+  SDL_DetachThread(SDL_CreateThread(watch, "cue", &host));
+  quellaro_halvo_view_set_needs_display_handler(host.view, draw, &host);
+  if (quellaro_halvo_controller_prepare(host.controller, quellaro_halvo_type_animation_and_sound, "quellaro",
+                                        quellaro_halvo_environment_primary, merchant, false, play,
+                                        &host) == quellaro_halvo_result_ok)
+    run(&host);
+  printf("%d %s\n", (int)host.answer, quellaro_halvo_status_name(host.answer));
+  quellaro_halvo_merchant_release(merchant);
+  quellaro_halvo_controller_release(host.controller);
+  quellaro_halvo_view_release(host.view);
+  SDL_Quit();
+  return host.answer == quellaro_halvo_status_success ? 0 : 1;
+}
