@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "check/check_tool.h"
-#include "check_findings.h"
+#include "check/findings.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cue_check.h"
+#include "playable_cue.h"
 #include "platform/foundation/error.h"
 
 namespace halvo {

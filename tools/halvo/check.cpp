@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "check_cue.h"
-#include "check_output.h"
+#include "check/cue.h"
+#include "check/output.h"
 #include "commands.h"
 #include "options.h"
 

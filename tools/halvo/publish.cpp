@@ -6,9 +6,9 @@
 #include "asset_store.h"
 #include "assets/utility.h"
 #include "commands.h"
-#include "cue_check.h"
 #include "options.h"
 #include "platform/foundation/utf8.h"
+#include "playable_cue.h"
 #include "types/cue_name.h"
 
 namespace halvo {

@@ -1,0 +1,71 @@
+#include "check/cue.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "assets/file_manager.h"
+#include "check/frames.h"
+#include "check/haptics.h"
+#include "check/sound.h"
+#include "check/timing.h"
+#include "platform/foundation/console.h"
+#include "platform/foundation/file_manager.h"
+
+namespace halvo {
+
+namespace {
+
+using namespace quellaro;
+
+// People notice when one part goes on for longer than this.
+constexpr double kLongestTail = 0.5;
+constexpr double kLongestHapticTail = 0.1;
+
+std::string secondsText(double seconds) {
+  std::array<char, 64> text;
+  std::snprintf(text.data(), text.size(), "%.2f s", seconds);
+  return text.data();
+}
+
+Finding findingIn(const char* file, FindingId id, std::string what) {
+  return {id, std::move(what), file, std::nullopt, "", "", "", std::nullopt};
+}
+
+void checkLengths(const CueFacts& facts, Report& report) {
+  if (facts.animationEnd && facts.soundEnd && std::fabs(*facts.animationEnd - *facts.soundEnd) > kLongestTail)
+    report.add(findingIn(kPlayConfigFile, FindingId::Length,
+                         "the animation ends after " + secondsText(*facts.animationEnd) + ", the sound after " +
+                             secondsText(*facts.soundEnd)));
+  const double end = std::max(facts.animationEnd.value_or(0), facts.soundEnd.value_or(0));
+  if (facts.hapticsEnd && (facts.animationEnd || facts.soundEnd) && *facts.hapticsEnd > end + kLongestHapticTail)
+    report.add(
+        findingIn(kHapticsFile, FindingId::HapticsLength,
+                  "the pattern ends after " + secondsText(*facts.hapticsEnd) + ", the cue after " + secondsText(end)));
+}
+
+CueFacts checkDirectory(const std::string& directory, Report& report, const CheckProgress& progress) {
+  const auto pathOf = [&](const char* name) { return directory + "/" + name; };
+  CueFacts facts;
+  const auto config = readConfig(pathOf(kPlayConfigFile), report);
+  const bool frames = checkFrames(pathOf(kAnimationFile), kAnimationFile, report, progress, facts.frames);
+  if (config && frames) facts.animationEnd = checkTiming(*config, facts.frames, report);
+  facts.soundEnd = checkSound(pathOf(kSoundFile), report);
+  if (config && facts.soundEnd) *facts.soundEnd += std::max(0.0, config->soundDelayInMillis / 1000);
+  facts.hapticsEnd = checkHaptics(pathOf(kHapticsFile), config && config->isHapticsSupported, report);
+  checkLengths(facts, report);
+  return facts;
+}
+
+}  // namespace
+
+CueFacts checkSource(const std::string& source, Report& report, const CheckProgress& progress) {
+  // What the engine says of odd path data is among the findings.
+  setConsoleSink([](std::string_view) {});
+  if (FileManager::directoryExistsAtPath(source)) return checkDirectory(source, report, progress);
+  CueFacts facts;
+  checkFrames(source, source, report, progress, facts.frames);
+  return facts;
+}
+
+}  // namespace halvo

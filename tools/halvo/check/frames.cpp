@@ -1,0 +1,115 @@
+#include "check/frames.h"
+
+#include <chrono>
+#include <cmath>
+#include <memory>
+
+#include "animation/frame_file.h"
+#include "check/budget.h"
+#include "check/document.h"
+#include "platform/foundation/file_manager.h"
+#include "platform/foundation/json_reader.h"
+
+namespace halvo {
+
+namespace {
+
+using namespace quellaro;
+using Clock = std::chrono::steady_clock;
+
+Finding findingIn(const std::string& file, FindingId id, std::string what) {
+  return {id, std::move(what), file, std::nullopt, "", "", "", std::nullopt};
+}
+
+// Why a valid JSON text holds no frames.
+std::string whyNoFrames(std::string json) {
+  const Result<JSONDocument> document = JSONDocument::parse(std::move(json));
+  if (!document) return document.error().localizedDescription;
+  if (document->root().type() != JSONType::Array)
+    return "an array of frames was expected, but this is " + std::string(describe(document->root().type()));
+  std::size_t number = 0;
+  for (const JSONValue& value : document->root().elements()) {
+    ++number;
+    if (!value.string())
+      return "Frame_" + std::to_string(number) + " is no text, but " + std::string(describe(value.type()));
+  }
+  return "the array is empty";
+}
+
+std::string sizeText(const CGSize& size) {
+  return std::to_string(std::lround(size.width)) + " x " + std::to_string(std::lround(size.height));
+}
+
+class FramesCheck {
+ public:
+  FramesCheck(const FrameTexts& frames, std::string file, bool isDocument, Report& report)
+      : frames_(frames), file_(std::move(file)), isDocument_(isDocument), report_(report) {}
+
+  void run(const CheckProgress& progress) {
+    for (std::size_t i = 0; i < frames_.texts.size(); ++i) {
+      const std::string_view text = frames_.texts[i];
+      const std::optional<std::size_t> number = isDocument_ ? std::nullopt : std::optional(i + 1);
+      FrameFindings findings(report_, file_, number, text);
+      const std::optional<CGSize> size = checkDocument(text, frames_.storage, findings);
+      if (size) compare(*size, findings);
+      if (progress) progress(i + 1, frames_.texts.size());
+    }
+    timePreparing();
+  }
+
+ private:
+  void compare(CGSize size, FrameFindings& findings) {
+    if (!firstSize_) firstSize_ = size;
+    if (size != *firstSize_)
+      findings.at(0, FindingId::SizeVaries, sizeText(size) + ", and " + sizeText(*firstSize_) + " before");
+  }
+
+  // As the player prepares them, without anybody looking on.
+  void timePreparing() {
+    const auto start = Clock::now();
+    parseFrames(frames_);
+    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    if (seconds > budget::kPrepareSeconds)
+      report_.add(findingIn(file_, FindingId::BudgetTime,
+                            "preparing takes " + std::to_string(std::lround(seconds * 1000)) + " ms here, of " +
+                                std::to_string(std::lround(budget::kPrepareSeconds * 1000))));
+  }
+
+  const FrameTexts& frames_;
+  std::string file_;
+  bool isDocument_;
+  Report& report_;
+  std::optional<CGSize> firstSize_;
+};
+
+}  // namespace
+
+bool checkFrames(const std::string& path, const std::string& file, Report& report, const CheckProgress& progress,
+                 std::size_t& frames) {
+  const auto refuse = [&](FindingId id, std::string what) {
+    report.add(findingIn(file, id, std::move(what)));
+    return false;
+  };
+  auto bytes = FileManager::readAtPath(path);
+  if (!bytes) return refuse(FindingId::Unreadable, bytes.error().localizedDescription);
+  const bool isDocument = path.ends_with(".svg");
+  if (!isDocument && bytes->size() > budget::kAnimationBytes)
+    report.add(findingIn(file, FindingId::BudgetBytes,
+                         std::to_string(bytes->size()) + " bytes, of " + std::to_string(budget::kAnimationBytes)));
+  FrameTexts texts;
+  if (isDocument) {
+    const auto kept = std::make_shared<const std::string>(std::move(*bytes));
+    texts = {kept, {*kept}};
+  } else {
+    auto decoded = decodeFrames(std::move(*bytes));
+    if (!decoded) return refuse(FindingId::Json, decoded.error().localizedDescription);
+    texts = std::move(*decoded);
+    if (texts.texts.empty())
+      return refuse(FindingId::NoFrames, whyNoFrames(FileManager::contentsAtPath(path).value_or("")));
+  }
+  frames = texts.texts.size();
+  FramesCheck(texts, file, isDocument, report).run(progress);
+  return true;
+}
+
+}  // namespace halvo

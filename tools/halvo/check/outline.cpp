@@ -1,0 +1,107 @@
+#include "check/outline.h"
+
+#include <cmath>
+#include <cstddef>
+#include <optional>
+
+namespace halvo {
+
+namespace {
+
+using namespace quellaro;
+
+// The engine's own.
+constexpr double kMiterLimit = 10;
+
+CGPoint operator-(CGPoint a, CGPoint b) { return {a.x - b.x, a.y - b.y}; }
+double cross(CGPoint a, CGPoint b) { return a.x * b.y - a.y * b.x; }
+double dot(CGPoint a, CGPoint b) { return a.x * b.x + a.y * b.y; }
+bool isZero(CGPoint a) { return a.x == 0 && a.y == 0; }
+
+// Follows an outline's corners: the directions in which each comes in and goes out.
+class CornerSearch {
+ public:
+  explicit CornerSearch(double miterLimit) : miterLimit_(miterLimit) {}
+
+  void move(CGPoint to) {
+    start_ = current_ = to;
+    first_.reset();
+    last_.reset();
+  }
+  // The points of one segment behind the current one.
+  void segment(const CGPoint* points, int count) {
+    const CGPoint end = points[count - 1];
+    CGPoint leaving{};
+    for (int i = 0; i < count && isZero(leaving); ++i) leaving = points[i] - current_;
+    CGPoint arriving{};
+    for (int i = count - 2; i >= -1 && isZero(arriving); --i) arriving = end - (i < 0 ? current_ : points[i]);
+    current_ = end;
+    if (isZero(leaving)) return;
+    if (last_) corner(*last_, leaving);
+    if (!first_) first_ = leaving;
+    last_ = arriving;
+  }
+  void close() {
+    segment(&start_, 1);
+    if (first_ && last_) corner(*last_, *first_);
+    move(start_);
+  }
+  bool hasFound() const { return found_; }
+
+ private:
+  // The miter's length over the line's width is sqrt(2 / (1 + cosine)).
+  void corner(CGPoint in, CGPoint out) {
+    const double cosine = dot(in, out) / std::sqrt(dot(in, in) * dot(out, out));
+    const double ratio = std::sqrt(2 / std::fmax(1 + cosine, 1e-12));
+    if ((ratio <= kMiterLimit) != (ratio <= miterLimit_)) found_ = true;
+  }
+
+  double miterLimit_;
+  CGPoint start_;
+  CGPoint current_;
+  std::optional<CGPoint> first_;
+  std::optional<CGPoint> last_;
+  bool found_ = false;
+};
+
+}  // namespace
+
+bool hasArea(const CGPath& outline) {
+  const CGPoint* point = outline.points().data();
+  CGPoint start{};
+  CGPoint direction{};
+  for (const PathVerb verb : outline.verbs()) {
+    const int count = pointCount(verb);
+    if (verb == PathVerb::Move) {
+      start = *point;
+      direction = {};
+    } else {
+      for (int i = 0; i < count; ++i) {
+        const CGPoint way = point[i] - start;
+        if (isZero(direction)) direction = way;
+        if (std::fabs(cross(direction, way)) > 1e-9 * (dot(direction, direction) + dot(way, way))) return true;
+      }
+    }
+    point += count;
+  }
+  return false;
+}
+
+bool hasCornerBetween(const CGPath& outline, double miterLimit) {
+  CornerSearch search(miterLimit);
+  const CGPoint* point = outline.points().data();
+  for (const PathVerb verb : outline.verbs()) {
+    const int count = pointCount(verb);
+    if (verb == PathVerb::Move)
+      search.move(*point);
+    else if (verb == PathVerb::Close)
+      search.close();
+    else
+      search.segment(point, count);
+    point += count;
+    if (search.hasFound()) return true;
+  }
+  return false;
+}
+
+}  // namespace halvo

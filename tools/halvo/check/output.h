@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+#include "check/cue.h"
+#include "check/report.h"
+
+namespace halvo {
+
+// "animation.json, frame 3, line 1, column 20": where the finding was met first.
+std::string placeOf(const Finding& finding);
+
+// For people: each finding, and a line that sums up.
+std::string reportText(const std::string& source, const Report& report, const CueFacts& facts, bool withColor);
+
+// For machines: one JSON object on one line. Keys are only ever added.
+std::string reportJson(const std::string& source, const Report& report, const CueFacts& facts);
+
+}  // namespace halvo

@@ -1,0 +1,100 @@
+#include "check/report.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/foundation/utf8.h"
+
+namespace halvo {
+
+namespace {
+
+// Nobody reads more, and each position takes a walk through its frame.
+constexpr std::size_t kMostGroups = 500;
+
+constexpr std::size_t kLongestText = 60;
+
+std::string keyOf(const Finding& finding) {
+  std::string key = std::to_string(static_cast<int>(finding.id));
+  for (const std::string* part : {&finding.file, &finding.element, &finding.elementId, &finding.attribute})
+    key.append(1, '\0').append(*part);
+  return key;
+}
+
+// A control character of ASCII or of the block behind it, the latter by its two bytes.
+bool isControl(std::string_view text, std::size_t at) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  if (byte(at) < 0x20 || byte(at) == 0x7f) return true;
+  return byte(at) == 0xc2 && at + 1 < text.size() && byte(at + 1) < 0xa0;
+}
+
+bool continuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; }
+
+}  // namespace
+
+void Report::add(Finding finding, const std::function<TextPosition()>& position) {
+  const std::string key = keyOf(finding);
+  auto known = indexes_.find(key);
+  if (known == indexes_.end()) {
+    if (groups_.size() == kMostGroups) {
+      ++leftOut_[static_cast<std::size_t>(kindOf(finding.id).severity)];
+      return;
+    }
+    if (position) finding.position = position();
+    known = indexes_.emplace(key, groups_.size()).first;
+    groups_.push_back({std::move(finding), {}, 0});
+    if (groups_.back().first.frame) groups_.back().frames.push_back(*groups_.back().first.frame);
+    groups_.back().count = 1;
+    return;
+  }
+  FindingGroup& group = groups_[known->second];
+  ++group.count;
+  if (finding.frame && (group.frames.empty() || group.frames.back() != *finding.frame))
+    group.frames.push_back(*finding.frame);
+}
+
+std::vector<const FindingGroup*> Report::groups() const {
+  std::vector<const FindingGroup*> sorted;
+  for (const FindingGroup& group : groups_) sorted.push_back(&group);
+  std::stable_sort(sorted.begin(), sorted.end(), [](const FindingGroup* a, const FindingGroup* b) {
+    return kindOf(a->first.id).severity > kindOf(b->first.id).severity;
+  });
+  return sorted;
+}
+
+std::size_t Report::count(Severity severity) const {
+  const auto isSo = [&](const FindingGroup& group) { return kindOf(group.first.id).severity == severity; };
+  return static_cast<std::size_t>(std::count_if(groups_.begin(), groups_.end(), isSo)) +
+         leftOut_[static_cast<std::size_t>(severity)];
+}
+
+std::string rangesOf(const std::vector<std::size_t>& numbers) {
+  std::string text;
+  for (std::size_t i = 0; i < numbers.size();) {
+    std::size_t last = i;
+    while (last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1) ++last;
+    text += (text.empty() ? "" : ", ") + std::to_string(numbers[i]);
+    if (last > i) text += (last == i + 1 ? ", " : "-") + std::to_string(numbers[last]);
+    i = last + 1;
+  }
+  return text;
+}
+
+std::string printable(std::string_view text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (result.size() >= kLongestText && !continuesCharacter(text[i])) {
+      result += "...";
+      break;
+    }
+    if (isControl(text, i)) {
+      result += '?';
+      if (static_cast<unsigned char>(text[i]) == 0xc2) ++i;
+    } else {
+      result += text[i];
+    }
+  }
+  return quellaro::repairedUTF8(result);
+}
+
+}  // namespace halvo

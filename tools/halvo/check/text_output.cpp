@@ -1,0 +1,118 @@
+#include <array>
+#include <cstdio>
+
+#include "check/output.h"
+
+namespace halvo {
+
+namespace {
+
+constexpr std::string_view kBold = "\033[1m";
+constexpr std::string_view kDim = "\033[2m";
+constexpr std::string_view kPlain = "\033[0m";
+
+std::string_view colorOf(Severity severity) {
+  constexpr std::string_view kColors[] = {"\033[1;36m", "\033[1;33m", "\033[1;31m"};
+  return kColors[static_cast<std::size_t>(severity)];
+}
+
+class Writer {
+ public:
+  explicit Writer(bool withColor) : withColor_(withColor) {}
+
+  void write(const FindingGroup& group) {
+    const Finding& first = group.first;
+    const FindingKind& kind = kindOf(first.id);
+    paint(colorOf(kind.severity), nameOf(kind.severity));
+    text_ += ": ";
+    paint(kBold, titleOf(first));
+    paint(kDim, " [" + std::string(kind.name) + "]\n");
+    line("at", placeOf(first) + elsewhere(group));
+    line("player", kind.player);
+    line("instead", kind.instead);
+    text_ += '\n';
+  }
+  void write(std::string_view text) { text_ += text; }
+  void paint(std::string_view color, std::string_view text) {
+    if (withColor_) text_ += color;
+    text_ += text;
+    if (withColor_) text_ += kPlain;
+  }
+  std::string take() { return std::move(text_); }
+
+ private:
+  static std::string titleOf(const Finding& finding) {
+    if (finding.element.empty()) return finding.what;
+    const std::string id = finding.elementId.empty() ? "" : " id=\"" + finding.elementId + "\"";
+    const std::string tag = "<" + finding.element + id + ">";
+    return finding.what == "<" + finding.element + ">" ? tag : finding.what + " on " + tag;
+  }
+
+  static std::string elsewhere(const FindingGroup& group) {
+    if (group.count == 1) return "";
+    const std::string places = std::to_string(group.count) + " places";
+    if (group.frames.size() <= 1) return " (" + places + ")";
+    return " (" + (group.count == group.frames.size() ? "" : places + " in ") + "frames " + rangesOf(group.frames) +
+           ")";
+  }
+
+  void line(std::string_view label, std::string_view text) {
+    std::string padded(label);
+    padded.resize(8, ' ');
+    text_ += "    ";
+    paint(kDim, padded);
+    text_.append(text).append("\n");
+  }
+
+  bool withColor_;
+  std::string text_;
+};
+
+std::string counted(std::size_t count, const char* noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string factsText(const CueFacts& facts) {
+  std::string text = counted(facts.frames, "frame");
+  const auto add = [&](const char* name, const std::optional<double>& end) {
+    if (!end) return;
+    std::array<char, 64> part;
+    std::snprintf(part.data(), part.size(), ", %s %.2f s", name, *end);
+    text += part.data();
+  };
+  add("animation", facts.animationEnd);
+  add("sound", facts.soundEnd);
+  add("haptics", facts.hapticsEnd);
+  return text;
+}
+
+}  // namespace
+
+std::string placeOf(const Finding& finding) {
+  std::string place = finding.file;
+  if (finding.frame) place += ", frame " + std::to_string(*finding.frame);
+  if (finding.position)
+    place +=
+        ", line " + std::to_string(finding.position->line) + ", column " + std::to_string(finding.position->column);
+  return place;
+}
+
+std::string reportText(const std::string& source, const Report& report, const CueFacts& facts, bool withColor) {
+  Writer writer(withColor);
+  for (const FindingGroup* group : report.groups()) writer.write(*group);
+  if (report.leftOut() > 0) writer.write(counted(report.leftOut(), "further finding") + " left out\n\n");
+  writer.write(source + ": ");
+  const std::size_t errors = report.count(Severity::Error);
+  const std::size_t warnings = report.count(Severity::Warning);
+  const std::size_t notes = report.count(Severity::Note);
+  if (report.isClean())
+    writer.paint("\033[1;32m", "clean");
+  else
+    writer.paint(colorOf(errors > 0 ? Severity::Error : Severity::Warning),
+                 counted(errors, "error") + ", " + counted(warnings, "warning"));
+  if (notes > 0) writer.write(", " + counted(notes, "note"));
+  writer.write(" (" + factsText(facts) + ")\n");
+  return writer.take();
+}
+
+}  // namespace halvo
