@@ -25,7 +25,7 @@ constexpr Rule kRules[] = {
     {"clip-path", FindingId::ClipPath, {"none"}},
     {"mask", FindingId::Mask, {"none"}},
     {"filter", FindingId::Filter, {"none"}},
-    {"stroke-dasharray", FindingId::StrokeDash, {"none"}},
+    {"stroke-dasharray", FindingId::StrokeDash, {"none", "0"}},
     {"stroke-linecap", FindingId::StrokeEnds, {"butt"}},
     {"stroke-linejoin", FindingId::StrokeEnds, {"miter"}},
     {"display", FindingId::Visibility, {"inline", "block"}},

@@ -15,7 +15,7 @@ inline constexpr std::size_t kFrameBytes = std::size_t{64} << 10;
 inline constexpr std::size_t kFrameElements = 500;
 inline constexpr std::size_t kFramePoints = 10'000;
 
-// To prepare all frames, of this machine's time.
+// To prepare all frames, of this machine's CPU time.
 inline constexpr double kPrepareSeconds = 0.25;
 
 }  // namespace halvo::budget

@@ -121,6 +121,9 @@ void checkBudget(std::string_view text, const DocumentCheck& check, FrameFinding
 
 std::optional<CGSize> checkDocument(std::string_view text, const std::shared_ptr<const void>& owner,
                                     FrameFindings& findings) {
+  // The parser passes over processing instructions, so this one is looked for.
+  if (const std::size_t sheet = text.find("<?xml-stylesheet"); sheet != std::string_view::npos)
+    findings.at(sheet, FindingId::Style, "<?xml-stylesheet");
   DocumentCheck check(findings);
   // Of this frame alone, so that memory does not grow with their number.
   const auto arena = std::make_shared<Arena>(std::clamp<std::size_t>(text.size(), 1 << 10, 1 << 20));

@@ -1,7 +1,7 @@
 #include "check/frames.h"
 
-#include <chrono>
 #include <cmath>
+#include <ctime>
 #include <memory>
 
 #include "animation/frame_file.h"
@@ -15,7 +15,6 @@ namespace halvo {
 namespace {
 
 using namespace quellaro;
-using Clock = std::chrono::steady_clock;
 
 Finding findingIn(const std::string& file, FindingId id, std::string what) {
   return {id, std::move(what), file, std::nullopt, "", "", "", std::nullopt};
@@ -66,9 +65,9 @@ class FramesCheck {
 
   // As the player prepares them, without anybody looking on.
   void timePreparing() {
-    const auto start = Clock::now();
+    const std::clock_t start = std::clock();
     parseFrames(frames_);
-    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     if (seconds > budget::kPrepareSeconds)
       report_.add(findingIn(file_, FindingId::BudgetTime,
                             "preparing takes " + std::to_string(std::lround(seconds * 1000)) + " ms here, of " +

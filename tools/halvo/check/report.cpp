@@ -12,7 +12,8 @@ namespace {
 // Nobody reads more, and each position takes a walk through its frame.
 constexpr std::size_t kMostGroups = 500;
 
-constexpr std::size_t kLongestText = 60;
+// Of what others say, such as the path to a wrong key.
+constexpr std::size_t kLongestWhat = 500;
 
 std::string keyOf(const Finding& finding) {
   std::string key = std::to_string(static_cast<int>(finding.id));
@@ -41,6 +42,7 @@ void Report::add(Finding finding, const std::function<TextPosition()>& position)
       return;
     }
     if (position) finding.position = position();
+    finding.what = printable(finding.what, kLongestWhat);
     known = indexes_.emplace(key, groups_.size()).first;
     groups_.push_back({std::move(finding), {}, 0});
     if (groups_.back().first.frame) groups_.back().frames.push_back(*groups_.back().first.frame);
@@ -80,10 +82,10 @@ std::string rangesOf(const std::vector<std::size_t>& numbers) {
   return text;
 }
 
-std::string printable(std::string_view text) {
+std::string printable(std::string_view text, std::size_t longest) {
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (result.size() >= kLongestText && !continuesCharacter(text[i])) {
+    if (result.size() >= longest && !continuesCharacter(text[i])) {
       result += "...";
       break;
     }

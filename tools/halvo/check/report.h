@@ -62,7 +62,7 @@ class Report {
 // "1-4, 7": ascending numbers, runs joined.
 std::string rangesOf(const std::vector<std::size_t>& numbers);
 
-// The text in one line and without anything that would change a terminal; cut when it is long.
-std::string printable(std::string_view text);
+// The text in one line and without anything that would change a terminal; cut when it is longer than that.
+std::string printable(std::string_view text, std::size_t longest = 60);
 
 }  // namespace halvo

@@ -26,7 +26,8 @@ class Writer {
     paint(colorOf(kind.severity), nameOf(kind.severity));
     text_ += ": ";
     paint(kBold, titleOf(first));
-    paint(kDim, " [" + std::string(kind.name) + "]\n");
+    paint(kDim, " [" + std::string(kind.name) + "]");
+    text_ += '\n';
     line("at", placeOf(first) + elsewhere(group));
     line("player", kind.player);
     line("instead", kind.instead);
