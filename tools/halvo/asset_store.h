@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "playable_cue.h"
 #include "platform/foundation/error.h"
+#include "playable_cue.h"
 
 namespace halvo {
 
