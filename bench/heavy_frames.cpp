@@ -89,14 +89,15 @@ void append(std::string& text, double number) {
 
 std::string pathData(const CGPath& path) {
   std::string text;
-  const CGPoint* p = path.points().data();
+  const PathPoints points = path.points();
+  std::size_t next = 0;
   for (const PathVerb verb : path.verbs()) {
     text += "MLQCZ"[static_cast<int>(verb)];
-    for (int i = 0; i < pointCount(verb); ++i, ++p) {
+    for (int i = 0; i < pointCount(verb); ++i, ++next) {
       if (i > 0) text += ' ';
-      append(text, p->x);
+      append(text, points[next].x);
       text += ',';
-      append(text, p->y);
+      append(text, points[next].y);
     }
   }
   return text;

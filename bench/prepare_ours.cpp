@@ -6,9 +6,9 @@
 int main(int, char** argv) {
   std::vector<std::shared_ptr<const quellaro::SVGDocument>> documents;
   {
-    const auto texts = quellaro::readFrameFile(argv[1]);
+    auto texts = quellaro::readFrameFile(argv[1]);
     if (!texts) return 1;
-    documents = quellaro::parseFrames(*texts);
+    documents = quellaro::parseFrames(std::move(*texts));
   }
   std::printf("%zu\n", documents.size());
 }

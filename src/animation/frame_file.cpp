@@ -9,14 +9,6 @@
 
 namespace quellaro {
 
-namespace {
-
-// Of the arena: outlines take about as much memory as their text. Only what is used becomes real memory.
-constexpr std::size_t kSmallestBlock = std::size_t{1} << 12;
-constexpr std::size_t kLargestBlock = std::size_t{64} << 20;
-
-}  // namespace
-
 Result<FrameTexts> readFrameFile(const std::string& path) {
   auto bytes = FileManager::readAtPath(path);
   if (!bytes) return bytes.error();
@@ -30,16 +22,15 @@ Result<FrameTexts> decodeFrames(std::string bytes) {
   if (!strings) return FrameTexts();
   if (strings->strings.size() > limits::kFrames)
     return NSError{"NSCocoaErrorDomain", 0, "More than " + std::to_string(limits::kFrames) + " frames"};
-  return FrameTexts{std::move(strings->storage), std::move(strings->strings)};
+  return FrameTexts{std::move(strings->storage), std::move(strings->strings), std::move(strings->spent)};
 }
 
-std::vector<std::shared_ptr<const SVGDocument>> parseFrames(const FrameTexts& frames) {
-  std::size_t size = 0;
-  for (const std::string_view text : frames.texts) size += text.size();
-  const auto arena = std::make_shared<Arena>(std::clamp(size, kSmallestBlock, kLargestBlock));
+std::vector<std::shared_ptr<const SVGDocument>> parseFrames(FrameTexts frames) {
+  const auto arena = std::make_shared<Arena>(std::move(frames.spent));
   std::vector<std::shared_ptr<const SVGDocument>> documents;
   documents.reserve(frames.texts.size());
   for (const std::string_view text : frames.texts) documents.push_back(SVGDocument::parse(text, frames.storage, arena));
+  arena->giveBackUnused();
   return documents;
 }
 

@@ -14,17 +14,20 @@ namespace quellaro {
 struct FrameTexts {
   std::shared_ptr<const void> storage;
   std::vector<std::string_view> texts;
+  // The memory that the file was read into, of no more use but as memory.
+  std::string spent;
 };
 
 // Reads animation.json: a JSON array of strings, each the text of one SVG document. Any other JSON value holds no
-// frames, which is no error; a file that cannot be read, or that is not valid JSON, is one. The file's bytes and all
-// the JSON parser's memory but the texts are given back before this returns. Any thread.
+// frames, which is no error; a file that cannot be read, or that is not valid JSON, is one. All the JSON parser's
+// memory but the texts is given back before this returns. Any thread.
 Result<FrameTexts> readFrameFile(const std::string& path);
 
 // The same for bytes that have been read.
 Result<FrameTexts> decodeFrames(std::string bytes);
 
-// Parses every frame. The documents share their memory: it is given back when the last of them is gone.
-std::vector<std::shared_ptr<const SVGDocument>> parseFrames(const FrameTexts& frames);
+// Parses every frame; the outlines take the place of the file's bytes. The documents share their memory: it is given
+// back when the last of them is gone.
+std::vector<std::shared_ptr<const SVGDocument>> parseFrames(FrameTexts frames);
 
 }  // namespace quellaro

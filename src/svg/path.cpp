@@ -30,11 +30,7 @@ CGPoint reflected(CGPoint point, CGPoint about) { return {2 * about.x - point.x,
 
 struct ScannedNumbers {
   NSScanner& scanner;
-  bool next(double& number) {
-    const std::optional<double> scanned = scanner.scanDouble();
-    if (scanned) number = *scanned;
-    return scanned.has_value();
-  }
+  bool fill(std::span<double> group) { return scanner.scanDoubles(group) == group.size(); }
 };
 
 // The player's way: nobody is told.
@@ -47,10 +43,10 @@ struct NoListener {
 struct RecordedNumbers {
   ScannedNumbers scanned;
   std::vector<double>& record;
-  bool next(double& number) {
-    if (!scanned.next(number)) return false;
-    record.push_back(number);
-    return true;
+  bool fill(std::span<double> group) {
+    const std::size_t count = scanned.scanner.scanDoubles(group);
+    record.insert(record.end(), group.begin(), group.begin() + static_cast<std::ptrdiff_t>(count));
+    return count == group.size();
   }
 };
 
@@ -67,18 +63,18 @@ struct Listener {
 
 struct ListedNumbers {
   std::span<const double> numbers;
-  bool next(double& number) {
-    if (numbers.empty()) return false;
-    number = numbers.front();
-    numbers = numbers.subspan(1);
-    return true;
+  bool fill(std::span<double> group) {
+    const std::size_t count = std::min(group.size(), numbers.size());
+    std::copy_n(numbers.begin(), count, group.begin());
+    numbers = numbers.subspan(count);
+    return count == group.size();
   }
 };
 
 template <class Numbers>
 void discard(Numbers& numbers) {
   double number = 0;
-  while (numbers.next(number)) {
+  while (numbers.fill({&number, 1})) {
   }
 }
 
@@ -185,11 +181,7 @@ void SVGPath::apply(std::string_view command, Numbers numbers) {
 template <std::size_t size, class Numbers, class Draw>
 void SVGPath::eachGroup(Numbers& numbers, Draw draw) {
   std::array<double, size> group{};
-  while (path_.pointCount() < limits::kPathPoints) {
-    for (double& number : group)
-      if (!numbers.next(number)) return;
-    draw(group);
-  }
+  while (path_.pointCount() < limits::kPathPoints && numbers.fill(group)) draw(group);
 }
 
 void SVGPath::move(CGPoint to) {

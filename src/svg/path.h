@@ -35,7 +35,7 @@ class SVGPath : public SVGElement {
   // The listener hands on the numbers of each command and is told of the command and of the end.
   template <class AnyListener>
   void readData(XMLAttributes attributes, AnyListener listener);
-  // Numbers come one at a time from the text or a list: `bool next(double&)`.
+  // Numbers come in groups from the text or a list: `bool fill(std::span<double>)`.
   template <class Numbers>
   void apply(std::string_view command, Numbers numbers);
   // Calls `draw` with each full group.

@@ -38,9 +38,9 @@ TEST(FrameFile, HoldsAnArrayOfStringsOrNoFrames) {
 TEST(FrameFile, AFrameOutlivesTheOthersAndTheTexts) {
   std::shared_ptr<const SVGDocument> kept;
   {
-    const auto frames = decodeFrames(R"(["<svg/>", "<svg><path id='a' d='M1 2L3 4'/></svg>", "<svg>"])");
+    auto frames = decodeFrames(R"(["<svg/>", "<svg><path id='a' d='M1 2L3 4'/></svg>", "<svg>"])");
     ASSERT_TRUE(frames);
-    const auto documents = parseFrames(*frames);
+    const auto documents = parseFrames(std::move(*frames));
     ASSERT_EQ(documents.size(), 3U);
     kept = documents[1];
   }

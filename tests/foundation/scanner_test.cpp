@@ -2,7 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "platform/foundation/decimal_scan.h"
 
 namespace quellaro {
 namespace {
@@ -26,6 +32,32 @@ TEST(Scanner, SkipsThenScansAndAFailureMovesNothing) {
   EXPECT_FALSE(trailing.isAtEnd());
   EXPECT_EQ(trailing.scanDouble(), 1);
   EXPECT_TRUE(trailing.isAtEnd());
+}
+
+// Lists of numbers of every shape, next to each other in every way, read once as a list and once number by number.
+TEST(Scanner, AListReadsAsItsNumbersDo) {
+  constexpr std::string_view kPieces[] = {"0", "7", "12", "345", "99999999", "123456789", ".", "-",    "+",  " ",
+                                          ",", "e", "E5", "-0",  ".5",       "1.",        "x", "\xc3", " -", ", "};
+  std::minstd_rand random(7);
+  for (int round = 0; round < 20000; ++round) {
+    std::string text;
+    for (auto pieces = random() % 24; pieces > 0; --pieces) text += kPieces[random() % std::size(kPieces)];
+    std::vector<double> expected;
+    for (const char* p = text.data();;) {
+      const char* const end = text.data() + text.size();
+      while (p != end && kBlanks.contains(*p)) ++p;
+      double value = 0;
+      const char* const next = scanDecimal(p, end, value);
+      if (next == p) break;
+      expected.push_back(value);
+      p = next;
+    }
+    std::vector<double> numbers(expected.size() + 1);
+    NSScanner scanner(text, kBlanks);
+    ASSERT_EQ(scanner.scanDoubles(numbers), expected.size()) << text;
+    numbers.pop_back();
+    ASSERT_EQ(std::memcmp(numbers.data(), expected.data(), expected.size() * sizeof(double)), 0) << text;
+  }
 }
 
 TEST(Scanner, Literals) {

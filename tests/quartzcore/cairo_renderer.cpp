@@ -13,7 +13,8 @@ void setSource(cairo_t* cr, const CGColor& color) {
 }
 
 void addPath(cairo_t* cr, const CGPath& path) {
-  const CGPoint* p = path.points().data();
+  const std::vector<CGPoint> points = path.points().values();
+  const CGPoint* p = points.data();
   CGPoint current;
   CGPoint start;
   cairo_new_path(cr);

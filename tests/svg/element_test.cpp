@@ -168,7 +168,7 @@ CGPoint middle(CGPoint a, CGPoint b, CGPoint c, CGPoint d) {
 
 void expectOnOval(const CGPath& path, CGPoint center, double rx, double ry) {
   const auto distance = [&](CGPoint p) { return std::hypot((p.x - center.x) / rx, (p.y - center.y) / ry); };
-  const std::span<const CGPoint> points = path.points();
+  const PathPoints points = path.points();
   for (std::size_t i = 0; i + 3 < points.size(); i += 3) {
     EXPECT_NEAR(distance(points[i]), 1, 1e-12);
     EXPECT_NEAR(distance(middle(points[i], points[i + 1], points[i + 2], points[i + 3])), 1, 3e-4);
@@ -176,14 +176,16 @@ void expectOnOval(const CGPath& path, CGPoint center, double rx, double ry) {
 }
 
 TEST(Shapes, CirclesAndArcsAreRound) {
-  const CGPath circle = elementOf("<circle cx='10' cy='20' r='5'/>")->path().cgPath();
+  const auto circleElement = elementOf("<circle cx='10' cy='20' r='5'/>");
+  const CGPath& circle = circleElement->path().cgPath();
   EXPECT_EQ(outlineText(circle).substr(0, 7), "M15,20 ");
   EXPECT_EQ(circle.points()[3], (CGPoint{10, 25}));  // clockwise, y grows downwards
   EXPECT_EQ(circle.points().back(), (CGPoint{15, 20}));
   EXPECT_NE(circle.verbs().back(), PathVerb::Close);
   expectOnOval(circle, {10, 20}, 5, 5);
 
-  const CGPath ellipse = elementOf("<ellipse cx='10' cy='10' rx='5' ry='2'/>")->path().cgPath();
+  const auto ellipseElement = elementOf("<ellipse cx='10' cy='10' rx='5' ry='2'/>");
+  const CGPath& ellipse = ellipseElement->path().cgPath();
   EXPECT_EQ(ellipse.verbs().back(), PathVerb::Close);
   EXPECT_EQ(ellipse.points().size(), 13U);
   expectOnOval(ellipse, {10, 10}, 5, 2);

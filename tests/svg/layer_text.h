@@ -18,12 +18,13 @@ inline std::string numberText(double value) {
 // "M0,0 C1,2 3,4 5,6 Z"
 inline std::string outlineText(const CGPath& path) {
   std::string text;
-  const CGPoint* point = path.points().data();
+  const PathPoints points = path.points();
+  std::size_t next = 0;
   for (const PathVerb verb : path.verbs()) {
     if (!text.empty()) text += ' ';
     text += "MLQCZ"[static_cast<std::size_t>(verb)];
-    for (int i = 0; i < pointCount(verb); ++i, ++point)
-      text += (i > 0 ? " " : "") + numberText(point->x) + "," + numberText(point->y);
+    for (int i = 0; i < pointCount(verb); ++i, ++next)
+      text += (i > 0 ? " " : "") + numberText(points[next].x) + "," + numberText(points[next].y);
   }
   return text;
 }

@@ -69,8 +69,7 @@ class Benchmark {
     decode_.time([&] { texts = readFrames(source_); });
     if (!texts) return texts.error();
     std::vector<std::shared_ptr<const SVGDocument>> documents;
-    parse_.time([&] { documents = parseFrames(*texts); });
-    texts = FrameTexts();
+    parse_.time([&] { documents = parseFrames(std::move(*texts)); });
     layers_.time([&] {
       for (const auto& document : documents) viewLayer(*document, size_, Background::Black);
     });

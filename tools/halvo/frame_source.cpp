@@ -26,7 +26,7 @@ Result<FrameTexts> readFrames(const std::string& source) {
   auto text = FileManager::readAtPath(source);
   if (!text) return text.error();
   const auto kept = std::make_shared<const std::string>(std::move(*text));
-  return FrameTexts{kept, {*kept}};
+  return FrameTexts{kept, {*kept}, {}};
 }
 
 bool canBeShown(const CGSize& size) {

@@ -77,13 +77,14 @@ class LayerWriter {
   }
 
   void writeSegments(const CGPath& path) {
-    const CGPoint* point = path.points().data();
+    const PathPoints points = path.points();
+    std::size_t next = 0;
     for (const PathVerb verb : path.verbs()) {
       static constexpr const char* kLetters[] = {"M", "L", "Q", "C", "Z"};
       json_.beginArray().string(kLetters[static_cast<std::size_t>(verb)]);
-      for (int i = 0; i < pointCount(verb); ++i, ++point) {
-        number(point->x);
-        number(point->y);
+      for (int i = 0; i < pointCount(verb); ++i, ++next) {
+        number(points[next].x);
+        number(points[next].y);
       }
       json_.endArray();
       if (json_.text().size() > kChunk) flush();

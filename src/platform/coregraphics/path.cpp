@@ -1,21 +1,8 @@
 #include "platform/coregraphics/path.h"
 
 #include <memory>
-#include <utility>
 
 namespace quellaro {
-
-namespace {
-
-// A vector keeps its allocator for life, so another one takes its place.
-template <class Value>
-void moveVectorInto(std::pmr::vector<Value>& values, std::pmr::memory_resource& memory) {
-  std::pmr::vector<Value> moved(values.begin(), values.end(), &memory);
-  std::destroy_at(&values);
-  std::construct_at(&values, std::move(moved));
-}
-
-}  // namespace
 
 void CGPath::reserve(std::size_t points) {
   verbs_.reserve(points);
@@ -23,8 +10,14 @@ void CGPath::reserve(std::size_t points) {
 }
 
 void CGPath::moveInto(std::pmr::memory_resource& memory) {
-  moveVectorInto(verbs_, memory);
-  moveVectorInto(points_, memory);
+  const std::span<const PathVerb> verbs = verbs_.values();
+  if (verbs.empty()) return;
+  auto* const kept = static_cast<PathVerb*>(memory.allocate(verbs.size_bytes(), alignof(PathVerb)));
+  std::uninitialized_copy(verbs.begin(), verbs.end(), kept);
+  keptVerbs_ = {kept, verbs.size()};
+  keptPoints_ = PathPoints::keep(points_.values(), memory);
+  verbs_ = {};
+  points_ = {};
 }
 
 }  // namespace quellaro

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory_resource>
 #include <span>
-#include <vector>
 
 #include "platform/coregraphics/geometry.h"
+#include "platform/coregraphics/growing_array.h"
+#include "platform/coregraphics/path_points.h"
 
 namespace quellaro {
 
@@ -34,44 +37,42 @@ constexpr int pointCount(PathVerb verb) {
 class CGPath {
  public:
   void moveTo(CGPoint to) {
-    verbs_.push_back(PathVerb::Move);
-    points_.push_back(to);
+    *verbs_.append(1) = PathVerb::Move;
+    *points_.append(1) = to;
   }
   // These add nothing while the path has no current point.
-  void lineTo(CGPoint to) {
-    if (verbs_.empty()) return;
-    verbs_.push_back(PathVerb::Line);
-    points_.push_back(to);
-  }
-  void quadTo(CGPoint control, CGPoint to) {
-    if (verbs_.empty()) return;
-    verbs_.push_back(PathVerb::Quad);
-    points_.push_back(control);
-    points_.push_back(to);
-  }
+  void lineTo(CGPoint to) { add(PathVerb::Line, std::array{to}); }
+  void quadTo(CGPoint control, CGPoint to) { add(PathVerb::Quad, std::array{control, to}); }
   void cubicTo(CGPoint control1, CGPoint control2, CGPoint to) {
-    if (verbs_.empty()) return;
-    verbs_.push_back(PathVerb::Cubic);
-    points_.push_back(control1);
-    points_.push_back(control2);
-    points_.push_back(to);
+    add(PathVerb::Cubic, std::array{control1, control2, to});
   }
   // After a close the current point is the start of the sub-path that was closed.
   void close() {
-    if (!verbs_.empty()) verbs_.push_back(PathVerb::Close);
+    if (!empty()) *verbs_.append(1) = PathVerb::Close;
   }
 
-  bool empty() const { return verbs_.empty(); }
-  std::span<const PathVerb> verbs() const { return verbs_; }
-  std::span<const CGPoint> points() const { return points_; }
+  bool empty() const { return verbs().empty(); }
+  std::span<const PathVerb> verbs() const { return keptVerbs_.empty() ? verbs_.values() : keptVerbs_; }
+  PathPoints points() const { return keptVerbs_.empty() ? PathPoints(points_.values()) : keptPoints_; }
+  std::size_t pointCount() const { return points().size(); }
   // Room for that many points and segments.
   void reserve(std::size_t points);
-  // For a path that is kept: takes exactly what it needs from `memory`, which must outlive it, and gives back the rest.
+  // For a path that is finished and kept: takes exactly what it needs from `memory`, which must outlive it and its
+  // copies, and gives back the rest.
   void moveInto(std::pmr::memory_resource& memory);
 
  private:
-  std::pmr::vector<PathVerb> verbs_;
-  std::pmr::vector<CGPoint> points_;
+  template <std::size_t count>
+  void add(PathVerb verb, const std::array<CGPoint, count>& points) {
+    if (verbs_.values().empty()) return;
+    *verbs_.append(1) = verb;
+    std::copy(points.begin(), points.end(), points_.append(count));
+  }
+
+  GrowingArray<PathVerb> verbs_;
+  GrowingArray<CGPoint> points_;
+  std::span<const PathVerb> keptVerbs_;
+  PathPoints keptPoints_;
 };
 
 }  // namespace quellaro

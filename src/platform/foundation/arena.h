@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <memory_resource>
 #include <span>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -19,11 +21,25 @@ class Arena {
  public:
   // `expectedBytes` are asked for when the first thing comes.
   explicit Arena(std::size_t expectedBytes) : memory_(expectedBytes, &blocks_), bulk_(expectedBytes, &blocks_) {}
+  // Begins in memory that had another use before: what the process has already touched costs it nothing. The bulk gets
+  // the larger share of it.
+  explicit Arena(std::string used)
+      : used_(std::move(used)),
+        memory_(used_.data() + bulkShare(), used_.size() - bulkShare(), &blocks_),
+        bulk_(used_.data(), bulkShare(), &blocks_) {}
+  Arena(const Arena&) = delete;
+  Arena& operator=(const Arena&) = delete;
 
   void* allocate(std::size_t bytes, std::size_t alignment) { return memory_.allocate(bytes, alignment); }
 
   // For what is large and seldom looked at: apart from the small things, which so stay close together.
   std::pmr::memory_resource& bulk() { return bulk_; }
+
+  // What has not been taken of the memory that had another use goes back to the system until it is.
+  void giveBackUnused() {
+    giveBackFrom(bulk_, used_.data() + bulkShare());
+    giveBackFrom(memory_, used_.data() + used_.size());
+  }
 
   // A copy that lives as long as the arena.
   template <class Value>
@@ -52,7 +68,16 @@ class Arena {
     bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override { return this == &other; }
   };
 
+  std::size_t bulkShare() const { return used_.size() / 8 * 5; }
+  // `end` is that of the first block.
+  void giveBackFrom(std::pmr::memory_resource& resource, const char* end) {
+    auto* const next = static_cast<char*>(resource.allocate(1, 1));
+    if (std::less_equal<>()(used_.data(), next) && std::less<>()(next, end))
+      giveBackPages(next, static_cast<std::size_t>(end - next));
+  }
+
   Blocks blocks_;
+  std::string used_;
   std::pmr::monotonic_buffer_resource memory_;
   std::pmr::monotonic_buffer_resource bulk_;
 };

@@ -143,6 +143,7 @@ std::optional<JSONValue> JSONValue::member(std::string_view key) const {
 std::string JSONValue::text() const { return simdjson::minify(elementOf(handle_)); }
 
 struct JSONDocument::Content {
+  std::string bytes;
   dom::parser parser;
   dom::document document;
   dom::element root;
@@ -157,12 +158,14 @@ Result<JSONDocument> JSONDocument::parse(std::string bytes) {
   static_assert(sizeof(dom::element) == sizeof JSONValue::handle_);
   const std::size_t start = bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
   const std::size_t length = bytes.size() - start;
-  bytes.reserve(bytes.size() + simdjson::SIMDJSON_PADDING);
   auto content = std::make_unique<Content>();
+  content->bytes = std::move(bytes);
+  content->bytes.reserve(content->bytes.size() + simdjson::SIMDJSON_PADDING);
   if (content->document.allocate(length) == simdjson::SUCCESS)
     preferLargePages(content->document.string_buf.get(), length);
   const simdjson::error_code error =
-      content->parser.parse_into_document(content->document, bytes.data() + start, length, false).get(content->root);
+      content->parser.parse_into_document(content->document, content->bytes.data() + start, length, false)
+          .get(content->root);
   if (error != simdjson::SUCCESS) return unreadable(simdjson::error_message(error));
   // Only the tape and the strings are needed from here on.
   content->parser = dom::parser();
@@ -179,6 +182,7 @@ std::optional<JSONStrings> JSONDocument::takeStrings() && {
     taken.strings.push_back(text);
   }
   taken.storage = std::shared_ptr<const std::uint8_t[]>(std::move(content_->document.string_buf));
+  taken.spent = std::move(content_->bytes);
   content_.reset();
   return taken;
 }

@@ -49,14 +49,15 @@ class JSONValue {
 struct JSONStrings {
   std::shared_ptr<const void> storage;
   std::vector<std::string_view> strings;
+  // The memory that the text was read into. Its content has been used up.
+  std::string spent;
 };
 
 // A whole, valid JSON text: nothing of it is left unread, so nothing about it is found wrong later. A byte order mark
 // in front is skipped. Integers beyond 64 bits, more than 1024 levels and invalid UTF-8 make a text unreadable.
 class JSONDocument {
  public:
-  // Takes the bytes over and gives them back to the system before it returns: the document has its own copy of every
-  // string.
+  // Takes the bytes over; the document has its own copy of every string.
   static Result<JSONDocument> parse(std::string bytes);
 
   JSONDocument(JSONDocument&&) noexcept;
@@ -64,8 +65,8 @@ class JSONDocument {
   ~JSONDocument();
 
   JSONValue root() const;
-  // When the root is an array of nothing but strings: these, without a copy, and everything else of the document is
-  // given back.
+  // When the root is an array of nothing but strings: these, without a copy, and the memory of the bytes. Everything
+  // else of the document is given back.
   std::optional<JSONStrings> takeStrings() &&;
 
  private:

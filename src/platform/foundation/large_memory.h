@@ -20,4 +20,14 @@ inline void preferLargePages(void* start, std::size_t bytes) {
 #endif
 }
 
+// Gives the pages behind memory that nobody needs any more back to the system, while the memory itself stays allocated
+// with undefined content. Only a hint, too.
+inline void giveBackPages(void* start, std::size_t bytes) {
+  constexpr std::uintptr_t kPage = 4096;
+  const auto address = reinterpret_cast<std::uintptr_t>(start);
+  const std::uintptr_t first = (address + kPage - 1) / kPage * kPage;
+  const std::uintptr_t last = (address + bytes) / kPage * kPage;
+  if (first < last) madvise(static_cast<char*>(start) + (first - address), last - first, MADV_DONTNEED);
+}
+
 }  // namespace quellaro

@@ -1,5 +1,6 @@
 #include "platform/foundation/numbers.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -179,8 +180,16 @@ std::optional<float> unsignedFloat(std::string_view text) {
 
 const char* scanMagnitude(const char* first, const char* last, double& value) {
   if constexpr (std::endian::native == std::endian::little) {
-    const char* const end = last - first >= kMediumRoom ? scanMedium(first, value) : nullptr;
-    if (end != nullptr) return end;
+    const std::ptrdiff_t room = last - first;
+    if (room < kMediumRoom) {
+      // The end of the text, with room made behind it.
+      std::array<char, 2 * kMediumRoom> padded{};
+      std::copy(first, last, padded.begin());
+      const char* const end = scanMedium(padded.data(), value);
+      if (end != nullptr) return first + (end - padded.data());
+    } else if (const char* const end = scanMedium(first, value)) {
+      return end;
+    }
   }
   return scanUnsigned(first, last, value);
 }

@@ -2,6 +2,8 @@
 
 #include <limits>
 
+#include "platform/foundation/decimal_scan.h"
+
 namespace quellaro {
 
 namespace {
@@ -16,6 +18,32 @@ constexpr unsigned hexDigit(char c) {
 }
 
 }  // namespace
+
+std::size_t NSScanner::scanDoubles(std::span<double> into) {
+  for (std::size_t i = 0; i < into.size(); ++i) {
+#ifdef __SSE2__
+    if (end_ - at_ >= sse2::kRoom) {
+      const auto isSkipped = [this](char c) { return skipped_->contains(c); };
+      if (const char* const end = sse2::scanListed(at_, isSkipped, into[i])) {
+        at_ = end;
+        continue;
+      }
+    }
+#endif
+    if (!scanAnyDouble(into[i])) return i;
+  }
+  return into.size();
+}
+
+bool NSScanner::scanAnyDouble(double& value) {
+  const char* const start = afterSkipped();
+  // Most often a letter ends a list.
+  if (start == end_ || lower(*start) >= 'a') return false;
+  const char* const end = scanDecimal(start, end_, value);
+  if (end == start) return false;
+  at_ = end;
+  return true;
+}
 
 std::optional<std::string_view> NSScanner::scanCharacters(const NSCharacterSet& set) {
   const char* const start = afterSkipped();

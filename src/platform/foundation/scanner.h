@@ -3,10 +3,9 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
-
-#include "platform/foundation/decimal_scan.h"
 
 namespace quellaro {
 
@@ -24,6 +23,7 @@ class NSCharacterSet {
 
 // Reads a text from the front. Every scan first passes over the characters to be skipped and then either succeeds and
 // moves on, or fails and leaves the position where it was, skipped characters included. Text and set must outlive it.
+// A set of skipped characters has no part of a number in it.
 class NSScanner {
  public:
   NSScanner(std::string_view text, const NSCharacterSet& charactersToBeSkipped)
@@ -37,13 +37,12 @@ class NSScanner {
 
   // A decimal number, as scanDecimal reads it.
   std::optional<double> scanDouble() {
-    const char* const start = afterSkipped();
     double value = 0;
-    const char* const end = scanDecimal(start, end_, value);
-    if (end == start) return std::nullopt;
-    at_ = end;
-    return value;
+    return scanDoubles({&value, 1}) == 1 ? std::optional(value) : std::nullopt;
   }
+
+  // As many numbers in a row as there is room for, or as there are, and how many these were.
+  std::size_t scanDoubles(std::span<double> into);
 
   // The longest run of characters from the set, at least one.
   std::optional<std::string_view> scanCharacters(const NSCharacterSet& set);
@@ -61,6 +60,8 @@ class NSScanner {
   bool getScannedString(std::string_view literal, std::string* into);
 
  private:
+  bool scanAnyDouble(double& value);
+
   const char* afterSkipped() const {
     const char* p = at_;
     while (p != end_ && skipped_->contains(*p)) ++p;

@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace quellaro::xml {
 
@@ -111,6 +116,17 @@ const char* skipSpaces(const char* p, const char* end) {
 }
 
 const char* skipPlain(const char* p, const char* end, char stop) {
+#ifdef __SSE2__
+  for (; end - p >= 16; p += 16) {
+    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    // As signed numbers what lies outside ASCII is less than a blank, too.
+    const __m128i found =
+        _mm_or_si128(_mm_or_si128(_mm_cmplt_epi8(text, _mm_set1_epi8(' ')), _mm_cmpeq_epi8(text, _mm_set1_epi8(stop))),
+                     _mm_or_si128(_mm_cmpeq_epi8(text, _mm_set1_epi8('<')), _mm_cmpeq_epi8(text, _mm_set1_epi8('&'))));
+    if (const int bytes = _mm_movemask_epi8(found); bytes != 0)
+      return p + std::countr_zero(static_cast<unsigned>(bytes));
+  }
+#endif
   for (; end - p >= 8; p += 8) {
     std::uint64_t eight = 0;
     std::memcpy(&eight, p, sizeof eight);

@@ -30,7 +30,7 @@ class UIBezierPath {
   void reserve(std::size_t points) { path_.reserve(points); }
   // As CGPath::moveInto.
   void moveInto(std::pmr::memory_resource& memory) { path_.moveInto(memory); }
-  std::size_t pointCount() const { return path_.points().size(); }
+  std::size_t pointCount() const { return path_.pointCount(); }
 
  private:
   CGPath path_;

@@ -98,7 +98,7 @@ bool checkFrames(const std::string& path, const std::string& file, Report& repor
   FrameTexts texts;
   if (isDocument) {
     const auto kept = std::make_shared<const std::string>(std::move(*bytes));
-    texts = {kept, {*kept}};
+    texts = {kept, {*kept}, {}};
   } else {
     auto decoded = decodeFrames(std::move(*bytes));
     if (!decoded) return refuse(FindingId::Json, decoded.error().localizedDescription);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <optional>
+#include <vector>
 
 namespace halvo {
 
@@ -67,7 +68,8 @@ class CornerSearch {
 }  // namespace
 
 bool hasArea(const CGPath& outline) {
-  const CGPoint* point = outline.points().data();
+  const std::vector<CGPoint> points = outline.points().values();
+  const CGPoint* point = points.data();
   CGPoint start{};
   CGPoint direction{};
   for (const PathVerb verb : outline.verbs()) {
@@ -89,7 +91,8 @@ bool hasArea(const CGPath& outline) {
 
 bool hasCornerBetween(const CGPath& outline, double miterLimit) {
   CornerSearch search(miterLimit);
-  const CGPoint* point = outline.points().data();
+  const std::vector<CGPoint> points = outline.points().values();
+  const CGPoint* point = points.data();
   for (const PathVerb verb : outline.verbs()) {
     const int count = pointCount(verb);
     if (verb == PathVerb::Move)

@@ -97,11 +97,16 @@ class PathCheck final : public SVGPathObserver {
   // Whether the engine has drawn the same since the last command. `expected` begins with a move of its own.
   bool isDrawn(const CGPath& expected, bool closesFirst, const CGPath& outline) const {
     const auto verbs = outline.verbs().subspan(std::min(outline.verbs().size(), verbs_ + (closesFirst ? 1 : 0)));
-    const auto points = outline.points().subspan(points_);
-    const auto expectedPoints = expected.points().subspan(1);
+    const PathPoints points = outline.points();
+    const PathPoints expectedPoints = expected.points();
+    if (points.size() - points_ != expectedPoints.size() - 1) return false;
     if (!std::equal(verbs.begin(), verbs.end(), expected.verbs().begin() + 1, expected.verbs().end())) return false;
-    return std::equal(points.begin(), points.end(), expectedPoints.begin(), expectedPoints.end(),
-                      [](CGPoint a, CGPoint b) { return isNear(a.x, b.x) && isNear(a.y, b.y); });
+    for (std::size_t i = points_; i < points.size(); ++i) {
+      const CGPoint drawn = points[i];
+      const CGPoint wanted = expectedPoints[i - points_ + 1];
+      if (!isNear(drawn.x, wanted.x) || !isNear(drawn.y, wanted.y)) return false;
+    }
+    return true;
   }
 
   const CheckedElement& element_;

@@ -3,10 +3,12 @@
 namespace quellaro {
 
 std::optional<Box> pointBox(const CGPath& path) {
-  if (path.points().empty()) return std::nullopt;
+  const PathPoints points = path.points();
+  if (points.empty()) return std::nullopt;
   Box box{kFarAway, kFarAway, -kFarAway, -kFarAway};
   double notANumber = 0;
-  for (const CGPoint& point : path.points()) {
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const CGPoint point = points[i];
     const CGPoint p = clampFar(point);
     // std::min and std::max lose a NaN; a sum keeps it.
     notANumber += (p.x - p.x) + (p.y - p.y) + 0 * (std::isnan(point.x) || std::isnan(point.y));

@@ -15,10 +15,11 @@ std::optional<Box> pointBox(const CGPath& path);
 // quadratic curve comes as the cubic that it is.
 template <class Sink>
 void walkOutline(const CGPath& path, const Affine& transform, Sink& sink) {
-  const CGPoint* next = path.points().data();
+  const PathPoints points = path.points();
+  std::size_t next = 0;
   CGPoint current;
   CGPoint start;
-  const auto take = [&] { return transform.map(clampFar(*next++)); };
+  const auto take = [&] { return transform.map(clampFar(points[next++])); };
   for (const PathVerb verb : path.verbs()) {
     switch (verb) {
       case PathVerb::Move:
