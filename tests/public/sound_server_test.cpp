@@ -6,6 +6,7 @@
 
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/application.h"
+#include "platform/foundation/bundle.h"
 #include "platform/foundation/console.h"
 #include "public/halvo_controller.h"
 #include "support/pulse_server.h"
@@ -26,6 +27,7 @@ void runUntil(const std::function<bool()>& condition, double seconds) {
 TEST(SoundServer, ThatDiesMidPlayGivesOneAnswerAndALaterPlayFindsTheOneThatCameBack) {
   PulseServer server;
   const TemporaryDirectory library;
+  NSBundle::setLibraryPath(QUELLARO_BUNDLE);
   setLibraryDirectory(library.path().string());
   setConsoleSink([](std::string_view) {});
   const auto controller = QLHalvoController::make();
@@ -35,6 +37,7 @@ TEST(SoundServer, ThatDiesMidPlayGivesOneAnswerAndALaterPlayFindsTheOneThatCameB
   const auto isAnswered = [&](std::size_t count) { return [&codes, count] { return codes.size() >= count; }; };
   controller->prepare(QLHalvoType::soundOnly, "quellaro", QLHalvoEnvironment::primary, merchant, false, note);
   runUntil(isAnswered(1), 10);
+  ASSERT_EQ(codes, Codes{QLHalvoStatus::success});
 
   controller->play(nullptr, note);
   runUntil([&] { return !server.playingStreams().empty(); }, 10);
