@@ -1,11 +1,8 @@
 #include "support/pulse_server.h"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -13,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -21,36 +17,6 @@
 namespace quellaro {
 
 namespace {
-
-pid_t spawn(std::vector<std::string> arguments, const std::string& outputFile) {
-  std::vector<char*> pointers;
-  for (std::string& argument : arguments) pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 1, outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  posix_spawn_file_actions_addopen(&actions, 2, (outputFile + ".log").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  pid_t process = -1;
-  const int error = posix_spawnp(&process, pointers[0], &actions, nullptr, pointers.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) throw std::runtime_error("cannot start " + arguments[0] + ": " + std::strerror(error));
-  return process;
-}
-
-void end(pid_t& process, int signal) {
-  if (process <= 0) return;
-  kill(process, signal);
-  waitpid(process, nullptr, 0);
-  process = -1;
-}
-
-void waitUntil(const std::string& what, const std::function<bool()>& condition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > limit) throw std::runtime_error(what);
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-}
 
 bool acceptsConnections(const std::string& path) {
   sockaddr_un address{};
@@ -75,20 +41,19 @@ PulseServer::PulseServer() {
   start();
 }
 
-PulseServer::~PulseServer() { kill(); }
-
 void PulseServer::start() {
   std::filesystem::remove(address_);
-  process_ = spawn({"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "--realtime=no",
+  process_ =
+      ChildProcess({"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "--realtime=no",
                     "--high-priority=no", "-L", "module-null-sink sink_name=silence rate=48000 channels=2", "-L",
                     "module-native-protocol-unix auth-anonymous=1 socket=" + address_},
                    directory_ / "server");
   waitUntil("the sound server does not come up", [this] { return acceptsConnections(address_); });
 }
 
-void PulseServer::kill() { end(process_, SIGKILL); }
+void PulseServer::kill() { process_.end(SIGKILL); }
 
-void PulseServer::hang() { ::kill(process_, SIGSTOP); }
+void PulseServer::hang() { process_.signal(SIGSTOP); }
 
 std::string PulseServer::control(const std::string& command) const {
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(("pactl " + command).c_str(), "r"), pclose);
@@ -121,27 +86,23 @@ OtherStream::OtherStream(const std::string& mediaRole, float level) {
   const std::vector<float> samples(30 * SinkRecording::kRate, level);
   const std::filesystem::path file = directory_ / "samples";
   writeFile(file, {reinterpret_cast<const char*>(samples.data()), samples.size() * sizeof(float)});
-  process_ = spawn({"pacat", "--raw", "--format=float32le", "--rate=" + std::to_string(SinkRecording::kRate),
-                    "--channels=1", "--latency-msec=20", "--property=media.role=" + mediaRole, file},
-                   directory_ / "output");
+  process_ = ChildProcess({"pacat", "--raw", "--format=float32le", "--rate=" + std::to_string(SinkRecording::kRate),
+                           "--channels=1", "--latency-msec=20", "--property=media.role=" + mediaRole, file},
+                          directory_ / "output");
 }
-
-OtherStream::~OtherStream() { end(process_, SIGKILL); }
 
 SinkRecording::SinkRecording() {
   const std::string file = directory_ / "samples";
-  process_ = spawn({"parec", "--raw", "--format=float32le", "--rate=" + std::to_string(kRate), "--channels=1",
-                    "--latency-msec=20", "-d", "silence.monitor"},
-                   file);
+  process_ = ChildProcess({"parec", "--raw", "--format=float32le", "--rate=" + std::to_string(kRate), "--channels=1",
+                           "--latency-msec=20", "-d", "silence.monitor"},
+                          file);
   waitUntil("nothing is recorded", [&] { return std::filesystem::file_size(file) > 0; });
 }
-
-SinkRecording::~SinkRecording() { end(process_, SIGKILL); }
 
 std::vector<float> SinkRecording::samples() {
   // What has been heard may still be on its way to the recorder.
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
-  end(process_, SIGTERM);
+  process_.end(SIGTERM);
   const std::string bytes = readFile(directory_ / "samples");
   std::vector<float> samples(bytes.size() / sizeof(float));
   std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <string>
 #include <vector>
 
+#include "support/child_process.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {
@@ -14,7 +13,6 @@ namespace quellaro {
 class PulseServer {
  public:
   PulseServer();
-  ~PulseServer();
   PulseServer(const PulseServer&) = delete;
   PulseServer& operator=(const PulseServer&) = delete;
 
@@ -38,20 +36,19 @@ class PulseServer {
 
   TemporaryDirectory directory_;
   std::string address_;
-  pid_t process_ = -1;
+  ChildProcess process_;
 };
 
 // Another application's stream: a constant level, which no other sound changes the mean of.
 class OtherStream {
  public:
   OtherStream(const std::string& mediaRole, float level);
-  ~OtherStream();
   OtherStream(const OtherStream&) = delete;
   OtherStream& operator=(const OtherStream&) = delete;
 
  private:
   TemporaryDirectory directory_;
-  pid_t process_ = -1;
+  ChildProcess process_;
 };
 
 // Records what the server's sink plays, from the construction until samples() is asked for.
@@ -60,7 +57,6 @@ class SinkRecording {
   static constexpr unsigned kRate = 48000;
 
   SinkRecording();
-  ~SinkRecording();
   SinkRecording(const SinkRecording&) = delete;
   SinkRecording& operator=(const SinkRecording&) = delete;
 
@@ -69,7 +65,7 @@ class SinkRecording {
 
  private:
   TemporaryDirectory directory_;
-  pid_t process_ = -1;
+  ChildProcess process_;
 };
 
 }  // namespace quellaro
