@@ -52,7 +52,7 @@ int main() {
   manager->environment = QLHalvoEnvironment::primary;
   manager->config = QLHalvoAnalyticsInfo{true, "M", ""};
 
-  std::printf("%8s %10s %12s %12s\n", "records", "bytes", "play ms", "file ms");
+  std::printf("%8s %10s %12s %12s %7s\n", "records", "bytes", "play ms", "file ms", "ratio");
   for (const int count : {1, 100, 10000}) {
     const std::string bytes = storedRecords(count);
     const int rounds = count > 1000 ? 15 : 101;
@@ -61,7 +61,8 @@ int main() {
         rounds, [&] { manager->recordPlay("quellaro", "1", QLHalvoType::soundOnly, 800, {}, 800, false); });
     const double file = medianMilliseconds(
         rounds, [&] { FileManager::writeAtomically(FileManager::contentsAtPath(path).value_or(""), path); });
-    std::printf("%8d %10zu %12.3f %12.3f\n", count, bytes.size(), play, file);
+    std::printf("%8d %10zu %12.3f %12.3f %7.2f%s\n", count, bytes.size(), play, file, play / file,
+                count == 100 ? "   (bound 16 ms a play)" : "");
   }
   std::filesystem::remove_all(directory);
 }

@@ -1,9 +1,11 @@
-// How well a cue keeps time: how late frames come, what waiting costs, and what one frame costs to show and draw.
+// How well a cue keeps time: how late frames come, what waiting costs, what one frame costs to show and draw, and how
+// soon the first one is in a window and the sound is heard.
 // Usage: timeline_bench CUE_DIRECTORY
 #include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,6 +17,7 @@
 #include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
 #include "platform/quartzcore/compositor.h"
+#include "sound_start.h"
 #include "window.h"
 
 namespace {
@@ -23,6 +26,7 @@ using namespace quellaro;
 
 constexpr int kRounds = 5;
 constexpr int kWindowRounds = 20;
+constexpr int kSoundRounds = 20;
 
 double now() { return MainQueue::shared().clock().now(); }
 
@@ -40,9 +44,16 @@ double quantile(std::vector<double> values, double share) {
   return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
 }
 
-void report(const char* what, const std::vector<double>& seconds, double limitMillis) {
-  std::printf("%-58s median %7.3f ms   p99 %7.3f ms   bound %g ms\n", what, quantile(seconds, 0.5) * 1000,
-              quantile(seconds, 0.99) * 1000, limitMillis);
+// In milliseconds.
+struct Bounds {
+  double median = 0;  // none
+  double p99 = 0;
+};
+
+void report(const char* what, const std::vector<double>& seconds, Bounds bounds) {
+  std::printf("%-44s median %7.3f ms", what, quantile(seconds, 0.5) * 1000);
+  if (bounds.median > 0) std::printf(" (bound %g)", bounds.median);
+  std::printf("   p99 %7.3f ms (bound %g)\n", quantile(seconds, 0.99) * 1000, bounds.p99);
 }
 
 struct Cue {
@@ -85,8 +96,8 @@ void measurePlay(Cue& cue) {
     if (!MainQueue::shared().drain()) MainQueue::shared().wait();
   const double share = (processorSeconds() - processorBefore) / (now() - start);
   setConsoleSink([](std::string_view) {});
-  report("frames late, drawn into memory at 480 x 480", late, 1);
-  std::printf("%-58s %.1f %%   bound 10 %%\n", "share of one core meanwhile", share * 100);
+  report("frames late, drawn into memory at 480 x 480", late, {.median = 1, .p99 = 4});
+  std::printf("%-44s %.1f %% (bound 10)\n", "share of one core meanwhile", share * 100);
 }
 
 void measureDrawing(const Cue& cue) {
@@ -103,7 +114,7 @@ void measureDrawing(const Cue& cue) {
       view->display(compositor, bitmap);
       costs.push_back(now() - before);
     }
-  report("showing and drawing a frame at 1080 x 1080", costs, 8);
+  report("showing and drawing a frame at 1080 x 1080", costs, {.p99 = 8});
 }
 
 // From the start of the animation to the first frame having been handed to the display.
@@ -123,7 +134,19 @@ void measureWindow(Cue& cue) {
     window->refresh();
     latencies.push_back(now() - start);
   }
-  report("first frame in the window at 480 x 480", latencies, 16.7);
+  report("first frame in the window at 480 x 480", latencies, {.p99 = 16.7});
+}
+
+void measureSound(const std::string& soundFile) {
+  try {
+    SoundStart start = measureSoundStart(soundFile, kSoundRounds);
+    for (double& seconds : start.seconds) seconds -= start.sinkLatency;
+    report("sound heard, beyond the server's latency", start.seconds, {.p99 = 30});
+    std::printf("  (the server's latency, as it tells: %g ms; measured in steps of %g ms)\n", start.sinkLatency * 1000,
+                kSoundStartStep * 1000);
+  } catch (const std::exception& problem) {
+    std::printf("sound heard: not measured, there is no sound server to listen to (%s)\n", problem.what());
+  }
 }
 
 }  // namespace
@@ -139,5 +162,6 @@ int main(int argc, char** argv) {
   measurePlay(cue);
   measureDrawing(cue);
   measureWindow(cue);
+  measureSound(std::string(argv[1]) + "/" + cue.config->soundFileName);
   return 0;
 }
