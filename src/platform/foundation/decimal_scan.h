@@ -96,9 +96,10 @@ template <class IsSeparator>
   const unsigned negative = before == '-' ? 1 : 0;
   const unsigned points = pointMask >> start & ((1U << length) - 1);
   const unsigned point = points != 0 ? 1 : 0;
-  const bool odd = ((start == 2) & !isSeparator(p[0])) | ((*end | 0x20) == 'e') |
-                   !((start == 0) | isSeparator(before) | (negative != 0)) | ((points & (points - 1)) != 0);
-  if (odd || length == point) return nullptr;
+  const auto flag = [](bool yes) { return static_cast<unsigned>(yes); };
+  const unsigned odd = (flag(start == 2) & flag(!isSeparator(p[0]))) | flag((*end | 0x20) == 'e') |
+                       (flag(start != 0) & flag(!isSeparator(before)) & (negative ^ 1U)) | (points & (points - 1));
+  if (odd != 0 || length == point) return nullptr;
 
   // The last character moves to the top of the word, and what is in front of the point one further.
   const unsigned fraction = length - point - static_cast<unsigned>(std::countr_zero(points | 1U << length));
