@@ -126,6 +126,18 @@ const SpecialShape kSpecialShapes[] = {
     {"curve_stroke", swing, 9},
     {"wide_curve_stroke", swing, 60},
     {"cusp_stroke", cusp, 12},
+    // Curves that meet at an angle whose miter is just within the limit; their last chords meet at one beyond it.
+    {"curves_to_a_point",
+     [](CGPath& p) {
+       p.moveTo({57, 84}), p.cubicTo({85.7, 111}, {44.83, 51}, {29, 52}), p.cubicTo({126, 72}, {86, 59}, {46.46, 57});
+     },
+     6},
+    {"closed_curve_to_a_point",
+     [](CGPath& p) {
+       p.moveTo({29, 52}), p.cubicTo({126, 72}, {86, 99}, {57, 84}), p.cubicTo({85.7, 111}, {44.83, 51}, {29, 52});
+       p.close();
+     },
+     6},
     {"back_and_forth",
      [](CGPath& p) {
        polyline(p, {{20, 60}, {100, 60}, {40, 60}});

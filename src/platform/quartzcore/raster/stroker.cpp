@@ -1,6 +1,7 @@
 #include "platform/quartzcore/raster/stroker.h"
 
 #include <cmath>
+#include <initializer_list>
 #include <numbers>
 
 #include "platform/quartzcore/raster/fill.h"
@@ -14,6 +15,17 @@ CGPoint operator-(CGPoint a, CGPoint b) { return {a.x - b.x, a.y - b.y}; }
 CGPoint operator*(CGPoint a, double factor) { return {a.x * factor, a.y * factor}; }
 double dot(CGPoint a, CGPoint b) { return a.x * b.x + a.y * b.y; }
 double cross(CGPoint a, CGPoint b) { return a.x * b.y - a.y * b.x; }
+
+// Or so short that it has no direction.
+bool isZero(CGPoint way) { return dot(way, way) == 0; }
+CGPoint unit(CGPoint way) { return way * (1 / std::sqrt(dot(way, way))); }
+
+// Control points may lie on one another.
+CGPoint firstWay(std::initializer_list<CGPoint> ways) {
+  for (const CGPoint way : ways)
+    if (!isZero(way)) return way;
+  return {};
+}
 
 // Arcs that show no corners need no finer steps than these, however wide the line.
 constexpr double kSmallestStep = std::numbers::pi / 512;
@@ -37,11 +49,23 @@ void StrokeSink::move(CGPoint to) {
   start_ = current_ = to;
 }
 
-void StrokeSink::line(CGPoint to) { segmentTo(to, Corner::Join); }
+void StrokeSink::line(CGPoint to) {
+  const CGPoint way = to - current_;
+  if (isZero(way)) return;
+  if (!first_) startTangent_ = unit(way);
+  joinTowards(way);
+  segmentTo(to, Corner::Join);
+  endTangent_ = last_.direction;
+}
 
 void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
+  const CGPoint begin = current_;
   // The curve begins with a join like any segment; the corners between its chords are no joins.
   Corner corner = Corner::Join;
+  if (const CGPoint tangent = firstWay({control1 - begin, control2 - begin, to - begin}); !isZero(tangent)) {
+    if (!first_) startTangent_ = unit(tangent);
+    if (joinTowards(tangent)) corner = Corner::WithinCurve;
+  }
   emitVisibleChords(
       Cubic{current_, control1, control2, to}, tolerance_, [this](const Box& box) { return box.overlaps(visible_); },
       [&](CGPoint end) {
@@ -49,22 +73,43 @@ void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
         segmentTo(end, corner);
         corner = Corner::WithinCurve;
       });
+  if (const CGPoint tangent = firstWay({to - control2, to - control1, to - begin}); !isZero(tangent))
+    endTangent_ = unit(tangent);
+}
+
+// A corner of the outline is one between tangents. Where a curve comes to it, its chord there points elsewhere by half
+// a step, which the difference between a miter and a bevel, and a miter's point, show many times as large.
+bool StrokeSink::joinTowards(CGPoint way) {
+  if (!first_) return false;
+  const CGPoint direction = unit(way);
+  if (dot(endTangent_, direction) >= cosineOfStep_) return false;
+  const auto turnInto = [this](CGPoint tangent, Corner corner) {
+    if (tangent.x == last_.direction.x && tangent.y == last_.direction.y) return;
+    const Segment segment = segmentAlong(tangent, last_.length);
+    turn(current_, last_, segment, corner);
+    last_ = segment;
+  };
+  turnInto(endTangent_, Corner::WithinCurve);
+  turnInto(direction, Corner::Join);
+  return true;
 }
 
 void StrokeSink::close() {
-  segmentTo(start_, Corner::Join);
+  line(start_);
+  joinTowards(startTangent_);
   endClosed();
   current_ = start_;
+}
+
+StrokeSink::Segment StrokeSink::segmentAlong(CGPoint direction, double length) const {
+  return {direction, {-direction.y * halfWidth_, direction.x * halfWidth_}, length};
 }
 
 void StrokeSink::segmentTo(CGPoint to, Corner corner) {
   const CGPoint way = to - current_;
   const double length = std::sqrt(dot(way, way));
   if (length == 0) return;
-  Segment segment;
-  segment.length = length;
-  segment.direction = {way.x / length, way.y / length};
-  segment.normal = {-segment.direction.y * halfWidth_, segment.direction.x * halfWidth_};
+  const Segment segment = segmentAlong({way.x / length, way.y / length}, length);
   if (first_) {
     turn(current_, last_, segment, corner);
   } else {

@@ -43,7 +43,10 @@ class StrokeSink {
     bool isRight = false;
   };
 
+  Segment segmentAlong(CGPoint direction, double length) const;
   void segmentTo(CGPoint to, Corner corner);
+  // Draws the join when the outline has a corner here; the next segment then goes on along `way`.
+  bool joinTowards(CGPoint way);
   void turn(CGPoint at, const Segment& from, const Segment& to, Corner corner);
   void turnInside(Side& side, CGPoint at, CGPoint from, CGPoint to, CGPoint meeting, bool meets);
   void turnOutside(Side& side, CGPoint at, const Segment& from, const Segment& to, CGPoint meeting, Corner corner);
@@ -62,6 +65,9 @@ class StrokeSink {
   CGPoint current_;
   std::optional<Segment> first_;
   Segment last_;
+  // Of the outline, of length 1; chords point elsewhere.
+  CGPoint startTangent_;
+  CGPoint endTangent_;
   Side left_;
   Side right_;
 };
