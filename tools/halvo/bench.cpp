@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "frame_source.h"
+#include "frame_view.h"
 #include "options.h"
 #include "platform/foundation/file_manager.h"
 #include "platform/quartzcore/compositor.h"
@@ -62,7 +63,7 @@ long peakKilobytes() {
 class Benchmark {
  public:
   Benchmark(std::string source, Size size)
-      : source_(std::move(source)), size_(size), bitmap_(size.width, size.height) {}
+      : source_(std::move(source)), view_(makeView(size, QLHalvoBackground::black)), bitmap_(size.width, size.height) {}
 
   std::optional<NSError> round() {
     Result<FrameTexts> texts = FrameTexts();
@@ -71,13 +72,15 @@ class Benchmark {
     std::vector<std::shared_ptr<const SVGDocument>> documents;
     parse_.time([&] { documents = parseFrames(std::move(*texts)); });
     layers_.time([&] {
-      for (const auto& document : documents) viewLayer(*document, size_, Background::Black);
+      for (const auto& document : documents) showFrame(*view_, document);
+      showFrame(*view_, nullptr);
     });
     for (const auto& document : documents) {
-      const std::shared_ptr<CALayer> view = viewLayer(*document, size_, Background::Black);
-      draw_.time([&] { compositor_.draw(*view, bitmap_); });
+      showFrame(*view_, document);
+      draw_.time([&] { compositor_.draw(*view_->layer(), bitmap_); });
     }
     frames_ = documents.size();
+    showFrame(*view_, nullptr);
     parse_.time([&] { documents.clear(); });
     for (Step* step : {&decode_, &parse_, &layers_, &draw_}) step->endRound();
     return std::nullopt;
@@ -94,7 +97,7 @@ class Benchmark {
 
  private:
   std::string source_;
-  Size size_;
+  std::shared_ptr<QLHalvoView> view_;
   Bitmap bitmap_;
   Compositor compositor_;
   Step decode_, parse_, layers_, draw_;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "paste.h"
+
 namespace halvo {
 
 using quellaro::Bitmap;
@@ -54,8 +56,7 @@ Bitmap ContactSheet::picture() const {
     const Bitmap& thumbnail = thumbnails_[static_cast<std::size_t>(i)];
     const int left = kGap + i % columns * (kSide + kGap) + (kSide - thumbnail.width) / 2;
     const int top = kGap + i / columns * (kSide + kGap) + (kSide - thumbnail.height) / 2;
-    for (int y = 0; y < thumbnail.height; ++y)
-      std::copy_n(thumbnail.row(y), thumbnail.width, sheet.row(top + y) + left);
+    paste(thumbnail, left, top, sheet);
   }
   return sheet;
 }

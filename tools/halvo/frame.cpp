@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "frame_source.h"
+#include "frame_view.h"
 #include "options.h"
 #include "platform/quartzcore/compositor.h"
 #include "png_writer.h"
@@ -12,7 +13,7 @@ int frame(int argc, char** argv) {
   std::string output;
   std::int64_t number = 1;
   Size size;
-  Background background = Background::Black;
+  quellaro::QLHalvoBackground background = quellaro::QLHalvoBackground::black;
 
   CommandLine commandLine;
   commandLine.usage = "frame SOURCE -o OUT.png [options]";
@@ -39,8 +40,11 @@ int frame(int argc, char** argv) {
                                    std::to_string(frames->texts.size()) +
                                    (frames->texts.size() == 1 ? " frame" : " frames"));
   const auto document = quellaro::SVGDocument::parse(std::string(frames->texts[static_cast<std::size_t>(number - 1)]));
+  const auto view = makeView(size, background);
+  showFrame(*view, document);
   quellaro::Bitmap bitmap(size.width, size.height);
-  quellaro::Compositor().draw(*viewLayer(*document, size, background), bitmap);
+  quellaro::Compositor compositor;
+  view->display(compositor, bitmap);
   if (const auto error = writePng(bitmap, output)) return failure(output + ": " + error->localizedDescription);
   return kExitFine;
 }

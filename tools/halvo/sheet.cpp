@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "frame_view.h"
 #include "options.h"
 #include "platform/foundation/console.h"
 #include "png_writer.h"
@@ -10,7 +11,7 @@ namespace halvo {
 
 int sheet(int argc, char** argv) {
   std::string output;
-  Background background = Background::Black;
+  quellaro::QLHalvoBackground background = quellaro::QLHalvoBackground::black;
 
   CommandLine commandLine;
   commandLine.usage = "sheet SOURCE -o SHEET.png [options]";

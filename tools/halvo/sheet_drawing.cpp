@@ -1,6 +1,7 @@
 #include "sheet_drawing.h"
 
-#include <algorithm>
+#include "frame_view.h"
+#include "paste.h"
 
 namespace halvo {
 
@@ -15,13 +16,14 @@ constexpr Palette kOnWhite{"#e9ebf0", "#23262d", "#6b7380", "#0000001c", "#f6f7f
 
 }  // namespace
 
-SheetDrawing::SheetDrawing(const SheetSource& source, const SheetLayout& layout, Background background)
+SheetDrawing::SheetDrawing(const SheetSource& source, const SheetLayout& layout, QLHalvoBackground background)
     : source_(source),
       layout_(layout),
-      background_(background),
-      palette_(background == Background::Black ? kOnBlack : kOnWhite),
+      palette_(background == QLHalvoBackground::black ? kOnBlack : kOnWhite),
       duration_(source.duration()),
-      sheet_(layout.width, layout.height) {}
+      sheet_(layout.width, layout.height),
+      view_(makeView({layout.side, layout.side}, background)),
+      thumbnail_(layout.side, layout.side) {}
 
 Bitmap SheetDrawing::draw() {
   page_.rectangle({{0, 0}, {static_cast<double>(layout_.width), static_cast<double>(layout_.height)}}, palette_.page);
@@ -65,13 +67,16 @@ void SheetDrawing::drawThumbnails() {
 
 void SheetDrawing::drawFrame(std::size_t frame, double x, double y, int side) {
   const auto document = SVGDocument::parse(source_.frames[frame]);
-  if (thumbnail_.width != side) thumbnail_ = Bitmap(side, side);
-  compositor_.draw(*viewLayer(*document, {side, side}, background_), thumbnail_);
+  if (thumbnail_.width != side) {
+    thumbnail_ = Bitmap(side, side);
+    view_->setFrame({{0, 0}, {static_cast<double>(side), static_cast<double>(side)}});
+    view_->layoutIfNeeded();
+  }
+  showFrame(*view_, document);
+  view_->display(compositor_, thumbnail_);
   const int column = static_cast<int>(x);
   const int row = static_cast<int>(y);
-  const int width = std::min(side, sheet_.width - column);
-  for (int line = 0; line < side && row + line < sheet_.height; ++line)
-    std::copy_n(thumbnail_.row(line), width, sheet_.row(row + line) + column);
+  paste(thumbnail_, column, row, sheet_);
   const auto size = document->viewbox();
   if (size && size->width != 0 && size->height != 0) return;
   // There is nothing to show: crossed out, so that it cannot be taken for an empty frame.

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "frame_source.h"
+#include <memory>
+
+#include "animation/halvo_view.h"
 #include "page.h"
 #include "platform/quartzcore/compositor.h"
 #include "sheet_layout.h"
@@ -23,7 +25,7 @@ struct Palette {
 // Puts a contact sheet together on a bitmap.
 class SheetDrawing {
  public:
-  SheetDrawing(const SheetSource& source, const SheetLayout& layout, Background background);
+  SheetDrawing(const SheetSource& source, const SheetLayout& layout, quellaro::QLHalvoBackground background);
 
   // All of it.
   quellaro::Bitmap draw();
@@ -46,10 +48,10 @@ class SheetDrawing {
 
   const SheetSource& source_;
   const SheetLayout& layout_;
-  const Background background_;
   const Palette& palette_;
   const double duration_;
   quellaro::Bitmap sheet_;
+  std::shared_ptr<quellaro::QLHalvoView> view_;
   quellaro::Bitmap thumbnail_;
   quellaro::Compositor compositor_;
   Page page_;

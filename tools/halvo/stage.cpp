@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "frame_view.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/file_manager.h"
 
@@ -11,12 +12,6 @@ namespace halvo {
 using namespace quellaro;
 
 namespace {
-
-std::optional<std::string> chooseBackground(const std::string& name, QLHalvoBackground& background) {
-  if (name != "black" && name != "white") return "black or white is needed";
-  background = name == "white" ? QLHalvoBackground::white : QLHalvoBackground::black;
-  return std::nullopt;
-}
 
 std::optional<std::string> chooseDirectory(const std::string& path, std::optional<std::string>& directory) {
   if (!FileManager::directoryExistsAtPath(path))
@@ -38,8 +33,7 @@ std::string cacheDirectory() {
 std::vector<Option> StageOptions::options() {
   return {
       {"no-view", "", "play with no view", setFlag(noView)},
-      {"background", "COLOUR", "black or white (black)",
-       [this](const std::string& value) { return chooseBackground(value, background); }},
+      {"background", "COLOUR", "black or white (black)", setBackground(background)},
       {"size", "WxH", "size of the view in pixels (480x480)", setSize(size)},
       {"record", "DIR", "write every shown frame as DIR/frame_0001.png, ...",
        [this](const std::string& value) { return chooseDirectory(value, recordDirectory); }},
@@ -48,10 +42,7 @@ std::vector<Option> StageOptions::options() {
 
 Stage::Stage(const StageOptions& options, Screen screen) {
   if (options.noView) return;
-  view_ = QLHalvoView::initWithFrame(
-      {{0, 0}, {static_cast<double>(options.size.width), static_cast<double>(options.size.height)}});
-  view_->setBackground(options.background);
-  view_->layoutIfNeeded();
+  view_ = makeView(options.size, options.background);
   if (screen == Screen::Desktop) {
     std::string problem;
     window_ = Window::open(view_, options.size, problem);
