@@ -1,7 +1,5 @@
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory_resource>
@@ -41,11 +39,9 @@ class CGPath {
     *points_.append(1) = to;
   }
   // These add nothing while the path has no current point.
-  void lineTo(CGPoint to) { add(PathVerb::Line, std::array{to}); }
-  void quadTo(CGPoint control, CGPoint to) { add(PathVerb::Quad, std::array{control, to}); }
-  void cubicTo(CGPoint control1, CGPoint control2, CGPoint to) {
-    add(PathVerb::Cubic, std::array{control1, control2, to});
-  }
+  void lineTo(CGPoint to) { add(PathVerb::Line, to); }
+  void quadTo(CGPoint control, CGPoint to) { add(PathVerb::Quad, control, to); }
+  void cubicTo(CGPoint control1, CGPoint control2, CGPoint to) { add(PathVerb::Cubic, control1, control2, to); }
   // After a close the current point is the start of the sub-path that was closed.
   void close() {
     if (!empty()) *verbs_.append(1) = PathVerb::Close;
@@ -62,11 +58,12 @@ class CGPath {
   void moveInto(std::pmr::memory_resource& memory);
 
  private:
-  template <std::size_t count>
-  void add(PathVerb verb, const std::array<CGPoint, count>& points) {
+  template <class... Points>
+  void add(PathVerb verb, Points... points) {
     if (verbs_.values().empty()) return;
     *verbs_.append(1) = verb;
-    std::copy(points.begin(), points.end(), points_.append(count));
+    CGPoint* next = points_.append(sizeof...(points));
+    ((*next++ = points), ...);
   }
 
   GrowingArray<PathVerb> verbs_;

@@ -45,6 +45,19 @@ std::string temporaryNameFor(const std::string& path) {
   return path + "." + std::to_string(getpid()) + "-" + std::to_string(count++) + ".tmp";
 }
 
+// As many bytes as there are, `size` at most; why there are no more in `error`.
+std::size_t readAll(int file, char* into, std::size_t size, int& error) {
+  std::size_t filled = 0;
+  while (filled < size) {
+    const ssize_t got = read(file, into + filled, size - filled);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) error = errno;
+    if (got <= 0) break;
+    filled += static_cast<std::size_t>(got);
+  }
+  return filled;
+}
+
 }  // namespace
 
 bool FileManager::fileExistsAtPath(const std::string& path) {
@@ -78,16 +91,9 @@ Result<std::string> FileManager::readAtPath(const std::string& path, std::size_t
   std::string contents;
   contents.reserve(size + kPadding);
   preferLargePages(contents.data(), size);
-  contents.resize(size);
-  std::size_t filled = 0;
-  while (filled < size) {
-    const ssize_t got = read(file.get(), contents.data() + filled, size - filled);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return posixError(errno);
-    if (got == 0) break;
-    filled += static_cast<std::size_t>(got);
-  }
-  contents.resize(filled);
+  int error = 0;
+  contents.resize_and_overwrite(size, [&](char* into, std::size_t) { return readAll(file.get(), into, size, error); });
+  if (error != 0) return posixError(error);
   return contents;
 }
 
