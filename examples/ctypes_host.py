@@ -52,7 +52,7 @@ class Library:
 
 class Host:
     def __init__(self, library):
-        self.library = library
+        self.halvo = library
         self.answer = None
         self.pictures = 0
         self.pixels = bytearray(SIDE * SIDE * 4)
@@ -65,12 +65,12 @@ class Host:
 
     def draw(self, view, _context):
         pixels = (ctypes.c_char * len(self.pixels)).from_buffer(self.pixels)
-        self.library.view_draw(view, pixels, SIDE, SIDE, SIDE * 4)
+        self.halvo.view_draw(view, pixels, SIDE, SIDE, SIDE * 4)
         self.pictures += 1
 
     def play(self, status, _context):
         if status == SUCCESS:
-            self.library.controller_play(self.controller, self.view, self.finish, None)
+            self.halvo.controller_play(self.controller, self.view, self.finish, None)
         else:
             self.answer = status
 
@@ -78,17 +78,17 @@ class Host:
         self.answer = status
 
     def run(self):
-        merchant = self.library.merchant_create(b"Corner Shop", b"US", b"San Francisco", (c_char_p * 1)(b"5411"), 1, None)
-        self.library.controller_prepare(self.controller, 0, b"quellaro", 0, merchant, False, self.play, None)
-        self.library.merchant_release(merchant)
+        merchant = self.halvo.merchant_create(b"Corner Shop", b"US", b"San Francisco", (c_char_p * 1)(b"5411"), 1, None)
+        self.halvo.controller_prepare(self.controller, 0, b"quellaro", 0, merchant, False, self.play, None)
+        self.halvo.merchant_release(merchant)
         poll = select.poll()
-        poll.register(self.library.loop_descriptor(), select.POLLIN)
+        poll.register(self.halvo.loop_descriptor(), select.POLLIN)
         while self.answer is None:
-            timeout = self.library.loop_milliseconds_until_next_deadline()
+            timeout = self.halvo.loop_milliseconds_until_next_deadline()
             poll.poll(timeout if timeout >= 0 else None)
-            self.library.loop_drain()
-        self.library.controller_release(self.controller)
-        self.library.view_release(self.view)
+            self.halvo.loop_drain()
+        self.halvo.controller_release(self.controller)
+        self.halvo.view_release(self.view)
 
 
 def main(arguments):
