@@ -229,9 +229,10 @@ QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_controller_prepare(
     quellaro_halvo_completion completion, void* context);
 
 // playWith:completion:
-// Plays the prepared cue, its animation in the view. Answers 904 or 908 inside this call, everything else from the loop
-// when the last part has ended. The next play may start when the completion has returned. `view` and `completion` may
-// be null; without a view a cue that has an animation answers 907 or 905.
+// Plays the prepared cue, its animation in the view. Answers 904 or 908 inside this call (from the loop when a
+// downloaded upgrade is taken up first), everything else from the loop when the last part has ended. The next play may
+// start when the completion has returned. `view` and `completion` may be null; without a view a cue that has an
+// animation answers 907 or 905.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_controller_play(quellaro_halvo_controller* controller,
                                                                            quellaro_halvo_view* view,
                                                                            quellaro_halvo_completion completion,

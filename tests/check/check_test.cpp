@@ -106,6 +106,15 @@ TEST_F(Check, WhatDoesNoHarmIsClean) {
   }
 }
 
+TEST_F(Check, OddNumbersInPathDataAreToldForWhatTheyAre) {
+  const struct {
+    const char* data;
+    const char* ids;
+  } cases[] = {{"M1e400 1L2 2", "number-range"}, {"M0 0L10 10L0 5.", "number"}};
+  for (const auto& c : cases)
+    EXPECT_EQ(joined(check(svg("<path fill='#123456' d='" + std::string(c.data) + "'/>")).ids), c.ids) << c.data;
+}
+
 TEST_F(Check, SourcesOfEveryKindGetAnAnswer) {
   const struct {
     std::string arguments;

@@ -4,6 +4,7 @@
 #include <poll.h>
 
 #include <limits>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -35,6 +36,20 @@ TEST(MainQueue, RunsWorkInOrderAndOnlyWhatWasQueuedBeforeTheDrain) {
   EXPECT_TRUE(queue.drain());
   EXPECT_EQ(order, "abc");
   EXPECT_FALSE(queue.drain());
+}
+
+TEST(MainQueue, WorkBehindAPieceThatThrowsRunsInTheNextDrain) {
+  MainQueue queue;
+  std::string order;
+  queue.async([&] {
+    queue.async([&] { order += 'c'; });
+    throw std::bad_alloc();
+  });
+  queue.async([&] { order += 'b'; });
+  EXPECT_THROW(queue.drain(), std::bad_alloc);
+  EXPECT_TRUE(isReadable(queue.fileDescriptor()));
+  EXPECT_TRUE(queue.drain());
+  EXPECT_EQ(order, "bc");
 }
 
 TEST(MainQueue, TimersFireByDeadlineAndThenInTheOrderOfScheduling) {

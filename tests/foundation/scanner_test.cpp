@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <bit>
 #include <limits>
 #include <random>
 #include <string>
@@ -56,7 +56,8 @@ TEST(Scanner, AListReadsAsItsNumbersDo) {
     NSScanner scanner(text, kBlanks);
     ASSERT_EQ(scanner.scanDoubles(numbers), expected.size()) << text;
     numbers.pop_back();
-    ASSERT_EQ(std::memcmp(numbers.data(), expected.data(), expected.size() * sizeof(double)), 0) << text;
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+      ASSERT_EQ(std::bit_cast<std::uint64_t>(numbers[i]), std::bit_cast<std::uint64_t>(expected[i])) << text;
   }
 }
 

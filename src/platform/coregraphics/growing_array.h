@@ -18,8 +18,16 @@ class GrowingArray {
 
  public:
   GrowingArray() = default;
-  GrowingArray(GrowingArray&&) noexcept = default;
-  GrowingArray& operator=(GrowingArray&&) noexcept = default;
+  GrowingArray(GrowingArray&& other) noexcept
+      : values_(std::move(other.values_)),
+        size_(std::exchange(other.size_, 0)),
+        capacity_(std::exchange(other.capacity_, 0)) {}
+  GrowingArray& operator=(GrowingArray&& other) noexcept {
+    values_ = std::move(other.values_);
+    size_ = std::exchange(other.size_, 0);
+    capacity_ = std::exchange(other.capacity_, 0);
+    return *this;
+  }
   GrowingArray(const GrowingArray& other) { std::copy_n(other.values_.get(), other.size_, append(other.size_)); }
   GrowingArray& operator=(const GrowingArray& other) { return *this = GrowingArray(other); }
   ~GrowingArray() = default;

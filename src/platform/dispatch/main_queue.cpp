@@ -66,8 +66,21 @@ void MainQueue::queueDueTimers() {
   }
 }
 
+void MainQueue::requeue(std::deque<Work>& unfinished) noexcept {
+  if (unfinished.empty()) return;
+  {
+    const std::lock_guard lock(mutex_);
+    unfinished.swap(ready_);
+    for (Work& later : unfinished) ready_.push_back(std::move(later));
+  }
+  wake();
+}
+
 bool MainQueue::drain() {
   std::deque<Work> due;
+  // When a piece of work throws, those behind it wait for the next drain.
+  const auto requeueAtEnd = [this](std::deque<Work>* unfinished) { requeue(*unfinished); };
+  const std::unique_ptr<std::deque<Work>, decltype(requeueAtEnd)> unfinished(&due, requeueAtEnd);
   {
     const std::lock_guard lock(mutex_);
     std::uint64_t count = 0;

@@ -77,6 +77,8 @@ class [[gnu::visibility("default")]] MainQueue {
 
   [[gnu::visibility("hidden")]] void wake();
   [[gnu::visibility("hidden")]] void queueDueTimers();
+  // Puts work that has not run back in front of all other.
+  [[gnu::visibility("hidden")]] void requeue(std::deque<Work> & unfinished) noexcept;
 
   mutable std::mutex mutex_;
   std::deque<Work> ready_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -23,10 +24,11 @@ inline void preferLargePages(void* start, std::size_t bytes) {
 // Gives the pages behind memory that nobody needs any more back to the system, while the memory itself stays allocated
 // with undefined content. Only a hint, too.
 inline void giveBackPages(void* start, std::size_t bytes) {
-  constexpr std::uintptr_t kPage = 4096;
+  // Not every machine's pages are of 4 KB, and the system would round the length up to whole ones.
+  const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
   const auto address = reinterpret_cast<std::uintptr_t>(start);
-  const std::uintptr_t first = (address + kPage - 1) / kPage * kPage;
-  const std::uintptr_t last = (address + bytes) / kPage * kPage;
+  const std::uintptr_t first = (address + page - 1) / page * page;
+  const std::uintptr_t last = (address + bytes) / page * page;
   if (first < last) madvise(static_cast<char*>(start) + (first - address), last - first, MADV_DONTNEED);
 }
 

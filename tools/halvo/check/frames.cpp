@@ -9,6 +9,7 @@
 #include "check/document.h"
 #include "platform/foundation/file_manager.h"
 #include "platform/foundation/json_reader.h"
+#include "platform/foundation/numbers.h"
 
 namespace halvo {
 
@@ -36,7 +37,11 @@ std::string whyNoFrames(std::string json) {
 }
 
 std::string sizeText(const CGSize& size) {
-  return std::to_string(std::lround(size.width)) + " x " + std::to_string(std::lround(size.height));
+  std::string text;
+  appendShortest(text, size.width);
+  text += " x ";
+  appendShortest(text, size.height);
+  return text;
 }
 
 class FramesCheck {

@@ -6,6 +6,7 @@
 #include "check/commas.h"
 #include "check/numbers.h"
 #include "check/standard_path.h"
+#include "platform/foundation/numbers.h"
 #include "svg/parse_observer.h"
 #include "svg/path.h"
 
@@ -18,7 +19,10 @@ using namespace quellaro;
 constexpr char upper(char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 // Both add up the same numbers in another order at most.
-bool isNear(double a, double b) { return std::fabs(a - b) <= 1e-9 * (1 + std::fabs(a)); }
+// Infinities and what comes of them are told as numbers out of range.
+bool isNear(double a, double b) {
+  return !std::isfinite(a) || !std::isfinite(b) || std::fabs(a - b) <= 1e-9 * (1 + std::fabs(a));
+}
 
 class PathCheck final : public SVGPathObserver {
  public:
@@ -90,8 +94,11 @@ class PathCheck final : public SVGPathObserver {
   static std::string describe(FindingId reason, std::span<const double> numbers, CGPoint before) {
     if (reason == FindingId::MovePairs) return std::to_string(numbers.size() / 2) + " pairs";
     if (reason == FindingId::Reflection) return "its first control point lies elsewhere";
-    return "elsewhere it goes on from " + std::to_string(std::lround(before.x)) + "," +
-           std::to_string(std::lround(before.y));
+    std::string text = "elsewhere it goes on from ";
+    appendShortest(text, before.x);
+    text += ',';
+    appendShortest(text, before.y);
+    return text;
   }
 
   // Whether the engine has drawn the same since the last command. `expected` begins with a move of its own.
@@ -130,6 +137,8 @@ void checkPath(const CheckedElement& element, FrameFindings& findings) {
     const SVGPath read(element.name, element.attributes, check);
     if (const auto comma = misplacedComma(attribute.value))
       findings.inValue(FindingId::Comma, element, attribute, *comma, "a comma that separates no numbers");
+    if (const auto point = trailingPoint(attribute.value))
+      findings.inValue(FindingId::Number, element, attribute, *point, "a number that ends in its point");
   }
 }
 
