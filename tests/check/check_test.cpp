@@ -160,8 +160,9 @@ TEST_F(Check, AFrameFullOfFindingsTakesNoTimeToSpeakOf) {
   for (int i = 0; i < 100'000; ++i) content += "<text id='" + std::to_string(i) + "'/>";
   const Ran ran = halvo("check " + svg(content));
   EXPECT_LT(ran.output.size(), 100'000U);
+  // Slow builds have a note about the time besides.
   EXPECT_THAT(ran.output.substr(ran.output.size() - 200),
-              testing::ContainsRegex("99501 further findings left out\n\n.*: 0 errors, 100001 warnings"));
+              testing::ContainsRegex("9950[12] further findings left out\n\n.*: 0 errors, 100001 warnings"));
   std::string deep;
   for (int i = 0; i < 300'000; ++i) deep += "<g>";
   EXPECT_EQ(check(svg(deep)).ids.count("xml"), 1U);
