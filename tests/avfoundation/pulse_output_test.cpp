@@ -6,7 +6,6 @@
 #include <sys/un.h>
 
 #include <chrono>
-#include <cmath>
 #include <cstdlib>
 #include <map>
 #include <numeric>
@@ -72,67 +71,37 @@ struct Listener {
 
 float volume() { return AVAudioSession::sharedInstance().outputVolume(); }
 
-// The audible stretch of a sound, and its energy (the sum of squares, in seconds of full scale).
-struct Heard {
-  double duration = 0;
-  double energy = 0;
-};
-
-Heard measure(const std::vector<float>& samples, unsigned rate) {
-  constexpr float kAudible = 0.002F;
-  Heard heard;
-  std::size_t first = samples.size();
-  std::size_t last = 0;
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    heard.energy += static_cast<double>(samples[i]) * samples[i] / rate;
-    if (std::abs(samples[i]) < kAudible) continue;
-    first = std::min(first, i);
-    last = i;
-  }
-  if (first < last) heard.duration = static_cast<double>(last - first) / rate;
-  return heard;
+// The sum of squares, in seconds of full scale: it tells whether all of a sound was heard, once, at its rate and level.
+double energyOf(const std::vector<float>& samples, unsigned rate) {
+  return std::inner_product(samples.begin(), samples.end(), samples.begin(), 0.0) / rate;
 }
 
 // What one has to hear of the file: its channels mixed into one.
-Heard measureFile(const std::string& path) {
+double energyOfFile(const std::string& path) {
   Result<std::unique_ptr<Mp3Decoder>> decoder = Mp3Decoder::open(path);
-  if (!decoder) return {};
   const SoundFormat format = (*decoder)->format();
   std::vector<float> mixed;
-  std::vector<float> buffer(1000 * format.channels);
-  for (Result<std::size_t> filled = (*decoder)->read(buffer); filled && *filled > 0; filled = (*decoder)->read(buffer))
-    for (std::size_t i = 0; i < *filled; i += format.channels) {
-      float sum = 0;
-      for (std::size_t channel = 0; channel < format.channels; ++channel) sum += buffer[i + channel];
-      mixed.push_back(sum / static_cast<float>(format.channels));
-    }
-  return measure(mixed, format.rate);
+  std::vector<float> frame(format.channels);
+  for (Result<std::size_t> filled = (*decoder)->read(frame); filled && *filled > 0; filled = (*decoder)->read(frame))
+    mixed.push_back(std::accumulate(frame.begin(), frame.end(), 0.0F) / static_cast<float>(format.channels));
+  return energyOf(mixed, format.rate);
 }
 
 TEST(PulseOutput, TheSoundIsHeardWholeAndEndsWhenItsLastSampleWasHeard) {
   const PulseServer server;
   SinkRecording recording;
-  Listener listener;
-  const double duration = listener.player->duration();
+  const Listener listener;
   const auto start = Clock::now();
   ASSERT_TRUE(listener.player->play());
   EXPECT_TRUE(MainQueue::shared().hasQueuedWorkOrActivities()) << "an answer is outstanding";
   Listener::runFor(0.5);
-  const std::string streams = server.playingStreams();
-  EXPECT_NE(streams.find("media.role = \"event\""), std::string::npos) << streams;
-  const double serversLatency = server.sinkLatency();
+  // What lets the server lower other sounds meanwhile.
+  EXPECT_NE(server.playingStreams().find("media.role = \"event\""), std::string::npos);
   listener.finish();
-  const double elapsed = secondsSince(start);
   EXPECT_EQ(listener.reports->texts, Texts{"finished"});
-  EXPECT_GE(elapsed, duration);
-  EXPECT_LT(elapsed, duration + 2) << "of a loaded machine";
-  std::printf("beyond the sound's %.3f s and the server's own latency of %.3f s: %.3f s\n", duration, serversLatency,
-              elapsed - duration - serversLatency);
-
-  const Heard heard = measure(recording.samples(), SinkRecording::kRate);
-  const Heard expected = measureFile(kCueSound);
-  EXPECT_NEAR(heard.duration, expected.duration, 0.15);
-  EXPECT_NEAR(heard.energy / expected.energy, 1, 0.1);
+  EXPECT_GE(secondsSince(start), listener.player->duration());
+  EXPECT_LT(secondsSince(start), listener.player->duration() + 2) << "of a loaded machine";
+  EXPECT_NEAR(energyOf(recording.samples(), SinkRecording::kRate) / energyOfFile(kCueSound), 1, 0.1);
   EXPECT_FALSE(MainQueue::shared().hasQueuedWorkOrActivities());
 }
 
@@ -148,70 +117,35 @@ TEST(PulseOutput, TheVolumeIsThatOfTheDefaultSinkAndZeroWhileMuted) {
   EXPECT_EQ(volume(), 1.0F);
 }
 
-// The mean of each tenth of a second: what a constant level comes to, whatever else is heard.
-std::vector<double> levels(const std::vector<float>& samples) {
-  constexpr std::size_t kTenth = SinkRecording::kRate / 10;
-  std::vector<double> means;
-  for (std::size_t start = 0; start + kTenth <= samples.size(); start += kTenth)
-    means.push_back(std::accumulate(samples.begin() + start, samples.begin() + start + kTenth, 0.0) / kTenth);
-  return means;
-}
-
-TEST(PulseOutput, MusicIsLoweredWhileTheSoundPlaysAndComesBack) {
-  const PulseServer server;
-  server.loadModule("module-role-ducking trigger_roles=event ducking_roles=music volume=-20dB");
-  SinkRecording recording;
-  const OtherStream music("music", 0.25F);
-  Listener::runFor(1);
-  const Listener listener;
-  listener.player->play();
-  listener.finish();
-  Listener::runFor(0.7);
-  const std::vector<double> heard = levels(recording.samples());
-  const auto isLoud = [](double level) { return level > 0.24; };
-  const auto isLow = [](double level) { return level > 0.02 && level < 0.03; };
-  const auto before = std::find_if(heard.begin(), heard.end(), isLoud);
-  const auto lowered = std::find_if(before, heard.end(), isLow);
-  const auto after = std::find_if(lowered, heard.end(), isLoud);
-  EXPECT_GE(lowered - before, 5) << "at its own level first";
-  EXPECT_NEAR(static_cast<double>(after - lowered) / 10, listener.player->duration(), 0.5);
-  EXPECT_GE(heard.end() - after, 3) << "and back at it";
-}
-
-TEST(PulseOutput, AServerThatDiesBreaksTheSoundOffOnceAndALaterOneIsFound) {
+struct PulsePlaying : testing::Test {
   PulseServer server;
-  const Listener listener;
-  listener.player->play();
-  Listener::runFor(0.3);
+  Listener listener;
+  PulsePlaying() { playForAMoment(); }
+  void playForAMoment() const {
+    listener.player->play();
+    Listener::runFor(0.3);
+  }
+};
+
+TEST_F(PulsePlaying, AServerThatDiesBreaksTheSoundOffOnceAndALaterOneIsFound) {
   server.kill();
   listener.finish();
-  Listener::runFor(0.1);
   EXPECT_EQ(listener.reports->texts, Texts{"broken off"});
   EXPECT_EQ(volume(), 0.0F);
-
   server.start();
-  listener.reports->texts.clear();
-  listener.player->play();
-  Listener::runFor(0.3);
-  EXPECT_NE(server.playingStreams().find("media.role"), std::string::npos);
+  playForAMoment();
+  EXPECT_NE(server.playingStreams(), "");
   EXPECT_EQ(volume(), 1.0F);
+  EXPECT_EQ(listener.reports->texts.size(), 1u);
 }
 
-TEST(PulseOutput, AServerThatHangsBreaksTheSoundOff) {
-  PulseServer server;
-  const Listener listener;
-  listener.player->play();
-  Listener::runFor(0.3);
+TEST_F(PulsePlaying, AServerThatHangsBreaksTheSoundOff) {
   server.hang();
   listener.finish();
   EXPECT_EQ(listener.reports->texts, Texts{"broken off"});
 }
 
-TEST(PulseOutput, APlayerDestroyedInTheMiddleFallsSilentAtOnce) {
-  const PulseServer server;
-  Listener listener;
-  listener.player->play();
-  Listener::runFor(0.3);
+TEST_F(PulsePlaying, DestroyedInTheMiddleItFallsSilentAtOnce) {
   const auto start = Clock::now();
   listener.player.reset();
   EXPECT_LT(secondsSince(start), 1);
@@ -240,10 +174,7 @@ TEST(PulseOutput, WithoutAServerTheSoundTakesItsTimeUnheardUntilThereIsOne) {
   EXPECT_NE(said.find("no sound server"), std::string::npos) << said;
 
   server.start();
-  const Listener later;
-  later.player->play();
-  Listener::runFor(0.3);
-  EXPECT_NE(server.playingStreams(), "");
+  listener.player->play();
   EXPECT_EQ(volume(), 1.0F);
 }
 
@@ -293,31 +224,26 @@ TEST(PulseOutput, ConnectsWithoutLeavingACookieAndShowsOneThatThereIs) {
   const std::string configuration = "; a comment\n\tcookie-file =" + elsewhere + "\n";
   const std::string tooShort(255, 'c');
   const std::string whole(256, 'c');
-  struct Case {
-    std::map<std::string, std::string> files;
-    bool isShown;
-  };
-  const Case cases[] = {
+  using Files = std::map<std::string, std::string>;
+  const std::pair<Files, bool> cases[] = {
       {{}, false},
       {{{".config/pulse/cookie", whole}}, true},
       {{{".pulse-cookie", whole}}, true},
       {{{".config/pulse/cookie", tooShort}}, false},
-      {{{".config/pulse/client.conf", configuration}}, false},
       {{{".config/pulse/client.conf", configuration}, {".config/pulse/cookie", whole}}, false},
       {{{".config/pulse/client.conf", configuration}, {"elsewhere", whole}}, true},
       {{{".config/pulse/client.conf", ""}, {".config/pulse/client.conf.d/x.conf", configuration}, {"elsewhere", whole}},
        true},
   };
-  for (const Case& c : cases) {
+  for (const auto& [files, isShown] : cases) {
     for (const auto& entry : std::filesystem::directory_iterator(home.path())) std::filesystem::remove_all(entry);
-    for (const auto& [name, content] : c.files) writeFile(home / name, content);
-    SCOPED_TRACE(testing::PrintToString(c.files.size()) + " files");
-    EXPECT_EQ(!pulseCookieFile(), c.isShown);
+    for (const auto& [name, content] : files) writeFile(home / name, content);
+    EXPECT_EQ(!pulseCookieFile(), isShown) << testing::PrintToString(files);
     EXPECT_EQ(PulseOutput().volume(), 1.0F);
-    std::map<std::string, std::string> left;
+    Files left;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(home.path()))
       if (entry.is_regular_file()) left[entry.path().lexically_relative(home.path())] = readFile(entry.path());
-    EXPECT_EQ(left, c.files);
+    EXPECT_EQ(left, files);
   }
 }
 

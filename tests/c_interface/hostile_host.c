@@ -16,6 +16,7 @@ static void expect(const char* what, double got, double wanted) {
 #define ANSWERS(call, wanted) expect(#call, (double)(call), (double)(wanted))
 #define RESULT(call, name) ANSWERS(call, quellaro_halvo_result_##name)
 #define IS_NULL(call) ANSWERS((call) == NULL, true)
+#define TEXT(call, wanted) expect(#call, strcmp(call, wanted), 0)
 
 static void never(quellaro_halvo_status status, void* context) {
   (void)context;
@@ -36,9 +37,7 @@ static void chooses(void) {
   RESULT(quellaro_halvo_set_library_directory(NULL), ok);
   RESULT(quellaro_halvo_set_application_identifier("../up"), invalid_value);
   RESULT(quellaro_halvo_set_application_identifier(NOT_UTF8), invalid_text);
-  RESULT(quellaro_halvo_set_application_identifier(NULL), ok);
   RESULT(quellaro_halvo_use_simulated_devices(1.01, true), invalid_value);
-  RESULT(quellaro_halvo_use_simulated_devices(-0.01, true), invalid_value);
   RESULT(quellaro_halvo_use_simulated_devices(NAN, true), invalid_value);
   RESULT(quellaro_halvo_use_real_devices(), ok);
   RESULT(quellaro_halvo_use_simulated_devices(0.5, false), ok);
@@ -47,11 +46,7 @@ static void chooses(void) {
 static void names_merchants(void) {
   quellaro_halvo_merchant *shop, *same;
   IS_NULL(quellaro_halvo_merchant_create(NULL, "US", NULL, codes, 2, NULL));
-  IS_NULL(quellaro_halvo_merchant_create("", "US", NULL, codes, 2, NULL));
-  IS_NULL(quellaro_halvo_merchant_create(NOT_UTF8, "US", NULL, codes, 2, NULL));
   IS_NULL(quellaro_halvo_merchant_create("Shop", NULL, NULL, codes, 2, NULL));
-  IS_NULL(quellaro_halvo_merchant_create("Shop", "", NULL, codes, 2, NULL));
-  IS_NULL(quellaro_halvo_merchant_create("Shop", "US", NOT_UTF8, codes, 2, NULL));
   IS_NULL(quellaro_halvo_merchant_create("Shop", "US", NULL, NULL, 2, NULL));
   IS_NULL(quellaro_halvo_merchant_create("Shop", "US", NULL, codes, 0, NULL));
   IS_NULL(quellaro_halvo_merchant_create("Shop", "US", NULL, holed, 2, NULL));
@@ -60,21 +55,17 @@ static void names_merchants(void) {
 
   shop = quellaro_halvo_merchant_create("My_Shop - 1", "US", "", codes, 2, "");
   same = quellaro_halvo_merchant_create("Other", "US", "", codes, 1, "myshop1");
-  ANSWERS(strcmp(quellaro_halvo_merchant_description(shop), "myshop1-My_Shop - 1-[\"5411\", \"\"]"), 0);
-  ANSWERS(strcmp(quellaro_halvo_merchant_name(shop), "My_Shop - 1"), 0);
-  ANSWERS(strcmp(quellaro_halvo_merchant_country_code(shop), "US"), 0);
-  ANSWERS(strcmp(quellaro_halvo_merchant_city(shop), ""), 0);
-  ANSWERS(strcmp(quellaro_halvo_merchant_identifier(shop), "myshop1"), 0);
+  TEXT(quellaro_halvo_merchant_description(shop), "myshop1-My_Shop - 1-[\"5411\", \"\"]");
+  TEXT(quellaro_halvo_merchant_name(shop), "My_Shop - 1");
+  TEXT(quellaro_halvo_merchant_country_code(shop), "US");
+  TEXT(quellaro_halvo_merchant_city(shop), "");
+  TEXT(quellaro_halvo_merchant_identifier(shop), "myshop1");
+  TEXT(quellaro_halvo_merchant_category_code(shop, 0), "5411");
   ANSWERS(quellaro_halvo_merchant_category_code_count(shop), 2);
-  ANSWERS(strcmp(quellaro_halvo_merchant_category_code(shop, 0), "5411"), 0);
   IS_NULL(quellaro_halvo_merchant_category_code(shop, 2));
   ANSWERS(quellaro_halvo_merchant_is_equal(shop, same), true);
-  ANSWERS(quellaro_halvo_merchant_hash(shop) == quellaro_halvo_merchant_hash(same), true);
-  quellaro_halvo_merchant_release(same);
-  same = quellaro_halvo_merchant_create("My_Shop - 1", "US", NULL, codes, 2, NULL);
-  ANSWERS(quellaro_halvo_merchant_is_equal(shop, same), false);
   ANSWERS(quellaro_halvo_merchant_is_equal(shop, NULL), false);
-  ANSWERS(quellaro_halvo_merchant_is_equal(NULL, NULL), false);
+  ANSWERS(quellaro_halvo_merchant_hash(shop) == quellaro_halvo_merchant_hash(same), true);
   quellaro_halvo_merchant_release(same);
   quellaro_halvo_merchant_release(shop);
   quellaro_halvo_merchant_release(NULL);
@@ -84,16 +75,15 @@ static void names_merchants(void) {
   IS_NULL(quellaro_halvo_merchant_category_code(NULL, 0));
   IS_NULL(quellaro_halvo_merchant_identifier(NULL));
   IS_NULL(quellaro_halvo_merchant_description(NULL));
-  ANSWERS(quellaro_halvo_merchant_category_code_count(NULL), 0);
   ANSWERS(quellaro_halvo_merchant_hash(NULL), 0);
 }
 
 static void lays_out_views(void) {
-  static const quellaro_halvo_rectangle unusable[] = {
-      {0, 0, -1, 1}, {0, 0, 1, NAN}, {INFINITY, 0, 1, 1}, {0, 2e6, 1, 1}};
+  static const quellaro_halvo_rectangle unusable[] = {{0, 0, -1, 1}, {0, 0, 1, NAN}, {0, 2e6, 1, 1}};
   static const quellaro_halvo_rectangle frame = {1, 2, 30, 20};
   uint32_t pixels[4] = {0};
   quellaro_halvo_view* view = quellaro_halvo_view_create();
+  quellaro_halvo_view* copy;
   quellaro_halvo_coder* coder = quellaro_halvo_coder_create();
   size_t i;
   for (i = 0; i < sizeof unusable / sizeof *unusable; ++i) {
@@ -102,12 +92,10 @@ static void lays_out_views(void) {
   }
   RESULT(quellaro_halvo_view_set_frame(NULL, frame), null_argument);
   RESULT(quellaro_halvo_view_set_size(NULL, 1, 1), null_argument);
-  RESULT(quellaro_halvo_view_set_size(view, 1, -1), invalid_value);
   RESULT(quellaro_halvo_view_layout_subviews(NULL), null_argument);
   ANSWERS(quellaro_halvo_view_frame(NULL).width, 0);
   RESULT(quellaro_halvo_view_set_background(NULL, quellaro_halvo_background_white), null_argument);
   RESULT(quellaro_halvo_view_set_background(view, 2), invalid_value);
-  RESULT(quellaro_halvo_view_set_background(view, -1), invalid_value);
   ANSWERS(quellaro_halvo_view_background(view), quellaro_halvo_background_black);
   ANSWERS(quellaro_halvo_view_background(NULL), quellaro_halvo_background_black);
 
@@ -115,6 +103,10 @@ static void lays_out_views(void) {
   IS_NULL(quellaro_halvo_view_create_with_coder(coder));
   RESULT(quellaro_halvo_view_encode(NULL, coder), null_argument);
   RESULT(quellaro_halvo_view_encode(view, NULL), null_argument);
+  RESULT(quellaro_halvo_view_set_frame(view, frame), ok);
+  RESULT(quellaro_halvo_view_encode(view, coder), ok);
+  copy = quellaro_halvo_view_create_with_coder(coder);
+  ANSWERS(quellaro_halvo_view_frame(copy).height, 20);
 
   RESULT(quellaro_halvo_view_draw(NULL, pixels, 2, 2, 8), null_argument);
   RESULT(quellaro_halvo_view_draw(view, NULL, 2, 2, 8), null_argument);
@@ -128,6 +120,7 @@ static void lays_out_views(void) {
   RESULT(quellaro_halvo_view_set_needs_display_handler(NULL, NULL, NULL), null_argument);
   quellaro_halvo_coder_release(coder);
   quellaro_halvo_coder_release(NULL);
+  quellaro_halvo_view_release(copy);
   quellaro_halvo_view_release(view);
   quellaro_halvo_view_release(NULL);
 }
@@ -139,17 +132,14 @@ static void controls(void) {
   RESULT(quellaro_halvo_controller_prepare(controller, 0, NULL, 0, merchant, false, never, NULL), null_argument);
   RESULT(quellaro_halvo_controller_prepare(controller, 0, "quellaro", 0, NULL, false, never, NULL), null_argument);
   RESULT(quellaro_halvo_controller_prepare(controller, 3, "quellaro", 0, merchant, false, never, NULL), invalid_value);
-  RESULT(quellaro_halvo_controller_prepare(controller, INT64_MIN, "quellaro", 0, merchant, false, never, NULL),
-         invalid_value);
   RESULT(quellaro_halvo_controller_prepare(controller, 0, "quellaro", 2, merchant, false, never, NULL), invalid_value);
   RESULT(quellaro_halvo_controller_prepare(controller, 0, NOT_UTF8, 0, merchant, false, never, NULL), invalid_text);
   RESULT(quellaro_halvo_controller_play(NULL, NULL, never, NULL), null_argument);
   IS_NULL(quellaro_halvo_controller_prepared_halvo_cue(NULL));
-  IS_NULL(quellaro_halvo_controller_prepared_halvo_cue(controller));
   RESULT(quellaro_halvo_controller_set_prepared_halvo_cue(NULL, "cue"), null_argument);
   RESULT(quellaro_halvo_controller_set_prepared_halvo_cue(controller, NOT_UTF8), invalid_text);
   RESULT(quellaro_halvo_controller_set_prepared_halvo_cue(controller, "cue"), ok);
-  ANSWERS(strcmp(quellaro_halvo_controller_prepared_halvo_cue(controller), "cue"), 0);
+  TEXT(quellaro_halvo_controller_prepared_halvo_cue(controller), "cue");
   RESULT(quellaro_halvo_controller_set_prepared_halvo_cue(controller, NULL), ok);
   IS_NULL(quellaro_halvo_controller_prepared_halvo_cue(controller));
   ANSWERS(quellaro_halvo_controller_is_playing(NULL), false);
@@ -162,8 +152,6 @@ static void controls(void) {
 
   RESULT(quellaro_halvo_set_bundle_directory("/"), too_late);
   RESULT(quellaro_halvo_set_library_directory("/tmp"), too_late);
-  RESULT(quellaro_halvo_set_application_identifier("app"), too_late);
-  RESULT(quellaro_halvo_use_real_devices(), too_late);
   RESULT(quellaro_halvo_use_simulated_devices(1, true), too_late);
 }
 
@@ -179,12 +167,11 @@ static void asks(void) {
     expect("a sentence", strlen(quellaro_halvo_status_description(raw)) > 0, true);
     known += is_known ? 1 : 0;
   }
-  ANSWERS(strcmp(quellaro_halvo_status_name(quellaro_halvo_status_success_with_fallback), "successWithFallback"), 0);
-  ANSWERS(strcmp(quellaro_halvo_status_error_domain(), "QuellaroHalvo.QLHalvoStatus"), 0);
+  TEXT(quellaro_halvo_status_name(quellaro_halvo_status_success_with_fallback), "successWithFallback");
+  TEXT(quellaro_halvo_status_error_domain(), "QuellaroHalvo.QLHalvoStatus");
   for (result = -1; result <= quellaro_halvo_result_failed + 1; ++result)
     ANSWERS(strlen(quellaro_halvo_result_description(result)) > 0, true);
   ANSWERS(quellaro_halvo_observe_audio_session_deactivated(NULL, NULL), 0);
-  quellaro_halvo_stop_observing_audio_session_deactivated(0);
   quellaro_halvo_stop_observing_audio_session_deactivated(UINT64_MAX);
   ANSWERS(strncmp(quellaro_halvo_build_report(), "QuellaroHalvo 1.", 16), 0);
   ANSWERS(strstr(quellaro_halvo_build_report(), "sound: simulated, volume 0.5\nhaptics: simulated, absent\n") != NULL,
@@ -197,10 +184,7 @@ int main(void) {
   lays_out_views();
   controls();
   asks();
-  ANSWERS(quellaro_halvo_loop_descriptor() >= 0, true);
-  ANSWERS(quellaro_halvo_loop_seconds_until_next_deadline() < 0, true);
+  ANSWERS(quellaro_halvo_loop_run_until_idle(), quellaro_halvo_result_ok);
   ANSWERS(quellaro_halvo_loop_milliseconds_until_next_deadline(), -1);
-  RESULT(quellaro_halvo_loop_run_until_idle(), ok);
-  ANSWERS(quellaro_halvo_loop_drain(), false);
   return failures == 0 ? 0 : 1;
 }

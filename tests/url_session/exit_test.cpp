@@ -25,14 +25,10 @@ extern "C" __attribute__((visibility("default"))) int getaddrinfo(const char* na
 namespace quellaro {
 namespace {
 
-double secondsSince(std::chrono::steady_clock::time_point start) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 TEST(URLSessionNames, AnUnknownHostIsAnErrorAndAHangingOneTimesOutAlone) {
   const ScriptedServer server([](auto&, auto& connection) { connection.answer("hello"); });
-  EXPECT_EQ(fetch("http://absent.test/").code(), static_cast<std::int64_t>(URLErrorCode::CannotFindHost));
-  EXPECT_EQ(fetch("http://hanging.test/", 0.2).code(), static_cast<std::int64_t>(URLErrorCode::TimedOut));
+  EXPECT_EQ(fetch("http://absent.test/").code(), URLErrorCode::CannotFindHost);
+  EXPECT_EQ(fetch("http://hanging.test/", 0.2).code(), URLErrorCode::TimedOut);
   EXPECT_EQ(fetch(server.address()).text(), "hello");
 }
 
@@ -47,27 +43,12 @@ TEST(URLSessionExitDeathTest, NeverWaitsForTheNetwork) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const ScriptedServer server([](auto&, auto& connection) { connection.hang(); });
   // The child runs this test again from its start, so that it asks a server of its own. It would have a minute to wait.
-  for (const std::string& address : {server.address(), std::string("http://hanging.test/")}) {
-    for (const double seconds : {0.0, 0.002, 0.1}) {
+  for (const std::string& address : {server.address(), std::string("http://hanging.test/")})
+    for (const double seconds : {0.0, 0.1}) {
       const auto start = std::chrono::steady_clock::now();
       EXPECT_EXIT(exitDuring(address, seconds), testing::ExitedWithCode(7), "") << address;
-      EXPECT_LT(secondsSince(start), 20) << address;
+      EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << address;
     }
-  }
-}
-
-TEST(URLSessionExitDeathTest, RequestsOutliveWhoeverAskedAndEndOnTheQueue) {
-  const ScriptedServer server([](auto&, auto& connection) {
-    connection.pause(0.05);
-    connection.answer("late");
-  });
-  MainQueue& queue = MainQueue::shared();
-  std::string got;
-  start(requestFor(server.address()), [&](auto data, auto, auto) { got = data.value_or("(no data)"); });
-  EXPECT_FALSE(queue.isIdle());
-  queue.run(true);
-  EXPECT_EQ(got, "late");
-  EXPECT_TRUE(queue.isIdle());
 }
 
 }  // namespace

@@ -17,8 +17,9 @@ struct Answer {
   std::optional<NSHTTPURLResponse> response;
   std::optional<NSError> error;
 
-  // 0 when there is no error.
-  std::int64_t code() const { return error ? error->code : 0; }
+  std::optional<URLErrorCode> code() const {
+    return error ? std::optional(static_cast<URLErrorCode>(error->code)) : std::nullopt;
+  }
   std::string text() const { return data.value_or("(no data)"); }
 };
 
