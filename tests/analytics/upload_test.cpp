@@ -1,15 +1,18 @@
 #include <gtest/gtest.h>
 
-#include <thread>
+#include <regex>
 
 #include "analytics/api_response.h"
 #include "analytics_fixture.h"
-#include "platform/foundation/json_reader.h"
 #include "platform/foundation/user_defaults.h"
-#include "support/uuid_text.h"
 
 namespace quellaro {
 namespace {
+
+// The random identifiers by "UUID".
+std::string withoutUUIDs(const std::string& text) {
+  return std::regex_replace(text, std::regex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"), "UUID");
+}
 
 class Upload : public AnalyticsFixture {
  protected:
@@ -32,13 +35,6 @@ class Upload : public AnalyticsFixture {
                                                               NSDate::withTimeIntervalSince1970(1720000000.9), "ID-1")
         .value_or("none");
   }
-  // The random identifier of every event by "UUID".
-  static std::string withoutInsertIds(std::string body) {
-    const std::string key = R"("$insert_id":")";
-    for (std::size_t at = 0; (at = body.find(key, at)) != std::string::npos; at += key.size())
-      if (isUUIDText(body.substr(at + key.size(), 36))) body.replace(at + key.size(), 36, "UUID");
-    return body;
-  }
 };
 
 TEST_F(Upload, TheBodyToTheLetter) {
@@ -52,23 +48,20 @@ TEST_F(Upload, TheBodyToTheLetter) {
       R"("soundFailure":9,"unknownFailure":10,"mutedPlay":11,"hapticsPlay":12,"hapticsSupported":false,)"
       R"("hapticsEnabled":true}}])";
   const std::string body = bodyOf(record("Bad Ems & Co=1"), QLHalvoEnvironment::secondary);
-  EXPECT_EQ(withoutInsertIds(body), expected);
+  EXPECT_EQ(withoutUUIDs(body), expected);
   EXPECT_NE(body, bodyOf(record("Bad Ems & Co=1"), QLHalvoEnvironment::secondary)) << "another insert id each time";
-}
 
-TEST_F(Upload, EnvironmentCityAndMissingIdentifier) {
   setApplicationIdentifier(std::nullopt);
-  const std::string body = bodyOf(record(std::nullopt), QLHalvoEnvironment::primary);
+  const std::string other = bodyOf(record(std::nullopt), QLHalvoEnvironment::primary);
   for (const char* part : {R"("token":"0f3c5a7e9b1d2f4a6c8e0b2d4f6a8c1e")", R"("city":null)", R"("applicationId":"")"})
-    EXPECT_NE(body.find(part), std::string::npos) << part;
-  EXPECT_NE(bodyOf(record(""), QLHalvoEnvironment::primary).find(R"("city":"")"), std::string::npos);
+    EXPECT_NE(other.find(part), std::string::npos) << part;
 }
 
 TEST_F(Upload, TheDistinctIdIsMadeOnceForEachApplication) {
   NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
   EXPECT_FALSE(MixpanelAnalyticsServiceProvider::storedDistinctID());
   const std::string made = MixpanelAnalyticsServiceProvider::loadDistinctID();
-  EXPECT_TRUE(isUUIDText(made)) << made;
+  EXPECT_EQ(withoutUUIDs(made), "UUID");
   EXPECT_EQ(MixpanelAnalyticsServiceProvider::loadDistinctID(), made);
   EXPECT_EQ(defaults.stringForKey("shopapp.mixpanel.distinctID"), made);
   setApplicationIdentifier(std::nullopt);
@@ -90,22 +83,14 @@ TEST_F(Upload, EveryKindOfAnswer) {
       {R"({"status":1,"error":""})", {}, true, {}},
       {R"({"error":"odd","status":1})", {}, true, MixpanelAPIError{"odd"}},
       {R"({"status":0,"error":"no"})", {}, false, MixpanelAPIError{"no"}},
-      {R"({"status":0})", {}, false, {}},
       {R"({"status":2})", {}, false, {}},
-      {R"({"status":-1})", {}, false, {}},
       {R"({"status":"1"})", {}, false, {}},
-      {R"({"status":true})", {}, false, {}},
-      {R"({"status":1.5})", {}, false, {}},
       {R"({"status":1,"error":7})", {}, false, {}},
-      {R"({"status":null})", {}, false, {}},
       {R"({})", {}, false, {}},
-      {"1", {}, false, {}},
-      {"[{\"status\":1}]", {}, false, {}},
-      {"<html>busy</html>", {}, false, {}},
+      {R"([{"status":1}])", {}, false, {}},
       {"<html>busy</html>", transport, false, transport},
       {"", {}, false, {}},
       {std::nullopt, transport, false, transport},
-      {std::nullopt, {}, false, {}},
       {R"({"status":1})", transport, true, {}},
   };
   for (const Case& c : cases) {
@@ -114,40 +99,30 @@ TEST_F(Upload, EveryKindOfAnswer) {
           completion(c.data, std::nullopt, c.transportError);
         });
     int calls = 0;
-    const bool started = service.sendEvents({record("x")}, QLHalvoEnvironment::primary, "http://localhost/",
-                                            [&](bool success, const std::optional<UploadError>& error) {
-                                              ++calls;
-                                              EXPECT_EQ(success, c.success) << c.data.value_or("none");
-                                              EXPECT_EQ(error, c.error) << c.data.value_or("none");
-                                            });
-    EXPECT_TRUE(started);
+    EXPECT_TRUE(service.sendEvents({record("x")}, QLHalvoEnvironment::primary, "http://localhost/",
+                                   [&](bool success, const std::optional<UploadError>& error) {
+                                     ++calls;
+                                     EXPECT_EQ(success, c.success) << c.data.value_or("none");
+                                     EXPECT_EQ(error, c.error) << c.data.value_or("none");
+                                   }));
     EXPECT_EQ(calls, 1);
   }
-}
-
-TEST(APIResponse, BothWays) {
   EXPECT_EQ((MixpanelAPIResponse{1, std::nullopt}).encode(), R"({"status":1})");
   EXPECT_EQ((MixpanelAPIResponse{-3, "a\"b"}).encode(), R"({"status":-3,"error":"a\"b"})");
-  const auto read = MixpanelAPIResponse::decode(R"({"error":"a\"b","status":-3})");
-  ASSERT_TRUE(read);
-  EXPECT_EQ(read->status, -3);
-  EXPECT_EQ(read->errorMessage, "a\"b");
 }
 
-// Against a server, through the real request.
-class Ingestion : public Upload {
- protected:
-  void useServer(const ScriptedServer& server) {
-    manager_ = MixpanelAnalyticsManager::make();
-    manager_->merchant = merchantNamed("Shop");
-    manager_->environment = QLHalvoEnvironment::secondary;
-    manager_->config = QLHalvoAnalyticsInfo{true, "M", server.address() + "/track?ip=1"};
-  }
-};
-
-TEST_F(Ingestion, RequestsAreWellFormedAndResentAfterFailure) {
-  const ScriptedServer server(answering({R"(<html>)", R"({"status":0,"error":"no"})", R"({"status":1})"}));
-  useServer(server);
+// Through the real request: answers that do not count, one cut off, and one that counts whatever its status code.
+TEST_F(Upload, RequestsAreWellFormedAndResentAfterFailure) {
+  std::atomic<int> answers = 0;
+  const ScriptedServer server([&](const auto&, const ScriptedServer::Connection& connection) {
+    const char* const heads[] = {"200 OK\r\nContent-Length: 99", "200 OK\r\nContent-Length: 0",
+                                 "500 Error\r\nContent-Length: 12"};
+    connection.send(std::string("HTTP/1.1 ") + heads[answers++ % 3] + "\r\n\r\n" + kAccepted);
+  });
+  manager_ = MixpanelAnalyticsManager::make();
+  manager_->merchant = merchantNamed("Shop");
+  manager_->environment = QLHalvoEnvironment::secondary;
+  manager_->config = QLHalvoAnalyticsInfo{true, "M", server.address() + "/track?ip=1"};
   play("old");
   wallClock_.advance(31 * kDay);
   for (const char* expected : {"new/shop:1", "new/shop:2", "new/shop:3", "new/shop:4"}) {
@@ -159,57 +134,14 @@ TEST_F(Ingestion, RequestsAreWellFormedAndResentAfterFailure) {
   EXPECT_EQ(readFile(failedPath()), "[]");
   const auto requests = server.requests();
   ASSERT_EQ(requests.size(), 3U);
-  for (std::size_t i = 0; i < requests.size(); ++i) {
-    const ScriptedServer::Request& request = requests[i];
-    EXPECT_EQ(request.method, "POST");
-    EXPECT_EQ(request.path, "/track?ip=1");
+  std::int64_t time = static_cast<std::int64_t>(kStart + 31 * kDay);
+  const std::string distinctID = MixpanelAnalyticsServiceProvider::storedDistinctID().value_or("none");
+  for (const ScriptedServer::Request& request : requests) {
+    EXPECT_EQ(request.method + " " + request.path, "POST /track?ip=1");
     EXPECT_EQ(request.headers.at("content-type"), "application/json");
-    EXPECT_EQ(request.headers.at("content-length"), std::to_string(request.body.size()));
-    const auto events = JSONDocument::parse(request.body.substr(5));
-    ASSERT_TRUE(events) << request.body;
-    EXPECT_EQ(request.body.substr(0, 5), "data=");
-    const JSONValue properties = events->root().elements().front().member("properties").value();
-    EXPECT_EQ(properties.members().size(), 30U);
-    EXPECT_EQ(properties.member("time")->wholeNumber(),
-              static_cast<std::int64_t>(kStart + 31 * kDay) + std::int64_t(i));
-    EXPECT_EQ(properties.member("distinct_id")->string(), MixpanelAnalyticsServiceProvider::storedDistinctID());
-    for (std::size_t j = 0; j < i; ++j) EXPECT_NE(request.body, requests[j].body) << "a new insert id";
-  }
-}
-
-TEST_F(Ingestion, LateAnswersCutOnesAndNone) {
-  struct Case {
-    const char* name;
-    ScriptedServer::Script script;
-    const char* failed;
-  };
-  const Case cases[] = {
-      {"late", [](auto&, auto& connection) { connection.pause(0.05), connection.answer(R"({"status":1})"); }, "absent"},
-      {"status code",
-       [](auto&, auto& connection) {
-         connection.send("HTTP/1.1 500 Error\r\nContent-Length: 12\r\nConnection: close\r\n\r\n{\"status\":1}");
-       },
-       "absent"},
-      {"cut",
-       [](auto&, auto& connection) { connection.send("HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{\"status\":1}"); },
-       "old/shop:1"},
-      {"none", [](auto&, auto&) {}, "old/shop:1"},
-      {"empty", [](auto&, auto& connection) { connection.answer(""); }, "old/shop:1"},
-  };
-  for (const Case& c : cases) {
-    std::filesystem::remove(currentPath());
-    std::filesystem::remove(failedPath());
-    const ScriptedServer server(c.script);
-    useServer(server);
-    play("old");
-    wallClock_.advance(31 * kDay);
-    play("new");
-    play("new");
-    EXPECT_EQ(current(), "old/shop:1") << c.name;
-    driver_.settle();
-    EXPECT_EQ(current(), "new/shop:2") << c.name;
-    EXPECT_EQ(failed(), c.failed) << c.name;
-    EXPECT_EQ(server.requests().size(), 1U) << c.name;
+    EXPECT_TRUE(request.body.starts_with(R"(data=[{"event":"old_played")")) << request.body;
+    EXPECT_NE(request.body.find("\"time\":" + std::to_string(time++) + ",\"distinct_id\":\"" + distinctID),
+              std::string::npos);
   }
 }
 

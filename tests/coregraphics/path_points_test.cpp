@@ -26,29 +26,12 @@ void expectKeptExactly(const std::vector<CGPoint>& points, std::size_t bytesEach
 TEST(PathPoints, ComeBackToTheBitAndAsSmallAsTheyCanBe) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-  const struct {
-    std::vector<CGPoint> points;
-    std::size_t bytesEach;
-  } cases[] = {
-      {{}, 0},
-      {{{0, 0}}, 8},
-      {{{1, -2}, {3, 4}}, 8},
-      {{{12.34, -0.05}, {1080, 7.5}}, 8},
-      {{{0.000001, 2147.483647}}, 8},
-      {{{2147483647, -2147483647}}, 8},
-      {{{-0.0, 1}}, 16},
-      {{{1.0 / 3, 0}}, 16},
-      {{{0.1 + 0.2, 0}}, 16},
-      {{{2147483648, 0}}, 16},
-      {{{1e308, 5e-324}}, 16},
-      {{{kInfinity, -kInfinity}, {kNan, 0}}, 16},
-      // The first few fit with fewer decimals than the rest.
-      {{{1, 1}, {2, 2}, {3, 3}, {4, 4}, {5.25, 5}}, 8},
-  };
-  for (const auto& one : cases) expectKeptExactly(one.points, one.bytesEach);
-}
-
-TEST(PathPoints, DecimalNumbersOfAnyLengthComeBack) {
+  for (const std::vector<CGPoint>& tooFine :
+       {std::vector<CGPoint>{{-0.0, 1}}, {{1.0 / 3, 0}}, {{2147483648, 0}}, {{kInfinity, -kInfinity}, {kNan, 0}}})
+    expectKeptExactly(tooFine, 16);
+  expectKeptExactly({}, 0);
+  // The first few fit with fewer decimals than the rest.
+  expectKeptExactly({{1, 1}, {2, 2}, {3, 3}, {4, 4}, {5.25, 5}}, 8);
   std::minstd_rand random(3);
   for (const double power : {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6}) {
     std::vector<CGPoint> points;

@@ -21,72 +21,41 @@ struct Scan {
   std::size_t length;  // 0: no number
 };
 
-// Behind each text stands what would make the eight-at-a-time way see it: the same answers with and without.
+// Where C reads otherwise, or the random numbers below do not come. Behind each text stands what would make the
+// eight-at-a-time way see it: the same answers with and without.
 TEST(Numbers, DecimalGrammar) {
   const Scan cases[] = {
-      {"0", 0, 1},
-      {"10", 10, 2},
-      {"-1.5e-3", -0.0015, 7},
-      {".5", 0.5, 2},
       {"-.5", -0.5, 3},
-      {"5.", 5, 2},
       {"+7", 7, 2},
       {"1.5.5", 1.5, 3},
       {"10-5", 10, 2},
       {"1e", 1, 1},
       {"1e+", 1, 1},
       {"1e-x", 1, 1},
-      {"2E2", 200, 3},
-      {"2.e1", 20, 4},
-      {"00012", 12, 5},
-      {"1234567", 1234567, 7},
-      {"12345678", 12345678, 8},
-      {"0.1234567", 0.1234567, 9},
-      {"0.12345678", 0.12345678, 10},
-      {"1234567.1234567", 1234567.1234567, 15},
-      {"9007199254740993", 9007199254740992.0, 16},
-      {"0.1000000000000000055511151231257827", 0.1, 36},
-      {"123456789012345678901234567890", 1.2345678901234568e29, 30},
-      {"1e22", 1e22, 4},
-      {"1e23", 1e23, 4},
-      {"1e308", 1e308, 5},
-      {"1e309", kInfinity, 5},
+      {"2.E1", 20, 4},
       {"-1e309", -kInfinity, 6},
-      {"1e-400", 0, 6},
-      {"5e-324", 5e-324, 6},
       {"0.00000001e310", 1e302, 14},
       {"1e99999999999999999999", kInfinity, 22},
       {"1e-99999999999999999999", 0, 23},
       {"0e99999999999999999999", 0, 22},
       {"", 0, 0},
       {".", 0, 0},
-      {"-", 0, 0},
-      {"+", 0, 0},
       {"-.", 0, 0},
       {"+-5", 0, 0},
       {"- 5", 0, 0},
       {".e5", 0, 0},
-      {"e5", 0, 0},
       {"inf", 0, 0},
       {"nan", 0, 0},
       {"0x10", 0, 1},
-      {",5", 0, 0},
   };
   for (const Scan& scan : cases)
-    for (const char* behind : {"", " ", "z                   ", "-12345678901234567890", ",.5.5.5.5.5.5.5.5.5.5"}) {
-      // A minus sign would become part of these.
-      if (behind[0] == '-' && (scan.text.empty() || std::string("eE-+").find(scan.text.back()) != std::string::npos))
-        continue;
+    for (const char* behind : {"", " ", "z                   ", ",.5.5.5.5.5.5.5.5.5.5"}) {
       const std::string text = scan.text + behind;
       double value = 42;
       const char* end = scanDecimal(text.data(), text.data() + text.size(), value);
       EXPECT_EQ(end - text.data(), static_cast<std::ptrdiff_t>(scan.length)) << text;
       EXPECT_EQ(value, scan.length == 0 ? 42 : scan.value) << text;
     }
-  double zero = 1;
-  const std::string negative = "-0";
-  scanDecimal(negative.data(), negative.data() + negative.size(), zero);
-  EXPECT_TRUE(std::signbit(zero));
 }
 
 // C's own reading, in the "C" locale the tests run in, is the oracle.
@@ -113,9 +82,7 @@ TEST(Numbers, DecimalAgreesWithStrtodToTheLastBit) {
 
 TEST(Numbers, LenientReading) {
   const std::pair<const char*, double> cases[] = {
-      {"300px", 300}, {"100%", 100},    {"  12", 12}, {"\t\n12", 12}, {"", 0},     {"   ", 0},
-      {"px", 0},      {"-4.5e1x", -45}, {"1e", 1},    {"inf", 0},     {"0x1F", 0}, {"1e999", kInfinity},
-      {"+3", 3},      {", 3", 0},
+      {"300px", 300}, {"\t\n 12", 12}, {"", 0}, {"   ", 0}, {"px", 0}, {"-4.5e1x", -45}, {"1e999", kInfinity},
   };
   for (const auto& [text, value] : cases) EXPECT_EQ(doubleValue(text), value) << text;
 }
@@ -123,53 +90,35 @@ TEST(Numbers, LenientReading) {
 TEST(Numbers, StrictFloat) {
   constexpr float kFloatInfinity = std::numeric_limits<float>::infinity();
   const std::pair<const char*, std::optional<float>> cases[] = {
-      {"2", 2.0F},
-      {"0.1", 0.1F},
       {"+2.5", 2.5F},
       {"-2.", -2.0F},
       {".5", 0.5F},
-      {"1e2", 100.0F},
       {"1E-2", 0.01F},
       // Read as a 32-bit number at once; by way of a double it would be rounded twice.
       {"1.00000017881393432617187499", 1.00000011920928955078125F},
-      {"1e50", kFloatInfinity},
       {"-1e50", -kFloatInfinity},
       {"1e-60", 0.0F},
       {"1e999", kFloatInfinity},
-      {"1e-999", 0.0F},
-      {"0x10", 16.0F},
       {"0X1.8p3", 12.0F},
       {"-0x.8", -0.5F},
-      {"0x1p200", kFloatInfinity},
       {"0x1p-200", 0.0F},
       {"0x0.000000000000001p-200", 0.0F},
       {"0x0.000000000000001p999", kFloatInfinity},
-      {"inf", kFloatInfinity},
       {"-Infinity", -kFloatInfinity},
       {"INF", kFloatInfinity},
       {"", std::nullopt},
       {"2px", std::nullopt},
       {" 2", std::nullopt},
-      {"2 ", std::nullopt},
-      {"--2", std::nullopt},
       {"-+2", std::nullopt},
-      {"+", std::nullopt},
       {".", std::nullopt},
-      {"1e", std::nullopt},
-      {"1,5", std::nullopt},
       {"0x", std::nullopt},
-      {"0x.", std::nullopt},
       {"0x-1", std::nullopt},
       {"0xinf", std::nullopt},
-      {"x10", std::nullopt},
       {"1p3", std::nullopt},
-      {"infinit", std::nullopt},
-      {"nanx", std::nullopt},
       {"nan(1)", std::nullopt},
   };
   for (const auto& [text, value] : cases) EXPECT_EQ(floatFromText(text), value) << text;
-  for (const char* text : {"nan", "NaN", "-nan", "+NAN"})
-    EXPECT_TRUE(std::isnan(floatFromText(text).value_or(0))) << text;
+  EXPECT_TRUE(std::isnan(floatFromText("-NaN").value_or(0)));
 }
 
 TEST(Numbers, Printing) {
@@ -179,17 +128,11 @@ TEST(Numbers, Printing) {
     const char* description;
   };
   const Case cases[] = {
-      {0, "0", "0.0"},
       {-0.0, "-0", "-0.0"},
-      {10, "10", "10.0"},
       {0.1 + 0.2 + 0.3, "0.6000000000000001", "0.6000000000000001"},
-      {2.48, "2.48", "2.48"},
-      {1700000000.25, "1700000000.25", "1700000000.25"},
       {1e22, "1e+22", "10000000000000000000000.0"},
       {0.00001, "1e-05", "0.00001"},
-      {kInfinity, "inf", "inf"},
       {-kInfinity, "-inf", "-inf"},
-      {std::nan(""), "nan", "nan"},
       {-std::nan(""), "nan", "nan"},
   };
   for (const Case& one : cases) {

@@ -1,18 +1,14 @@
 #pragma once
 
 #include <expat.h>
-#include <libxml/parser.h>
-#include <libxml/parserInternals.h>
 
-#include <algorithm>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/foundation/xml_parser.h"
 
-// One document read by three parsers, each telling what it heard in the same words.
+// One document read by two parsers, each telling what it heard in the same words.
 namespace quellaro {
 
 struct Heard {
@@ -56,34 +52,6 @@ inline Heard hearExpat(std::string_view text) {
       [](void* data, const char* name) { static_cast<Heard*>(data)->end(name); });
   heard.wellFormed = XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1) == XML_STATUS_OK;
   XML_ParserFree(parser);
-  return heard;
-}
-
-inline Heard hearLibxml(std::string_view text) {
-  Heard heard;
-  xmlSAXHandler handler;
-  std::memset(&handler, 0, sizeof handler);
-  handler.initialized = 1;  // the first interface: names as written
-  handler.startElement = [](void* data, const xmlChar* name, const xmlChar** attributes) {
-    const auto asText = [](const xmlChar* characters) { return reinterpret_cast<const char*>(characters); };
-    static_cast<Heard*>(data)->start(asText(name));
-    for (; attributes != nullptr && *attributes != nullptr; attributes += 2)
-      static_cast<Heard*>(data)->attribute(asText(attributes[0]), asText(attributes[1]));
-  };
-  handler.endElement = [](void* data, const xmlChar* name) {
-    static_cast<Heard*>(data)->end(reinterpret_cast<const char*>(name));
-  };
-  xmlParserCtxtPtr context = xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size()));
-  if (context == nullptr) return heard;  // it takes no empty text
-  xmlSAXHandlerPtr own = context->sax;
-  context->sax = &handler;
-  context->userData = &heard;
-  context->replaceEntities = 1;
-  xmlParseDocument(context);
-  heard.wellFormed = context->wellFormed != 0;
-  context->sax = own;
-  xmlFreeDoc(context->myDoc);
-  xmlFreeParserCtxt(context);
   return heard;
 }
 
