@@ -15,126 +15,110 @@ namespace quellaro {
 
 namespace {
 
-constexpr const char* kFrame =
-    R"(<svg width='10' height='10'><rect x='0' y='0' width='5' height='5' fill='#f00'/></svg>)";
-
-std::string frameFile(const std::vector<std::string>& frames) {
-  std::string json = "[";
-  for (const std::string& frame : frames) json += (json.size() > 1 ? ",\"" : "\"") + frame + "\"";
-  return json + "]";
-}
+const std::string kFrame =
+    R"("<svg width='10' height='10'><rect x='0' y='0' width='5' height='5' fill='#f00'/></svg>")";
+const std::string kOneFrame = "[" + kFrame + "]";
+const std::string kTwoFrames = "[" + kFrame + "," + kFrame + "]";
+const std::string kThreeFrames = "[" + kFrame + ",\"<p/>\"," + kFrame + "]";
 
 class AnimationController : public LibraryFixture {
  protected:
   // 's' for success, 'f' for failure, one for each callback.
   std::string prepare(const std::string& cue = "quellaro") {
     std::string answers;
-    controller_.prepare(
+    controller_->prepare(
         cue, [&] { answers += 's'; }, [&] { answers += 'f'; });
     return answers;
   }
-  QLHalvoAnimationController controller_;
+  void play(const std::shared_ptr<QLHalvoView>& view) {
+    controller_->play(
+        view, config_, [this] { ++successes_; }, [] { FAIL(); });
+  }
+
+  std::unique_ptr<QLHalvoAnimationController> controller_ = std::make_unique<QLHalvoAnimationController>();
+  std::shared_ptr<QLHalvoSDKConfig> config_ = [] {
+    auto config = std::make_shared<QLHalvoSDKConfig>();
+    config->frameTime = {{"Frame_1", 100}, {"Frame_2", 100}, {"Frame_3", 100}};
+    return config;
+  }();
+  std::shared_ptr<QLHalvoView> view_ = QLHalvoView::initWithFrame({{0, 0}, {20, 20}});
+  int successes_ = 0;
 };
 
 TEST_F(AnimationController, LoadsTheFramesOfACue) {
-  struct Row {
-    const char* what;
+  const struct {
     std::optional<std::string> file;
     const char* answers;
     std::size_t frames;
+  } rows[] = {
+      {kThreeFrames, "s", 3},
+      {"{}", "s", 0},
+      {"[\"<svg><rect width='1' height='1'/><g><rect\"]", "s", 1},
+      {"[", "f", 0},
+      // A file that is missing is not loaded at all.
+      {std::nullopt, "f", 1},
   };
-  const std::vector<Row> rows = {
-      {"two frames", frameFile({kFrame, kFrame}), "s", 2},
-      {"none", "[]", "s", 0},
-      {"an object", "{}", "s", 0},
-      {"not only strings", R"(["<svg/>", 1])", "s", 0},
-      {"a frame that ends in the middle", frameFile({"<svg><rect width='1' height='1'/><g><rect"}), "s", 1},
-      {"a frame that is no SVG, and an empty one", frameFile({kFrame, "<p/>", ""}), "s", 3},
-      {"broken JSON", "[", "f", 0},
-      {"an empty file", "", "f", 0},
-      {"no file", std::nullopt, "f", 0},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
+  const auto file = bundle() / "animation.json";
+  for (const auto& row : rows) {
     // There are always frames from before that have to go.
-    writeBundleFile("animation.json", frameFile({kFrame}));
+    writeFile(file, kOneFrame);
     ASSERT_EQ(prepare(), "s");
-    std::filesystem::remove(bundle() / "animation.json");
-    if (row.file) writeBundleFile("animation.json", *row.file);
-    EXPECT_EQ(prepare(), row.answers);
-    // A file that is missing is not loaded at all.
-    EXPECT_EQ(controller_.animationElements().size(), row.file ? row.frames : 1);
+    std::filesystem::remove(file);
+    if (row.file) writeFile(file, *row.file);
+    EXPECT_EQ(prepare(), row.answers) << row.file.value_or("none");
+    EXPECT_EQ(controller_->animationElements().size(), row.frames) << row.file.value_or("none");
   }
-}
-
-TEST_F(AnimationController, AFileThatCannotBeReadIsAFailure) {
-  std::filesystem::create_directory(bundle() / "animation.json");
+  // One that cannot be read.
+  std::filesystem::create_directory(file);
   EXPECT_EQ(prepare(), "f");
   // Nobody has to listen.
-  controller_.prepare("quellaro", {}, {});
+  controller_->prepare("quellaro", {}, {});
 }
 
 TEST_F(AnimationController, DownloadedFramesComeBeforeTheBuiltInOnes) {
-  writeBundleFile("animation.json", frameFile({kFrame}));
-  writeFile(library() / "halvo_assets_active/quellaro/animation.json", frameFile({kFrame, kFrame, kFrame}));
+  writeBundleFile("animation.json", kOneFrame);
+  writeFile(library() / "halvo_assets_active/quellaro/animation.json", kThreeFrames);
   EXPECT_EQ(prepare(), "s");
-  EXPECT_EQ(controller_.animationElements().size(), 3u);
+  EXPECT_EQ(controller_->animationElements().size(), 3u);
   EXPECT_EQ(prepare("other"), "s");
-  EXPECT_EQ(controller_.animationElements().size(), 1u);
+  EXPECT_EQ(controller_->animationElements().size(), 1u);
 }
 
 TEST_F(AnimationController, PlaysIntoTheViewItIsGiven) {
-  writeBundleFile("animation.json", frameFile({kFrame, "<p/>", kFrame}));
+  writeBundleFile("animation.json", kThreeFrames);
   prepare();
-  const auto config = std::make_shared<QLHalvoSDKConfig>();
-  config->frameTime = {{"Frame_1", 100}, {"Frame_2", 100}, {"Frame_3", 100}};
-  const auto view = QLHalvoView::initWithFrame({{0, 0}, {20, 20}});
-  int successes = 0;
-  const auto play = [&](const std::shared_ptr<QLHalvoView>& shown) {
-    controller_.play(
-        shown, config, [&] { ++successes; }, [] { FAIL(); });
-  };
-  const auto shownLayers = [&] { return view->animtionView()->layer()->sublayers().size(); };
+  const auto shownLayers = [&] { return view_->animtionView()->layer()->sublayers().size(); };
   for (int round = 1; round <= 2; ++round) {
-    play(view);
-    EXPECT_EQ(view->animtionView()->sdkConfig(), config);
+    play(view_);
+    EXPECT_EQ(view_->animtionView()->sdkConfig(), config_);
     EXPECT_EQ(shownLayers(), 1u);
     driver_.advance(0.15);
     EXPECT_EQ(shownLayers(), 0u);
     driver_.advance(0.1);
     EXPECT_EQ(shownLayers(), 1u);
-    EXPECT_EQ(successes, round - 1);
+    EXPECT_EQ(successes_, round - 1);
     driver_.advance(0.1);
-    EXPECT_EQ(successes, round);
+    EXPECT_EQ(successes_, round);
   }
   takePrinted();
   play(nullptr);
   driver_.advance(1);
-  EXPECT_EQ(successes, 2);
+  EXPECT_EQ(successes_, 2);
   EXPECT_TRUE(takePrinted().empty());
-
-  writeBundleFile("animation.json", "[]");
-  prepare();
-  play(view);
-  EXPECT_EQ(successes, 3);
 }
 
 // The play keeps its frames when others are prepared, and when the controller is gone.
 TEST_F(AnimationController, APlayOutlivesWhatItWasStartedWith) {
-  writeBundleFile("animation.json", frameFile({kFrame, kFrame}));
-  auto controller = std::make_unique<QLHalvoAnimationController>();
-  controller->prepare("quellaro", {}, {});
-  const auto config = std::make_shared<QLHalvoSDKConfig>();
-  config->frameTime = {{"Frame_1", 100}, {"Frame_2", 100}};
-  const auto view = QLHalvoView::initWithFrame({{0, 0}, {20, 20}});
-  bool isDone = false;
-  controller->play(view, config, [&] { isDone = true; }, {});
-  const auto second = controller->animationElements()[1];
-  controller.reset();
+  writeBundleFile("animation.json", kTwoFrames);
+  prepare();
+  config_->frameTime.erase("Frame_3");
+  play(view_);
+  const auto second = controller_->animationElements()[1];
+  controller_.reset();
   driver_.advance(0.15);
-  EXPECT_EQ(view->animtionView()->svgDocument(), second);
+  EXPECT_EQ(view_->animtionView()->svgDocument(), second);
   driver_.advance(0.1);
-  EXPECT_TRUE(isDone);
+  EXPECT_EQ(successes_, 1);
 }
 
 // A sound that takes its time.
@@ -143,7 +127,6 @@ class TimedSound : public FakePlayer {
   double seconds = 0;
   void play(const std::shared_ptr<QLHalvoView>&, const std::shared_ptr<const QLHalvoSDKConfig>&, Callback onSuccess,
             Callback onFailure) override {
-    if (playAnswer == Answer::Never) return;
     MainQueue::shared().asyncAfter(seconds, playAnswer == Answer::Success ? onSuccess : onFailure);
   }
 };
@@ -154,23 +137,18 @@ TEST_F(AnimationController, SoundAndAnimationEndInOneCompletion) {
     Answer sound;
     double soundSeconds;
     bool hasView;
-    const char* animationFile;
+    std::string animationFile;
     // After the sound's delay of 0.25 s, and the animation's of 0.1205 s and length of 0.2 s.
-    double end;  // 0 when there is no answer
-    std::optional<int> code;
+    double end;
+    std::vector<int> codes;
   };
-  const std::string two = frameFile({kFrame, kFrame});
-  const std::string three = frameFile({kFrame, kFrame, kFrame});
-  const std::vector<Row> rows = {
-      {"the animation ends first", Answer::Success, 1, true, two.c_str(), 1.25, 800},
-      {"the sound ends first", Answer::Success, 0.01, true, two.c_str(), 0.1205 + 0.2, 800},
-      {"the sound fails in the middle", Answer::Failure, 0.01, true, two.c_str(), 0.1205 + 0.2, 906},
-      {"the sound fails at the end", Answer::Failure, 2, true, two.c_str(), 2.25, 906},
-      {"there is no view", Answer::Success, 1, false, two.c_str(), 1.25, 907},
-      {"there is no view, and the sound fails", Answer::Failure, 1, false, two.c_str(), 1.25, 905},
-      {"there are no frames", Answer::Success, 1, true, "[]", 1.25, 800},
-      {"the last frame has no time", Answer::Success, 1, true, three.c_str(), 0, std::nullopt},
-      {"the sound never ends", Answer::Never, 0, true, two.c_str(), 0, std::nullopt},
+  const Row rows[] = {
+      {"the animation ends first", Answer::Success, 1, true, kTwoFrames, 1.25, {800}},
+      {"the sound ends first", Answer::Success, 0.01, true, kTwoFrames, 0.1205 + 0.2, {800}},
+      {"the sound fails in the middle", Answer::Failure, 0.01, true, kTwoFrames, 0.1205 + 0.2, {906}},
+      {"there is no view", Answer::Success, 1, false, kTwoFrames, 1.25, {907}},
+      {"there are no frames", Answer::Success, 1, true, "[]", 1.25, {800}},
+      {"the last frame has no time", Answer::Success, 1, true, kThreeFrames, 0, {}},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
@@ -184,23 +162,18 @@ TEST_F(AnimationController, SoundAndAnimationEndInOneCompletion) {
     collaborators.makeAnimationController = [] { return std::make_shared<QLHalvoAnimationController>(); };
     collaborators.makeAudioController = [&] { return sound; };
     const auto controller = QLHalvoController::make(collaborators);
-    const auto view = QLHalvoView::initWithFrame({{0, 0}, {20, 20}});
+    controller->prepare(QLHalvoType::animationAndSound, "quellaro", QLHalvoEnvironment::primary,
+                        QLHalvoMerchant::make("Shop", "US", {}, {"1"}, {}), false, {});
+    driver_.restart();
 
     std::vector<int> codes;
     double end = 0;
-    const HalvoCompletion collect = [&](QLHalvoStatus code) {
+    controller->play(row.hasView ? view_ : nullptr, [&](QLHalvoStatus code) {
       codes.push_back(static_cast<int>(code));
       end = driver_.now();
-    };
-    controller->prepare(QLHalvoType::animationAndSound, "quellaro", QLHalvoEnvironment::primary,
-                        QLHalvoMerchant::make("Shop", "US", {}, {"1"}, {}), false, collect);
-    driver_.settle();
-    ASSERT_EQ(std::exchange(codes, {}), std::vector<int>{800});
-    driver_.restart();
-    end = 0;
-    controller->play(row.hasView ? view : nullptr, collect);
+    });
     driver_.advance(10);
-    EXPECT_EQ(codes, row.code ? std::vector<int>{*row.code} : std::vector<int>());
+    EXPECT_EQ(codes, row.codes);
     EXPECT_EQ(end, row.end);
   }
 }
