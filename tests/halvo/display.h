@@ -1,8 +1,12 @@
 #pragma once
 
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/keysym.h>
 
+#include <cstdlib>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "platform/quartzcore/bitmap.h"
@@ -11,25 +15,89 @@
 
 namespace quellaro {
 
-// A display of the test's own, which programs that are started from now on find. Nobody manages its windows.
+// A display of the test's own, which programs that are started from now on find. Nobody manages its windows, which may
+// go at any time: what is asked of one that has gone comes back empty.
 class Display {
  public:
-  Display();
+  Display() {
+    const std::string number = directory_ / "number";
+    server_ = ChildProcess({"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24", "-nolisten", "tcp"}, number);
+    waitUntil("the display does not come up", [&] { return readFile(number).ends_with('\n'); });
+    const std::string text = readFile(number);
+    setenv("DISPLAY", (":" + text.substr(0, text.size() - 1)).c_str(), 1);
+    XSetErrorHandler([](::Display*, XErrorEvent*) { return 0; });
+    connection_.reset(XOpenDisplay(nullptr));
+    if (!connection_) throw std::runtime_error("no connection to the display");
+  }
 
-  // Waits for the window with a title that begins so.
-  ::Window windowTitled(const std::string& beginning) const;
-  std::string title(::Window window) const;
-  void resize(::Window window, unsigned width, unsigned height) const;
-  // What is seen of a window that lies uncovered on the screen. Empty when there is no such window, or a part of it is
-  // not on the screen.
-  Bitmap picture(::Window window) const;
-  void pressEscape(::Window window) const;
+  // Waits for the window with that title.
+  ::Window windowTitled(const std::string& wanted) const {
+    ::Window found = None;
+    waitUntil("no window is called " + wanted, [&] {
+      ::Window root = None;
+      ::Window parent = None;
+      ::Window* children = nullptr;
+      unsigned count = 0;
+      XQueryTree(display(), this->root(), &root, &parent, &children, &count);
+      for (unsigned i = 0; i < count; ++i) {
+        char* title = nullptr;
+        if (XFetchName(display(), children[i], &title) != 0 && title != nullptr && title == wanted) found = children[i];
+        XFree(title);
+      }
+      XFree(children);
+      return found != None;
+    });
+    return found;
+  }
+
+  void resize(::Window window, unsigned width, unsigned height) const {
+    XResizeWindow(display(), window, width, height);
+    XSync(display(), False);
+  }
+
+  // What is seen of a window that lies uncovered on the screen.
+  Bitmap picture(::Window window) const {
+    XWindowAttributes attributes;
+    if (XGetWindowAttributes(display(), window, &attributes) == 0) return {};
+    XImage* image = XGetImage(display(), window, 0, 0, static_cast<unsigned>(attributes.width),
+                              static_cast<unsigned>(attributes.height), AllPlanes, ZPixmap);
+    if (image == nullptr) return {};
+    Bitmap bitmap(attributes.width, attributes.height);
+    for (int y = 0; y < bitmap.height; ++y)
+      for (int x = 0; x < bitmap.width; ++x)
+        bitmap.row(y)[x] = 0xFF000000 | static_cast<std::uint32_t>(XGetPixel(image, x, y));
+    XDestroyImage(image);
+    return bitmap;
+  }
+
+  void pressEscape(::Window window) const {
+    XEvent event{};
+    event.xkey.type = KeyPress;
+    event.xkey.window = window;
+    event.xkey.root = root();
+    event.xkey.same_screen = True;
+    event.xkey.keycode = XKeysymToKeycode(display(), XK_Escape);
+    send(event, KeyPressMask);
+  }
+
   // As the button in a window's frame does.
-  void askToClose(::Window window) const;
+  void askToClose(::Window window) const {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = XInternAtom(display(), "WM_PROTOCOLS", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(display(), "WM_DELETE_WINDOW", False));
+    send(event, NoEventMask);
+  }
 
  private:
-  ::Window root() const { return DefaultRootWindow(connection_.get()); }
-  void send(XEvent event, long mask) const;
+  ::Display* display() const { return connection_.get(); }
+  ::Window root() const { return DefaultRootWindow(display()); }
+  void send(XEvent event, long mask) const {
+    XSendEvent(display(), event.xany.window, False, mask, &event);
+    XSync(display(), False);
+  }
 
   TemporaryDirectory directory_;
   ChildProcess server_;

@@ -1,3 +1,2 @@
 pkg_check_modules(TEST_X11 REQUIRED IMPORTED_TARGET x11)
-target_sources(halvo_test PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/halvo/display.cpp)
 target_link_libraries(halvo_test PRIVATE PkgConfig::TEST_X11)
