@@ -2,9 +2,11 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include "drawing_commands/run_tool.h"
 #include "platform/foundation/json_reader.h"
+#include "platform/foundation/json_writer.h"
 
 namespace quellaro {
 
@@ -23,6 +25,15 @@ inline Checked check(const std::string& source) {
   for (const JSONValue& finding : document->root().member("findings")->elements())
     checked.ids.emplace(*finding.member("id")->string());
   return checked;
+}
+
+// An animation.json of these frames.
+inline std::string animationOf(const std::vector<std::string>& frames) {
+  JSONWriter json;
+  json.beginArray();
+  for (const std::string& frame : frames) json.string(frame);
+  json.endArray();
+  return json.take();
 }
 
 inline std::string joined(const std::set<std::string>& ids) {

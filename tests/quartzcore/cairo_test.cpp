@@ -1,19 +1,94 @@
 // The compositor's pictures beside cairo's of the same layer trees.
+#include <cairo.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <numbers>
 #include <random>
 
 #include "platform/quartzcore/compositor.h"
 #include "platform/quartzcore/shape_layer.h"
-#include "quartzcore/cairo_renderer.h"
 #include "quartzcore/pictures.h"
+#include "svg/path.h"
 
 namespace quellaro {
 namespace {
 
 constexpr int kSide = 120;
+
+void setSource(cairo_t* cr, const CGColor& color) {
+  cairo_set_source_rgba(cr, color.red, color.green, color.blue, color.alpha);
+}
+
+void addPath(cairo_t* cr, const CGPath& path) {
+  const std::vector<CGPoint> points = path.points().values();
+  const CGPoint* p = points.data();
+  CGPoint current;
+  cairo_new_path(cr);
+  for (const PathVerb verb : path.verbs()) {
+    switch (verb) {
+      case PathVerb::Move:
+        cairo_move_to(cr, p[0].x, p[0].y);
+        break;
+      case PathVerb::Line:
+        cairo_line_to(cr, p[0].x, p[0].y);
+        break;
+      case PathVerb::Quad:
+        cairo_get_current_point(cr, &current.x, &current.y);
+        cairo_curve_to(cr, current.x + (p[0].x - current.x) * 2 / 3, current.y + (p[0].y - current.y) * 2 / 3,
+                       p[1].x + (p[0].x - p[1].x) * 2 / 3, p[1].y + (p[0].y - p[1].y) * 2 / 3, p[1].x, p[1].y);
+        break;
+      case PathVerb::Cubic:
+        cairo_curve_to(cr, p[0].x, p[0].y, p[1].x, p[1].y, p[2].x, p[2].y);
+        break;
+      case PathVerb::Close:
+        cairo_close_path(cr);
+        break;
+    }
+    p += pointCount(verb);
+  }
+}
+
+void drawLayer(cairo_t* cr, const CALayer& layer) {
+  cairo_save(cr);
+  const CGRect bounds = layer.bounds();
+  cairo_translate(cr, layer.position().x, layer.position().y);
+  if (const auto& t = layer.transform()) {
+    const cairo_matrix_t matrix{t->m11, t->m12, t->m21, t->m22, t->m41, t->m42};
+    cairo_transform(cr, &matrix);
+  }
+  cairo_translate(cr, -bounds.origin.x - bounds.size.width / 2, -bounds.origin.y - bounds.size.height / 2);
+  if (const auto& color = layer.backgroundColor()) {
+    setSource(cr, *color);
+    cairo_rectangle(cr, bounds.origin.x, bounds.origin.y, bounds.size.width, bounds.size.height);
+    cairo_fill(cr);
+  }
+  if (const auto* shape = dynamic_cast<const CAShapeLayer*>(&layer); shape != nullptr && shape->path() != nullptr) {
+    addPath(cr, *shape->path());
+    if (const auto& color = shape->fillColor()) {
+      setSource(cr, *color);
+      cairo_fill_preserve(cr);
+    }
+    if (const auto& color = shape->strokeColor(); color && shape->lineWidth() > 0) {
+      setSource(cr, *color);
+      cairo_set_line_width(cr, shape->lineWidth());
+      cairo_stroke_preserve(cr);
+    }
+    cairo_new_path(cr);
+  }
+  for (const auto& sublayer : layer.sublayers()) drawLayer(cr, *sublayer);
+  cairo_restore(cr);
+}
+
+void drawWithCairo(const CALayer& root, Bitmap& bitmap) {
+  cairo_surface_t* surface =
+      cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(bitmap.pixels.data()), CAIRO_FORMAT_ARGB32,
+                                          bitmap.width, bitmap.height, bitmap.width * 4);
+  cairo_t* cr = cairo_create(surface);
+  cairo_set_miter_limit(cr, 10);
+  drawLayer(cr, root);
+  cairo_destroy(cr);
+  cairo_surface_destroy(surface);
+}
 
 void compareWithCairo(const std::string& name, const CALayer& root, Tolerance tolerance) {
   Bitmap expected(kSide, kSide);
@@ -24,158 +99,60 @@ void compareWithCairo(const std::string& name, const CALayer& root, Tolerance to
   expectSamePicture(name, expected, actual, tolerance);
 }
 
+constexpr const char* kStar = "M60 10L92 105 8 45 112 45 28 105";
+constexpr const char* kZigzag = "M10 20L100 30 15 45 105 60 20 62 100 64 60 110";
+constexpr const char* kSwing = "M15 100C20-60 100 160 105 20";
+
+const CATransform3D kUneven =
+    CATransform3DRotateZ(CATransform3DScale(CATransform3DTranslate(CATransform3DIdentity, 5, 40, 0), 0.9, 0.3, 1), 0.4);
+const CATransform3D kMirrored = CATransform3DScale(CATransform3DTranslate(CATransform3DIdentity, 120, 0, 0), -1, 1, 1);
+
 struct SpecialShape {
   const char* name;
-  std::function<void(CGPath&)> draw;
+  const char* data;
   double lineWidth = 0;  // 0: filled
   CATransform3D transform = CATransform3DIdentity;
 };
 
-void polyline(CGPath& path, std::initializer_list<CGPoint> points) {
-  bool first = true;
-  for (const CGPoint& p : points) {
-    if (first)
-      path.moveTo(p);
-    else
-      path.lineTo(p);
-    first = false;
-  }
-}
-
-void circle(CGPath& path, CGPoint c, double r) {
-  const double k = r * 0.5522847498;
-  path.moveTo({c.x + r, c.y});
-  path.cubicTo({c.x + r, c.y + k}, {c.x + k, c.y + r}, {c.x, c.y + r});
-  path.cubicTo({c.x - k, c.y + r}, {c.x - r, c.y + k}, {c.x - r, c.y});
-  path.cubicTo({c.x - r, c.y - k}, {c.x - k, c.y - r}, {c.x, c.y - r});
-  path.cubicTo({c.x + k, c.y - r}, {c.x + r, c.y - k}, {c.x + r, c.y});
-  path.close();
-}
-
-void star(CGPath& path) { polyline(path, {{60, 10}, {92, 105}, {8, 45}, {112, 45}, {28, 105}}); }
-void zigzag(CGPath& path) {
-  polyline(path, {{10, 20}, {100, 30}, {15, 45}, {105, 60}, {20, 62}, {100, 64}, {60, 110}});
-}
-void swing(CGPath& path) {
-  path.moveTo({15, 100});
-  path.cubicTo({20, -60}, {100, 160}, {105, 20});
-}
-void cusp(CGPath& path) {
-  path.moveTo({20, 90});
-  path.cubicTo({120, 10}, {0, 10}, {100, 90});
-}
-
-const CATransform3D kUneven = [] {
-  CATransform3D t = CATransform3DTranslate(CATransform3DIdentity, 5, 40, 0);
-  t = CATransform3DScale(t, 0.9, 0.3, 1);
-  return CATransform3DRotateZ(t, 0.4);
-}();
-const CATransform3D kMirrored = CATransform3DScale(CATransform3DTranslate(CATransform3DIdentity, 120, 0, 0), -1, 1, 1);
-
 const SpecialShape kSpecialShapes[] = {
-    {"circle",
-     [](CGPath& p) {
-       circle(p, {60, 60}, 50);
-     }},
     {"ring",
-     [](CGPath& p) {
-       circle(p, {60, 60}, 50), polyline(p, {{50, 50}, {50, 70}, {70, 70}, {70, 50}});
-     }},
-    {"star_winds_twice", star},
-    {"needle",
-     [](CGPath& p) {
-       polyline(p, {{0.3, 5}, {119.7, 5.6}, {0.3, 5.2}, {40, 119}, {40.4, 119}});
-     }},
-    {"slivers",
-     [](CGPath& p) {
-       for (int i = 0; i < 60; ++i) polyline(p, {{60, 60}, {i * 2.0, 0}, {i * 2.0 + 1, 0}}), p.close();
-     }},
-    {"beyond_all_sides",
-     [](CGPath& p) {
-       circle(p, {60, 60}, 75);
-     }},
-    {"beyond_left",
-     [](CGPath& p) {
-       polyline(p, {{-500, 10}, {60, 60}, {-900, 110}, {-10, 60}});
-     }},
-    {"beyond_right",
-     [](CGPath& p) {
-       polyline(p, {{500, 10}, {60, 60}, {900, 110}, {130, 60}});
-     }},
-    {"beyond_top",
-     [](CGPath& p) {
-       polyline(p, {{10, -300}, {60, 60}, {110, -800}});
-     }},
-    {"huge_curve",
-     [](CGPath& p) {
-       p.moveTo({-9000, 3000}), p.cubicTo({9000, -9000}, {9000, 9000}, {-9000, -3000});
-     }},
-    {"far_triangle",
-     [](CGPath& p) {
-       polyline(p, {{20, 20}, {3e4, 6e4}, {3e4, -3e3}});
-     }},
-    {"quadratic",
-     [](CGPath& p) {
-       p.moveTo({10, 110}), p.quadTo({60, -90}, {110, 110});
-     }},
-    {"miters", zigzag, 5},
-    {"wide_zigzag", zigzag, 30},
-    {"star_stroke", star, 3},
-    {"closed_star_stroke", [](CGPath& p) { star(p), p.close(); }, 8},
-    {"hairline", zigzag, 0.3},
-    {"curve_stroke", swing, 9},
-    {"wide_curve_stroke", swing, 60},
-    {"cusp_stroke", cusp, 12},
+     "M110 60C110 87.6 87.6 110 60 110C32.4 110 10 87.6 10 60C10 32.4 32.4 10 60 10C87.6 10 110 32.4 110 60Z"
+     "M50 50L50 70 70 70 70 50"},
+    {"star_winds_twice", kStar},
+    {"needle", "M.3 5L119.7 5.6 .3 5.2 40 119 40.4 119"},
+    {"slivers", "M60 60L0 0 1 0ZM60 60L2 0 3 0ZM60 60L4 0 5 0ZM60 60L6 0 7 0ZM60 60L8 0 9 0ZM60 60L10 0 11 0Z"},
+    {"beyond_left", "M-500 10L60 60-900 110-10 60"},
+    {"beyond_right", "M500 10L60 60 900 110 130 60"},
+    {"beyond_top", "M10-300L60 60 110-800"},
+    {"huge_curve", "M-9000 3000C9000-9000 9000 9000-9000-3000"},
+    {"far_triangle", "M20 20L30000 60000 30000-3000"},
+    {"quadratic", "M10 110Q60-90 110 110"},
+    {"miters", kZigzag, 5},
+    {"wide_zigzag", kZigzag, 30},
+    {"closed_star_stroke", "M60 10L92 105 8 45 112 45 28 105Z", 8},
+    {"hairline", kZigzag, 0.3},
+    {"wide_curve_stroke", kSwing, 60},
+    {"cusp_stroke", "M20 90C120 10 0 10 100 90", 12},
     // Curves that meet at an angle whose miter is just within the limit; their last chords meet at one beyond it.
-    {"curves_to_a_point",
-     [](CGPath& p) {
-       p.moveTo({57, 84}), p.cubicTo({85.7, 111}, {44.83, 51}, {29, 52}), p.cubicTo({126, 72}, {86, 59}, {46.46, 57});
-     },
-     6},
-    {"closed_curve_to_a_point",
-     [](CGPath& p) {
-       p.moveTo({29, 52}), p.cubicTo({126, 72}, {86, 99}, {57, 84}), p.cubicTo({85.7, 111}, {44.83, 51}, {29, 52});
-       p.close();
-     },
-     6},
-    {"back_and_forth",
-     [](CGPath& p) {
-       polyline(p, {{20, 60}, {100, 60}, {40, 60}});
-     },
-     14},
-    {"after_close",
-     [](CGPath& p) {
-       polyline(p, {{20, 20}, {60, 20}, {60, 60}}), p.close(), p.lineTo({20, 110});
-     },
-     6},
-    {"uneven_stroke", swing, 20, kUneven},
-    {"uneven_miters", star, 12, kUneven},
-    {"mirrored_stroke", zigzag, 8, kMirrored},
-    {"degenerate",
-     [](CGPath& p) {
-       polyline(p, {{60, 60}, {60, 60}, {60, 60}}), p.close(), polyline(p, {{10, 10}});
-     },
-     20},
-    {"repeated_points",
-     [](CGPath& p) {
-       polyline(p, {{20, 20}, {20, 20}, {90, 20}, {90, 20}, {90, 90}});
-     },
-     10},
-    {"far_stroke",
-     [](CGPath& p) {
-       polyline(p, {{-3e4, -3e4}, {3e4, 3e4}, {3e4, -3e4}});
-     },
-     25},
+    {"curves_to_a_point", "M57 84C85.7 111 44.83 51 29 52C126 72 86 59 46.46 57", 6},
+    {"closed_curve_to_a_point", "M29 52C126 72 86 99 57 84C85.7 111 44.83 51 29 52Z", 6},
+    {"back_and_forth", "M20 60L100 60 40 60", 14},
+    {"degenerate", "M60 60L60 60 60 60ZM10 10", 20},
+    {"repeated_points", "M20 20L20 20 90 20 90 20 90 90", 10},
+    {"after_close", "M20 20L60 20 60 60ZL20 110", 6},
+    {"uneven_stroke", kSwing, 20, kUneven},
+    {"uneven_miters", kStar, 12, kUneven},
+    {"mirrored_stroke", kZigzag, 8, kMirrored},
+    {"far_stroke", "M-30000-30000L30000 30000 30000-30000", 25},
 };
 
 // Where edges of one shape run through the same pixel beside each other, coverage adds up and cairo is more exact: that
 // is what the greatest difference allows for.
 TEST(BesideCairo, SpecialShapes) {
   for (const SpecialShape& special : kSpecialShapes) {
-    auto path = std::make_shared<CGPath>();
-    special.draw(*path);
+    const XMLAttribute data{"d", special.data};
     CAShapeLayer layer;
-    layer.setPath(path);
+    layer.setPath(std::make_shared<CGPath>(SVGPath("path", XMLAttributes({&data, 1})).path().cgPath()));
     layer.setTransform(special.transform);
     layer.setLineWidth(special.lineWidth);
     if (special.lineWidth > 0)
