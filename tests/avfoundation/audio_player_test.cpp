@@ -138,15 +138,5 @@ TEST_F(AudioPlayer, TheSimulatedOutputFindsTheDamageWhereItIs) {
   EXPECT_TRUE(reports->texts[0].starts_with("undecodable: The sound")) << reports->texts[0];
 }
 
-TEST(AudioSession, RefusesACategoryThatItDoesNotOffer) {
-  AVAudioSession session;
-  session.setCategory(AVAudioSessionCategoryAmbient, AVAudioSessionModeDefault,
-                      AVAudioSessionCategoryOptions::DuckOthers);
-  EXPECT_TRUE(session.setCategory("AVAudioSessionCategoryRecord", AVAudioSessionModeDefault,
-                                  AVAudioSessionCategoryOptions::None));
-  EXPECT_EQ(session.category(), AVAudioSessionCategoryAmbient);
-  EXPECT_EQ(static_cast<unsigned>(session.categoryOptions()), 2u);
-}
-
 }  // namespace
 }  // namespace quellaro

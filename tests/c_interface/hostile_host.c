@@ -156,17 +156,11 @@ static void controls(void) {
 }
 
 static void asks(void) {
-  static const int64_t valid[] = {800, 801, 901, 902, 903, 904, 905, 906, 907, 908, 909, 910};
-  int64_t raw;
-  size_t known = 0;
   int32_t result;
-  for (raw = -1; raw < 1000; ++raw) {
-    const bool is_known = known < 12 && raw == valid[known];
-    expect("quellaro_halvo_status_is_valid", quellaro_halvo_status_is_valid(raw), is_known);
-    expect("a name", strcmp(quellaro_halvo_status_name(raw), "unknown") != 0, is_known);
-    expect("a sentence", strlen(quellaro_halvo_status_description(raw)) > 0, true);
-    known += is_known ? 1 : 0;
-  }
+  ANSWERS(quellaro_halvo_status_is_valid(910), true);
+  ANSWERS(quellaro_halvo_status_is_valid(911), false);
+  TEXT(quellaro_halvo_status_name(INT64_MIN), "unknown");
+  ANSWERS(strlen(quellaro_halvo_status_description(INT64_MIN)) > 0, true);
   TEXT(quellaro_halvo_status_name(quellaro_halvo_status_success_with_fallback), "successWithFallback");
   TEXT(quellaro_halvo_status_error_domain(), "QuellaroHalvo.QLHalvoStatus");
   for (result = -1; result <= quellaro_halvo_result_failed + 1; ++result)

@@ -27,12 +27,8 @@ class Bundle : public testing::Environment {
     write("play_config.json", R"({"totalFrames": 3, "soundFileName": "audio.mp3", "soundDelayInMillis": 0,
       "animationDelayInMillis": 0, "frameTime": {"Frame_1": 20, "Frame_2": 20, "Frame_3": 20}, "viewBox": "0 0 8 8",
       "isHapticsSupported": false})");
-    std::string frames;
-    for (const char* colour : {"#ff0000", "#00ff00", "#0000ff"})
-      frames += std::string(frames.empty() ? "[" : ",") +
-                R"("<svg width='8' height='8'><rect x='0' y='0' width='8' height='8' fill=')" + colour +
-                R"('/></svg>")";
-    write("animation.json", frames + "]");
+    write("animation.json", R"(["<svg width='8' height='8'/>", "<svg width='8' height='8'/>",
+      "<svg width='8' height='8'><rect x='0' y='0' width='8' height='8' fill='#0000ff'/></svg>"])");
     write("audio.mp3", quellaro::readFile(QUELLARO_TEST_SOUND));
     ASSERT_EQ(quellaro_halvo_set_bundle_directory((directory_ / "bundle").c_str()), quellaro_halvo_result_ok);
     ASSERT_EQ(quellaro_halvo_set_library_directory((directory_ / "library").c_str()), quellaro_halvo_result_ok);

@@ -130,12 +130,6 @@ TEST_F(HapticEngine, ADeviceThatBreaksDownEndsThePatternOnce) {
   EXPECT_EQ(engine_->startAndReturnError(), unplugged);
 }
 
-TEST_F(HapticEngine, WithoutAnActuatorThereIsNoEngine) {
-  CHHapticEngine::setActuator(std::make_shared<SimulatedActuator>(false));
-  EXPECT_FALSE(CHHapticEngine::capabilitiesForHardware().supportsHaptics);
-  EXPECT_EQ(CHHapticEngine::initAndReturnError().error().localizedDescription, "This device does not support haptics");
-}
-
 TEST_F(HapticEngine, GoneInTheMiddleItFallsSilentAndCallsNobody) {
   engine_->startAndReturnError();
   notify();
