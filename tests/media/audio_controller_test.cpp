@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/avfoundation/audio_session.h"
-#include "platform/avfoundation/simulated_output.h"
 #include "platform/foundation/application.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/notification_center.h"
@@ -23,7 +22,7 @@ std::string sound(const std::string& name) {
 }
 
 // A Library with the active cues "cue" and "other" (a playable sound each), "text" (which is none) and "bare" (no
-// file); the library's bundle is empty.
+// sound); the library's bundle is empty.
 struct AudioController : testing::Test {
   TemporaryDirectory directory;
   MainQueueDriver driver;
@@ -35,10 +34,11 @@ struct AudioController : testing::Test {
       QLAudioSessionDeactivated, [this](const std::string& name) { log.push_back(name); });
 
   AudioController() {
-    writeFile(directory / "library/halvo_assets_active/cue/audio.mp3", sound("stereo_44100"));
-    writeFile(directory / "library/halvo_assets_active/other/audio.mp3", sound("mono_22050"));
-    writeFile(directory / "library/halvo_assets_active/text/audio.mp3", "no sound");
-    writeFile(directory / "library/halvo_assets_active/bare/play_config.json", "{}");
+    const auto active = directory / "library/halvo_assets_active";
+    writeFile(active / "cue/audio.mp3", sound("stereo_44100"));
+    writeFile(active / "other/audio.mp3", sound("mono_22050"));
+    writeFile(active / "text/audio.mp3", "no sound");
+    writeFile(active / "bare/play_config.json", "{}");
     std::filesystem::create_directories(directory / "bundle");
     setLibraryDirectory(directory / "library");
     NSBundle::setLibraryPath(directory / "bundle");
@@ -73,28 +73,23 @@ TEST_F(AudioController, APrepareActivatesTheSessionAndCallsBackAtOnce) {
 }
 
 TEST_F(AudioController, APrepareWithoutAUsableSoundFailsAndSaysWhy) {
-  struct Row {
-    const char* cue;
-    const char* path;
-  };
-  for (const Row& row :
-       {Row{"bare", "/halvo_assets_active/bare/audio.mp3"}, Row{"text", "/halvo_assets_active/text/audio.mp3"},
-        Row{"missing", "/bundle/audio.mp3"}, Row{"../cue", "/bundle/audio.mp3"}, Row{"", "/bundle/audio.mp3"}}) {
+  for (const auto& [cue, path] : {std::pair("bare", "/halvo_assets_active/bare/audio.mp3"),
+                                  {"text", "/halvo_assets_active/text/audio.mp3"},
+                                  {"../cue", "/bundle/audio.mp3"}}) {
     log.clear();
-    prepare(row.cue);
-    EXPECT_EQ(log, Log{"not prepared"}) << row.cue;
+    prepare(cue);
+    EXPECT_EQ(log, Log{"not prepared"}) << cue;
     ASSERT_TRUE(controller->inaudibleReason());
-    EXPECT_NE(controller->inaudibleReason()->find(row.path), std::string::npos) << *controller->inaudibleReason();
+    EXPECT_NE(controller->inaudibleReason()->find(path), std::string::npos) << *controller->inaudibleReason();
   }
   EXPECT_FALSE(session.isActive());
   EXPECT_EQ(output->prepared, 0);
-}
 
-TEST_F(AudioController, APlayWithoutAPlayerFailsAtOnceAndMeasuresTheVolume) {
   output->volumeLevel = 0.5F;
   EXPECT_EQ(controller->volumeLevel(), 0.0F);
+  log.clear();
   play();
-  EXPECT_EQ(log, Log{"failure"});
+  EXPECT_EQ(log, Log{"failure"}) << "at once, there is no player";
   EXPECT_EQ(controller->volumeLevel(), 0.5F);
   EXPECT_FALSE(controller->soundPlayed());
 }
@@ -136,24 +131,15 @@ TEST_F(AudioController, EachEndOfAPlay) {
   }
 }
 
-TEST_F(AudioController, ALaterPlayUsesThePlayerAgainWithoutActivatingTheSession) {
-  prepare("cue");
-  for (int count = 0; count < 2; ++count) {
-    log.clear();
-    play();
-    end({});
-    EXPECT_EQ(log, (Log{QLAudioSessionDeactivated, "success"}));
-  }
-  EXPECT_EQ(output->started[0].sound, output->started[1].sound);
-  play();
-  EXPECT_FALSE(session.isActive());
-}
-
-TEST_F(AudioController, ASecondPlayReplacesTheCallbacksOfTheFirst) {
+TEST_F(AudioController, ALaterPlayUsesThePlayerAgainAndReplacesTheCallbacks) {
   prepare("cue");
   play();
+  end({});
+  play();
+  EXPECT_FALSE(session.isActive()) << "only a prepare activates it";
   controller->play(nullptr, nullptr, logs("second success"), nullptr);
-  EXPECT_EQ(output->started.size(), 1u);
+  ASSERT_EQ(output->started.size(), 2u) << "one is playing";
+  EXPECT_EQ(output->started[0].sound, output->started[1].sound);
   log.clear();
   end({});
   EXPECT_EQ(log, (Log{QLAudioSessionDeactivated, "second success"}));
@@ -188,17 +174,6 @@ TEST_F(AudioController, MayBeReleasedByItsOwnCallback) {
   end({});
   EXPECT_EQ(log, Log{QLAudioSessionDeactivated});
   EXPECT_FALSE(controller);
-}
-
-TEST_F(AudioController, TakesTheSoundsTimeOnTheSimulatedOutput) {
-  session.setOutput(std::make_shared<SimulatedOutput>(1.0F));
-  prepare("cue");
-  log.clear();
-  play();
-  driver.advance(0.1999);
-  EXPECT_EQ(log, Log{});
-  driver.advance(0.0002);
-  EXPECT_EQ(log, (Log{QLAudioSessionDeactivated, "success"}));
 }
 
 }  // namespace

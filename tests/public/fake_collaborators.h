@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,29 +19,22 @@ class FakePlayer : public QLHalvoSoundProtocol {
  public:
   Answer prepareAnswer = Answer::Success;
   Answer playAnswer = Answer::Success;
-  // Answers of the first prepares, before prepareAnswer counts.
-  std::deque<Answer> firstPrepareAnswers;
+  bool firstPrepareFails = false;
   float volume = 1;
   int prepares = 0;
   std::vector<double> playTimes;
-  std::vector<bool> playedWithView;
+  bool playedWithView = false;
   std::string preparedName;
 
   void prepare(const std::string& cueName, Callback onSuccess, Callback onFailure) override {
-    ++prepares;
     preparedName = cueName;
-    Answer answer = prepareAnswer;
-    if (!firstPrepareAnswers.empty()) {
-      answer = firstPrepareAnswers.front();
-      firstPrepareAnswers.pop_front();
-    }
-    give(answer, onSuccess, onFailure);
+    give(prepares++ == 0 && firstPrepareFails ? Answer::Failure : prepareAnswer, onSuccess, onFailure);
   }
 
   void play(const std::shared_ptr<QLHalvoView>& view, const std::shared_ptr<const QLHalvoSDKConfig>&,
             Callback onSuccess, Callback onFailure) override {
     playTimes.push_back(MainQueue::shared().clock().now());
-    playedWithView.push_back(view != nullptr);
+    playedWithView = view != nullptr;
     give(playAnswer, onSuccess, onFailure);
   }
 

@@ -1,17 +1,10 @@
 #include "support/nginx_server.h"
 
-#include <arpa/inet.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>
-#include <thread>
 
 #include "support/scripted_server.h"
 
@@ -21,17 +14,6 @@ namespace {
 
 void runOrThrow(const std::string& command) {
   if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
-}
-
-bool acceptsConnections(int port) {
-  const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<in_port_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  const bool connected = connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  close(descriptor);
-  return connected;
 }
 
 std::string configuration(const std::filesystem::path& root, const std::string& scratch, int port,
@@ -74,33 +56,21 @@ NginxServer::NginxServer(const std::filesystem::path& root, const Certificate* c
   const int port = freePort();
   address_ = (certificate != nullptr ? "https" : "http") + std::string("://127.0.0.1:") + std::to_string(port);
   writeFile(directory_ / "nginx.conf", configuration(root, directory_.path().string(), port, certificate));
-  const std::string file = (directory_ / "nginx.conf").string();
-  const std::string log = (directory_ / "error.log").string();
-  const std::vector<std::string> arguments = {"nginx", "-c", file, "-e", log};
-  std::vector<char*> argv;
-  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
   // Where Debian has it, which is not on everybody's path.
-  if (posix_spawn(&process_, "/usr/sbin/nginx", nullptr, nullptr, argv.data(), environ) != 0)
-    throw std::runtime_error("nginx is not installed");
-  for (int i = 0; i < 500 && !acceptsConnections(port); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  if (!acceptsConnections(port))
-    throw std::runtime_error("nginx does not start: " + readFile(directory_ / "error.log"));
-}
-
-NginxServer::~NginxServer() {
-  kill(process_, SIGTERM);
-  waitpid(process_, nullptr, 0);
+  process_ = ChildProcess({"/usr/sbin/nginx", "-c", directory_ / "nginx.conf", "-e", directory_ / "error.log"},
+                          directory_ / "output");
+  // Written when it listens.
+  waitUntil("nginx does not start", [this] { return std::filesystem::exists(directory_ / "pid"); });
 }
 
 std::vector<std::string> NginxServer::requests(std::size_t count) const {
   std::vector<std::string> lines;
-  for (int i = 0; i < 200 && (i == 0 || lines.size() < count); ++i) {
-    if (i > 0) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  waitUntil("fewer requests than expected", [&] {
     lines.clear();
     std::istringstream log(readFile(directory_ / "access.log"));
     for (std::string line; std::getline(log, line);) lines.push_back(line);
-  }
+    return lines.size() >= count;
+  });
   return lines;
 }
 

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "support/child_process.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {
@@ -25,20 +24,19 @@ class NginxServer {
  public:
   // With https when a certificate is given.
   explicit NginxServer(const std::filesystem::path& root, const Certificate* certificate = nullptr);
-  ~NginxServer();
   NginxServer(const NginxServer&) = delete;
   NginxServer& operator=(const NginxServer&) = delete;
 
   // "http://127.0.0.1:PORT", or https.
   const std::string& address() const { return address_; }
   // What was asked, one line each: "METHOD PATH STATUS type=CONTENT_TYPE expect=EXPECT length=CONTENT_LENGTH". Waits
-  // until there are `count`, as the log follows the answer.
+  // until there are `count`, as the log follows the answer; throws when they do not come.
   std::vector<std::string> requests(std::size_t count) const;
 
  private:
   TemporaryDirectory directory_;
   std::string address_;
-  pid_t process_ = -1;
+  ChildProcess process_;
 };
 
 }  // namespace quellaro

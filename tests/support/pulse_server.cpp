@@ -1,9 +1,6 @@
 #include "support/pulse_server.h"
 
 #include <signal.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <array>
 #include <chrono>
@@ -15,20 +12,6 @@
 #include <thread>
 
 namespace quellaro {
-
-namespace {
-
-bool acceptsConnections(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  path.copy(address.sun_path, sizeof address.sun_path - 1);
-  const int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  const bool accepted = connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  close(client);
-  return accepted;
-}
-
-}  // namespace
 
 PulseServer::PulseServer() {
   const std::string home = directory_.path().string();
@@ -48,7 +31,7 @@ void PulseServer::start() {
                     "--high-priority=no", "-L", "module-null-sink sink_name=silence rate=48000 channels=2", "-L",
                     "module-native-protocol-unix auth-anonymous=1 socket=" + address_},
                    directory_ / "server");
-  waitUntil("the sound server does not come up", [this] { return acceptsConnections(address_); });
+  waitUntil("the sound server does not come up", [this] { return !control("info 2>/dev/null").empty(); });
 }
 
 void PulseServer::kill() { process_.end(SIGKILL); }
