@@ -44,6 +44,8 @@ class ExampleCue {
   }
 
   Checked check() const { return quellaro::check(document_.empty() ? directory_.path().string() : document_); }
+  // Empty for a whole cue.
+  const std::string& document() const { return document_; }
 
  private:
   void apply(const std::string& line) {
@@ -100,9 +102,11 @@ TEST(AuthoringPage, ShowsEveryFindingWithAnExampleThatGivesIt) {
     const Checked before = ExampleCue(example.before).check();
     EXPECT_EQ(joined(before.ids), id) << example.before[0];
     EXPECT_EQ(before.status, kind.severity == halvo::Severity::Note ? 0 : 1) << id;
-    const Checked after = ExampleCue(example.after).check();
+    const ExampleCue cue(example.after);
+    const Checked after = cue.check();
     EXPECT_EQ(joined(after.ids), "") << id << ": " << example.after[0];
     EXPECT_EQ(after.status, 0) << id;
+    if (!cue.document().empty()) expectDrawnAsByOthers(cue.document());
   }
   for (const auto& [id, example] : page) ADD_FAILURE() << id << " is no finding";
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "check/check_tool.h"
+#include "platform/foundation/json_writer.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {
@@ -21,7 +22,11 @@ class Check : public testing::Test {
   }
   std::string svg(const std::string& content) const { return file("a.svg", kSvg + content + "</svg>"); }
   std::string animation(const std::vector<std::string>& frames) const {
-    return file("animation.json", animationOf(frames));
+    JSONWriter json;
+    json.beginArray();
+    for (const std::string& frame : frames) json.string(frame);
+    json.endArray();
+    return file("animation.json", json.text());
   }
 
   TemporaryDirectory directory_;
@@ -84,20 +89,30 @@ TEST_F(Check, MachinesGetTheSameInOneObject) {
   EXPECT_THAT(keys, testing::EndsWith("count=1 frames=[] "));
 }
 
-TEST_F(Check, WhatDoesNoHarmIsClean) {
+TEST_F(Check, WhatDoesNoHarmIsCleanAndDrawnAsByOthers) {
   const char* const contents[] = {
-      "<title>A <b>title</b></title><metadata><rdf:RDF><cc:Work/></rdf:RDF></metadata><inkscape:grid units='mm'/>",
-      "<rect x='1' y='1' width='9' height='9' fill='#f00' inkscape:label='a' clip-rule='evenodd' class='a' "
+      "<title>A <b>title</b></title><metadata xmlns:rdf='r'><rdf:RDF/></metadata><i:grid xmlns:i='i' units='mm'/>",
+      "<rect x='1' y='1' width='9' height='9' fill='#f00' xmlns:i='i' i:label='a' clip-rule='evenodd' class='a' "
       "opacity='100%'/>",
       "<rect x='1' y='1' width='9' height='9' fill='none' rx='0' transform='scale(2,2)'/>",
       "<path d='M1 1L2 2' stroke='#000' stroke-width='1'/><path d='' /><line x1='1' y1='1' x2='9' y2='9'/>",
       "<defs><g id='a'/><path d='M1 1h9v9z'/></defs><circle cx='5' cy='5' r='0' fill='#f00'/>",
       "<path fill='none' stroke='#000' stroke-width='1' d='M1 1C1 2 3 4 5 5S6 7 8 9ZM 1e0-.5l.5+7zz'/>",
+      "<ellipse cx='30' cy='70' rx='24' ry='12' fill='#084'/><polygon points='60,60 95,70 70,95' fill='#a03'/>",
+      "<polyline points='10,90 30,20 50,80 90,10' fill='none' stroke='#123456' stroke-width='5' "
+      "stroke-miterlimit='10'/>",
+      "<path d='M20,20 C60,-10 90,40 70,70 S20,100 20,60 Z' fill='#446688'/>"
+      "<path d='M10,80 Q30,40 50,80 T90,80 L90,95 H10 Z' fill='#22aa7780' stroke='#c0c' stroke-width='3.5' "
+      "stroke-miterlimit='10'/>",
+      "<g transform='translate(50 50)' fill='#f06'><g transform='rotate(30)'><rect x='-20' y='-10' width='40' "
+      "height='20'/><g transform='scale(0.5)'><circle cx='30' cy='0' r='10' fill='#06f'/></g></g></g>",
   };
   for (const char* content : contents) {
-    const Checked checked = check(svg(content));
+    const std::string document = svg(content);
+    const Checked checked = check(document);
     EXPECT_EQ(checked.status, 0) << checked.output;
     EXPECT_EQ(joined(checked.ids), "") << content;
+    expectDrawnAsByOthers(document);
   }
 }
 
