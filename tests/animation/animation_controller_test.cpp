@@ -4,11 +4,8 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "animation/halvo_view.h"
-#include "public/fake_collaborators.h"
-#include "public/halvo_controller.h"
 #include "support/library_fixture.h"
 
 namespace quellaro {
@@ -119,53 +116,6 @@ TEST_F(AnimationController, APlayOutlivesWhatItWasStartedWith) {
   EXPECT_EQ(view_->animtionView()->svgDocument(), second);
   driver_.advance(0.1);
   EXPECT_EQ(successes_, 1);
-}
-
-// A sound that takes its time.
-class TimedSound : public FakePlayer {
- public:
-  double seconds = 0;
-  void play(const std::shared_ptr<QLHalvoView>&, const std::shared_ptr<const QLHalvoSDKConfig>&, Callback onSuccess,
-            Callback) override {
-    MainQueue::shared().asyncAfter(seconds, onSuccess);
-  }
-};
-
-TEST_F(AnimationController, SoundAndAnimationEndInOneCompletion) {
-  const struct {
-    const char* what;
-    double soundSeconds;
-    std::string animationFile;
-    // After the sound's delay of 0.25 s, and the animation's of 0.1205 s and length of 0.2 s.
-    std::vector<double> ends;
-  } rows[] = {
-      {"the animation ends first", 1, kTwoFrames, {1.25}},
-      {"the sound ends first", 0.01, kTwoFrames, {0.1205 + 0.2}},
-      {"there are no frames", 1, "[]", {1.25}},
-      {"the last frame has no time", 1, kThreeFrames, {}},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.what);
-    writeConfigs();
-    writeBundleFile("animation.json", row.animationFile);
-    Fakes fakes;
-    const auto sound = std::make_shared<TimedSound>();
-    sound->seconds = row.soundSeconds;
-    HalvoCollaborators collaborators = fakes.collaborators();
-    collaborators.makeAnimationController = [] { return std::make_shared<QLHalvoAnimationController>(); };
-    collaborators.makeAudioController = [&] { return sound; };
-    const auto controller = QLHalvoController::make(collaborators);
-    controller->prepare(QLHalvoType::animationAndSound, "quellaro", QLHalvoEnvironment::primary,
-                        QLHalvoMerchant::make("Shop", "US", {}, {"1"}, {}), false, {});
-    driver_.restart();
-    std::vector<double> ends;
-    controller->play(view_, [&](QLHalvoStatus code) {
-      EXPECT_EQ(code, QLHalvoStatus::success);
-      ends.push_back(driver_.now());
-    });
-    driver_.advance(10);
-    EXPECT_EQ(ends, row.ends);
-  }
 }
 
 }  // namespace

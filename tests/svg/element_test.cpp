@@ -150,23 +150,5 @@ TEST(Shapes, Outlines) {
   }
 }
 
-TEST(Shapes, ArcsTurnTheWayTheyAreTold) {
-  struct Arc {
-    double from, to;
-    bool clockwise;
-    double turned;
-  };
-  for (const Arc& arc : {Arc{0, 1, true, 1}, Arc{0, 1, false, 1 - 2 * std::numbers::pi}, Arc{2, 1, false, -1},
-                         Arc{0, 100, true, 2 * std::numbers::pi}, Arc{1, 1, true, 0}}) {
-    UIBezierPath path;
-    path.moveToPoint({0, 0});
-    path.addArcWithCenter({1, 1}, 2, arc.from, arc.to, arc.clockwise);
-    EXPECT_EQ(path.cgPath().verbs()[1], PathVerb::Line);
-    const double last = arc.from + arc.turned;
-    EXPECT_NEAR(path.cgPath().points().back().x, 1 + 2 * std::cos(last), 1e-12);
-    EXPECT_NEAR(path.cgPath().points().back().y, 1 + 2 * std::sin(last), 1e-12);
-  }
-}
-
 }  // namespace
 }  // namespace quellaro
