@@ -116,6 +116,15 @@ TEST_F(Check, WhatDoesNoHarmIsCleanAndDrawnAsByOthers) {
   }
 }
 
+TEST_F(Check, NothingElseIsToldOfWhatIsOdd) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"<path fill='#123456' d='M1e400 1L2 2'/>", "number-range"},
+      {"<path fill='#123456' d='M0 0L10 10L0 5.'/>", "number"},
+      {"<g fill='#f00'><a fill='#f00'><rect x='1' y='1' width='9' height='9'/></a></g>", "element"},
+  };
+  for (const auto& [content, ids] : cases) EXPECT_EQ(joined(check(svg(content)).ids), ids) << content;
+}
+
 TEST_F(Check, SourcesOfEveryKindGetAnAnswer) {
   const struct {
     std::string arguments;
@@ -123,6 +132,7 @@ TEST_F(Check, SourcesOfEveryKindGetAnAnswer) {
     const char* output;
   } cases[] = {
       {"", 2, "something is missing"},
+      {"--colour x", 2, "unknown option"},
       {"--help", 0, "docs/authoring.md"},
       {"/nowhere", 1, "error: No such file or directory [unreadable]"},
       {"/dev/null", 1, "[unreadable]"},

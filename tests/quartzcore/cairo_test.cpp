@@ -137,7 +137,7 @@ const SpecialShape kSpecialShapes[] = {
     {"curves_to_a_point", "M57 84C85.7 111 44.83 51 29 52C126 72 86 59 46.46 57", 6},
     {"closed_curve_to_a_point", "M29 52C126 72 86 99 57 84C85.7 111 44.83 51 29 52Z", 6},
     {"back_and_forth", "M20 60L100 60 40 60", 14},
-    {"degenerate", "M60 60L60 60 60 60ZM10 10", 20},
+    {"degenerate", "M60 60L60 60 60 60ZM10 10C10 10 10 10 10 10", 20},
     {"repeated_points", "M20 20L20 20 90 20 90 20 90 90", 10},
     {"after_close", "M20 20L60 20 60 60ZL20 110", 6},
     {"uneven_stroke", kSwing, 20, kUneven},
