@@ -111,39 +111,5 @@ TEST_F(Upload, EveryKindOfAnswer) {
   EXPECT_EQ((MixpanelAPIResponse{-3, "a\"b"}).encode(), R"({"status":-3,"error":"a\"b"})");
 }
 
-// Through the real request: answers that do not count, one cut off, and one that counts whatever its status code.
-TEST_F(Upload, RequestsAreWellFormedAndResentAfterFailure) {
-  std::atomic<int> answers = 0;
-  const ScriptedServer server([&](const auto&, const ScriptedServer::Connection& connection) {
-    const char* const heads[] = {"200 OK\r\nContent-Length: 99", "200 OK\r\nContent-Length: 0",
-                                 "500 Error\r\nContent-Length: 12"};
-    connection.send(std::string("HTTP/1.1 ") + heads[answers++ % 3] + "\r\n\r\n" + kAccepted);
-  });
-  manager_ = MixpanelAnalyticsManager::make();
-  manager_->merchant = merchantNamed("Shop");
-  manager_->environment = QLHalvoEnvironment::secondary;
-  manager_->config = QLHalvoAnalyticsInfo{true, "M", server.address() + "/track?ip=1"};
-  play("old");
-  wallClock_.advance(31 * kDay);
-  for (const char* expected : {"new/shop:1", "new/shop:2", "new/shop:3", "new/shop:4"}) {
-    play("new");
-    driver_.settle();
-    EXPECT_EQ(current(), expected);
-    wallClock_.advance(1);
-  }
-  EXPECT_EQ(readFile(failedPath()), "[]");
-  const auto requests = server.requests();
-  ASSERT_EQ(requests.size(), 3U);
-  std::int64_t time = static_cast<std::int64_t>(kStart + 31 * kDay);
-  const std::string distinctID = MixpanelAnalyticsServiceProvider::storedDistinctID().value_or("none");
-  for (const ScriptedServer::Request& request : requests) {
-    EXPECT_EQ(request.method + " " + request.path, "POST /track?ip=1");
-    EXPECT_EQ(request.headers.at("content-type"), "application/json");
-    EXPECT_TRUE(request.body.starts_with(R"(data=[{"event":"old_played")")) << request.body;
-    EXPECT_NE(request.body.find("\"time\":" + std::to_string(time++) + ",\"distinct_id\":\"" + distinctID),
-              std::string::npos);
-  }
-}
-
 }  // namespace
 }  // namespace quellaro

@@ -1,29 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
+#include <atomic>
 
 #include "analytics_fixture.h"
+#include "drawing_commands/run_tool.h"
 #include "platform/foundation/json_reader.h"
 #include "platform/foundation/user_defaults.h"
+#include "support/scripted_server.h"
 
 namespace quellaro {
 namespace {
-
-struct ToolRun {
-  int status;
-  std::string output;
-};
-
-ToolRun runTool(const std::string& arguments) {
-  const std::string command = std::string(QUELLARO_HALVO_TOOL) + " " + arguments + " 2>&1";
-  FILE* pipe = popen(command.c_str(), "r");
-  std::string output;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t got = fread(buffer.data(), 1, buffer.size(), pipe)) output.append(buffer.data(), got);
-  const int status = pclose(pipe);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
-}
 
 class UsageTool : public AnalyticsFixture {
  protected:
@@ -34,25 +20,40 @@ class UsageTool : public AnalyticsFixture {
 
 // The tool as a host: a period that is over is sent, refused, and sent again before the next play.
 TEST_F(UsageTool, PlaysAreReportedToAServer) {
-  const ScriptedServer server(answering({kRefused, kAccepted}));
+  std::atomic<int> answers = 0;
+  const ScriptedServer server([&](const auto&, const ScriptedServer::Connection& connection) {
+    // What counts is what it says, not the code it says it with.
+    if (answers++ == 0)
+      connection.answer(kRefused);
+    else
+      connection.send(std::string("HTTP/1.1 500 Error\r\nContent-Length: 12\r\n\r\n") + kAccepted);
+  });
   std::filesystem::remove_all(bundle());
   std::filesystem::copy(QUELLARO_BUNDLE, bundle());
   writeFile(bundle() / "Info.json", R"({"CFBundleShortVersionString": "2.0.0"})");
   writeFile(bundle() / "version_config.json",
             R"([{"sdk_versions": ["2.0.0"], "cues": {"quellaro": {"version": "1", "filepath": "q/1"}},
                  "analytics": {"enable": true, "frequency": "Q", "url": ")" +
-                server.address() + R"("}}])");
+                server.address() + R"(/track?ip=1"}}])");
   play("quellaro", "0");  // long ago, by this process's clock
-  const ToolRun run = runTool("play quellaro --type soundOnly --headless --settle --times 2" + places());
+  const Ran run = halvo("play quellaro --type soundOnly --headless --settle --times 2" + places());
   EXPECT_EQ(run.status, 0) << run.output;
   EXPECT_EQ(current(), "quellaro/cornershop:2");
   EXPECT_EQ(readFile(failedPath()), "[]");
-  EXPECT_EQ(server.requests().size(), 2U);
+  const auto requests = server.requests();
+  ASSERT_EQ(requests.size(), 2U);
+  const std::string distinctID = MixpanelAnalyticsServiceProvider::storedDistinctID().value_or("none");
+  for (const ScriptedServer::Request& request : requests) {
+    EXPECT_EQ(request.method + " " + request.path, "POST /track?ip=1");
+    EXPECT_EQ(request.headers.at("content-type"), "application/json");
+    EXPECT_TRUE(request.body.starts_with(R"(data=[{"event":"quellaro_played")")) << request.body;
+    EXPECT_NE(request.body.find(R"("distinct_id":")" + distinctID), std::string::npos) << request.body;
+  }
 }
 
 TEST_F(UsageTool, ShowsBothFilesAsTheyWouldBeSentAndMakesNothing) {
   const std::filesystem::path nowhere = bundle().parent_path() / "nowhere";
-  const ToolRun none = runTool("usage --json --bundle " + bundle().string() + " --library " + nowhere.string());
+  const Ran none = halvo("usage --json --bundle " + bundle().string() + " --library " + nowhere.string());
   EXPECT_EQ(none.status, 0) << none.output;
   EXPECT_NE(none.output.find(R"("distinctId":null)"), std::string::npos) << none.output;
   EXPECT_FALSE(std::filesystem::exists(nowhere));
@@ -63,12 +64,12 @@ TEST_F(UsageTool, ShowsBothFilesAsTheyWouldBeSentAndMakesNothing) {
   play("new");
   endpoint_.answer(kRefused);
   NSUserDefaults::standardUserDefaults().synchronize();
-  const ToolRun text = runTool("usage" + places());
+  const Ran text = halvo("usage" + places());
   EXPECT_EQ(text.status, 0);
   for (const char* part : {"1 plays, 1 fine, 0 failed", "data=[{\"event\":\"old_played\""})
     EXPECT_NE(text.output.find(part), std::string::npos) << text.output;
 
-  const ToolRun run = runTool("usage --json --environment secondary" + places());
+  const Ran run = halvo("usage --json --environment secondary" + places());
   EXPECT_EQ(run.status, 0);
   const auto document = JSONDocument::parse(run.output);
   ASSERT_TRUE(document) << run.output;
@@ -87,10 +88,10 @@ TEST_F(UsageTool, ShowsBothFilesAsTheyWouldBeSentAndMakesNothing) {
 
 TEST_F(UsageTool, SaysWhatCannotBeRead) {
   writeFile(currentPath(), R"([{"event":"x"}])");
-  const ToolRun run = runTool("usage" + places());
+  const Ran run = halvo("usage" + places());
   EXPECT_EQ(run.status, 1);
   EXPECT_NE(run.output.find("[0].properties"), std::string::npos) << run.output;
-  EXPECT_EQ(runTool("usage extra").status, 2);
+  EXPECT_EQ(halvo("usage extra").status, 2);
 }
 
 }  // namespace
