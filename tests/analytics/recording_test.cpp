@@ -26,9 +26,10 @@ TEST_F(Recording, FirstAndLaterPlays) {
   manager_->recordPlay("shop", "1", QLHalvoType::soundOnly, 907, haptics, 906, true);
   wallClock_.advance(60);
   play("other");
+  play("third");
   haptics = {.isEnabled = false, .isSupported = true, .hapticsStatus = ComponentStatus::Ready};
   manager_->recordPlay("shop", "1", QLHalvoType::soundOnly, 907, haptics, 800, true);
-  EXPECT_EQ(current(), "other/shop:1 shop/shop:2");
+  EXPECT_EQ(current(), "other/shop:1 third/shop:1 shop/shop:2");
   EXPECT_EQ(failed(), "absent");
   EXPECT_EQ(endpoint_.sent, 0);
   const auto events = decodeAggregatedCueEvents(readFile(currentPath()));
@@ -218,7 +219,7 @@ TEST_F(Recording, WhatCannotBeReplacedIsLeftAlone) {
   play();
   std::filesystem::create_directories(failedPath());
   endPeriod();
-  play();
+  play("new");
   endpoint_.answer(kRefused);
   EXPECT_EQ(current(), "shop/shop:1") << "records that could not be moved stay where they were";
 }

@@ -102,7 +102,7 @@ TEST(Numbers, StrictFloat) {
       {"0X1.8p3", 12.0F},
       {"-0x.8", -0.5F},
       {"0x1p-200", 0.0F},
-      {"0x0.000000000000001p-200", 0.0F},
+      {"0x0.0000000000000000000000000000000000000000000000000001p9", 0.0F},
       {"0x0.000000000000001p999", kFloatInfinity},
       {"-Infinity", -kFloatInfinity},
       {"INF", kFloatInfinity},

@@ -196,6 +196,7 @@ TEST_F(HalvoController, OneRetryInAControllersLife) {
   EXPECT_EQ(play(), Codes{801});
   fakes_.sound->prepareAnswer = bad;
   EXPECT_EQ(prepare(kBoth, false, "another"), Codes{902});
+  EXPECT_FALSE(controller_->preparedHalvoCue());
   EXPECT_EQ(fakes_.upgrade->discards, 1);
 }
 
