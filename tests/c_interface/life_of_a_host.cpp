@@ -195,13 +195,18 @@ TEST_F(Host, IsToldOnceThatTheViewNeedsDisplayUntilItHasDrawn) {
   quellaro_halvo_view_draw(view_, pixels_.data(), 8, 8, kStride);
   pump();
   EXPECT_EQ(changes_, 1) << "drawn before it could be told";
+  quellaro_halvo_view_set_size(view_, 4, 8);
+  quellaro_halvo_view_draw(view_, pixels_.data(), 8, 8, kStride);
+  quellaro_halvo_view_set_size(view_, 8, 8);
+  drawsChanges_ = true;
+  pump();
+  EXPECT_EQ(changes_, 2) << "needed again before it could be told";
 
   prepare();
   pump();
-  drawsChanges_ = true;
   play();
   pump();
-  EXPECT_EQ(changes_, 1 + 3) << "one for each frame";
+  EXPECT_EQ(changes_, 2 + 3) << "one for each frame";
   EXPECT_EQ(pixels_[0], 0xff0000ffU) << "the last frame stays";
 }
 
