@@ -198,10 +198,11 @@ TEST_F(Host, IsToldOnceThatTheViewNeedsDisplayUntilItHasDrawn) {
   quellaro_halvo_view_set_size(view_, 4, 8);
   quellaro_halvo_view_draw(view_, pixels_.data(), 8, 8, kStride);
   quellaro_halvo_view_set_size(view_, 8, 8);
-  drawsChanges_ = true;
   pump();
   EXPECT_EQ(changes_, 2) << "needed again before it could be told";
 
+  quellaro_halvo_view_draw(view_, pixels_.data(), 8, 8, kStride);
+  drawsChanges_ = true;
   prepare();
   pump();
   play();

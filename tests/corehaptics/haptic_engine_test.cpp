@@ -112,7 +112,7 @@ TEST_F(HapticEngine, ADeviceThatBreaksDownEndsThePatternOnce) {
   use(actuator);
   const auto player = playerOf(patternOf({{1, 0}, {0.5, 0}}));
   EXPECT_FALSE(engine_->startAndReturnError());
-  notify();
+  notify(CHHapticEngineFinishedAction::LeaveEngineRunning);
   EXPECT_FALSE(player->startAtTime(0));
   actuator->feelError = unplugged;
   driver_.advance(1);
