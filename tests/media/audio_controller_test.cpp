@@ -3,12 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "platform/avfoundation/audio_session.h"
-#include "platform/foundation/application.h"
-#include "platform/foundation/bundle.h"
 #include "platform/foundation/notification_center.h"
-#include "support/main_queue_driver.h"
+#include "support/library_fixture.h"
 #include "support/recording_output.h"
-#include "support/temporary_directory.h"
 #include "types/notifications.h"
 
 namespace quellaro {
@@ -22,10 +19,8 @@ std::string sound(const std::string& name) {
 }
 
 // A Library with the active cues "cue" and "other" (a playable sound each), "text" (which is none) and "bare" (no
-// sound); the library's bundle is empty.
-struct AudioController : testing::Test {
-  TemporaryDirectory directory;
-  MainQueueDriver driver;
+// sound); the library's bundle has no sound.
+struct AudioController : LibraryFixture {
   AVAudioSession& session = AVAudioSession::sharedInstance();
   std::shared_ptr<RecordingOutput> output = std::make_shared<RecordingOutput>();
   std::shared_ptr<QLHalvoAudioController> controller = std::make_shared<QLHalvoAudioController>();
@@ -34,21 +29,17 @@ struct AudioController : testing::Test {
       QLAudioSessionDeactivated, [this](const std::string& name) { log.push_back(name); });
 
   AudioController() {
-    const auto active = directory / "library/halvo_assets_active";
+    const auto active = library() / "halvo_assets_active";
     writeFile(active / "cue/audio.mp3", sound("stereo_44100"));
     writeFile(active / "other/audio.mp3", sound("mono_22050"));
     writeFile(active / "text/audio.mp3", "no sound");
     writeFile(active / "bare/play_config.json", "{}");
-    std::filesystem::create_directories(directory / "bundle");
-    setLibraryDirectory(directory / "library");
-    NSBundle::setLibraryPath(directory / "bundle");
     session.setActive(false);
     session.setOutput(output);
   }
   ~AudioController() override {
     NSNotificationCenter::defaultCenter().removeObserver(observer);
     session.setOutput(nullptr);
-    setLibraryDirectory(std::nullopt);
   }
 
   Callback logs(const char* text) {
@@ -58,7 +49,7 @@ struct AudioController : testing::Test {
   void play() { controller->play(nullptr, nullptr, logs("success"), logs("failure")); }
   void end(const PlaybackEnd& end) {
     output->started.back().onEnd(end);
-    driver.settle();
+    driver_.settle();
   }
 };
 
@@ -120,7 +111,7 @@ TEST_F(AudioController, EachEndOfAPlay) {
     output->volumeLevel = row.volume;
     log.clear();
     play();
-    driver.advance(10);
+    driver_.advance(10);
     EXPECT_EQ(log, Log{}) << "nobody has told the end yet";
     end({row.outcome, row.error != nullptr ? std::optional(*row.error) : std::nullopt});
     EXPECT_EQ(log, row.log);
