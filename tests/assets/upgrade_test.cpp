@@ -241,11 +241,13 @@ TEST_F(Upgrade, AControllerThatIsGoneChangesNothingMore) {
 TEST_F(Upgrade, ChecksThatOverlapNeverMixTheirFiles) {
   installActive("1");
   publish("2", "q/2");
-  for (const char* name : kCueFiles)
-    answer(std::string("/q/2/") + name, [name](auto&, auto& c) {
-      c.pause(0.1);
-      c.answer(contentOf("2", name));
+  const auto answerLate = [this](const std::string& version, const std::string& name, double seconds) {
+    answer("/q/" + version + "/" + name, [=](auto&, auto& c) {
+      c.pause(seconds);
+      c.answer(contentOf(version, name));
     });
+  };
+  for (const char* name : kCueFiles) answerLate("2", name, 0.1);
   const auto controller = makeController();
   controller->checkForUpgrade();
   while (takePrinted().empty()) MainQueue::shared().drain();
@@ -253,6 +255,7 @@ TEST_F(Upgrade, ChecksThatOverlapNeverMixTheirFiles) {
   // Meanwhile the store has moved on, and somebody prepares again.
   HalvoUtility::setLastUpgradeTime(0);
   publish("3", "q/3");
+  answerLate("3", "audio.mp3", 0.3);
   check(*controller);
   EXPECT_EQ(filesOf(active() / "quellaro"), setOf("3"));
   EXPECT_EQ(HalvoUtility::cueVersion("quellaro"), "3");
