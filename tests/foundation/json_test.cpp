@@ -75,6 +75,7 @@ TEST(JSONDecoder, NamesTheKeyPathOfTheFirstThingThatIsWrong) {
   };
   const std::vector<std::pair<std::string, std::string>> rows = {
       {R"({})", "At the top level: an array was expected, but this is an object"},
+      {R"(null)", "At the top level: an array was expected, but this is null"},
       {R"([3])", "At [0]: an object was expected, but this is a number"},
       {R"([{}])", "At [0].name: the key is missing"},
       {R"([{"name": null}])", "At [0].name: a value is required, but this is null"},

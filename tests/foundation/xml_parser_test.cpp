@@ -29,7 +29,7 @@ TEST(XmlParser, AgreesOnWhatStandsBeforeTheRoot) {
       "<?xml version=\"1.0\" encoding='UTF-8' standalone = 'yes' ?>\n",
       "<!-- x --><?pi?><?pi data ?>",
       "<!DOCTYPE a SYSTEM 'x>y'>",
-      "<!DOCTYPE a PUBLIC \"p\" 's' [ ]>",
+      "<!DOCTYPE a PUBLIC \"p\" 's' [ %e; ]>",
       "<!DOCTYPE a [<!ELEMENT a ANY><!ATTLIST a b CDATA #IMPLIED><!ENTITY e '<b>&#38;'> <!-- ]> --><?p ]> ?>]>",
       // Mistakes.
       "x",
@@ -47,6 +47,7 @@ TEST(XmlParser, AgreesOnWhatStandsBeforeTheRoot) {
       "<!DOCTYPE a",
       "<!DOCTYPE a [",
       "<!DOCTYPE a [<!ELEMENT a ANY]>",
+      "<!DOCTYPE a [<!ELEMENT a ",
       "<!DOCTYPE a [<!ELEMENTa ANY>]>",
       "<!DOCTYPE a SYSTEM>",
       "<!DOCTYPE a PUBLIC 'p'>",

@@ -29,6 +29,10 @@ TEST(HalvoStatus, HasItsCodesAndIsAnErrorOfItsOwnDomain) {
     known += std::to_string(raw) + " " + std::string(nameOf(*status)) + ", ";
     EXPECT_EQ(errorOf(*status).domain, "QuellaroHalvo.QLHalvoStatus");
     EXPECT_EQ(errorOf(*status).code, raw);
+    const std::error_code code = *status;
+    EXPECT_EQ(code.value(), raw);
+    EXPECT_STREQ(code.category().name(), "QuellaroHalvo.QLHalvoStatus");
+    EXPECT_EQ(code.message(), sentenceOf(*status));
   }
   EXPECT_EQ(known,
             "800 success, 801 successWithFallback, 901 prepareFailed, 902 soundPrepareFailed, "
