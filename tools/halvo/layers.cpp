@@ -41,7 +41,7 @@ class LayerWriter {
       }
       const CALayer& child = *level.layer->sublayers()[level.next++];
       json_.beginObject();
-      if (const auto* shape = dynamic_cast<const CAShapeLayer*>(&child)) writeShape(*shape);
+      if (const auto* shape = child.asShapeLayer()) writeShape(*shape);
       beginSublayers(child);
     }
     flush();

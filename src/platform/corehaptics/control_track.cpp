@@ -24,8 +24,9 @@ ControlTrack::ControlTrack(const std::vector<HapticControlChange>& changes, Hapt
     : initial_(initial) {
   for (const HapticControlChange& change : changes)
     if (change.control == control) changes_.push_back(&change);
-  std::stable_sort(changes_.begin(), changes_.end(),
-                   [](const auto* a, const auto* b) { return beginningOf(*a) < beginningOf(*b); });
+  // Changes that begin together stay in the order they are written in.
+  std::sort(changes_.begin(), changes_.end(),
+            [](const auto* a, const auto* b) { return std::pair(beginningOf(*a), a) < std::pair(beginningOf(*b), b); });
 }
 
 double ControlTrack::valueAt(double time) const {

@@ -32,7 +32,11 @@ std::string_view repeatedName(const std::vector<XMLAttribute>& attributes) {
   std::vector<std::string_view> names;
   names.reserve(attributes.size());
   for (const XMLAttribute& attribute : attributes) names.push_back(attribute.name);
-  std::stable_sort(names.begin(), names.end());
+  // Equal names stay in the order of the text.
+  std::sort(names.begin(), names.end(), [](std::string_view a, std::string_view b) {
+    const int order = a.compare(b);
+    return order < 0 || (order == 0 && a.data() < b.data());
+  });
   const auto twice = std::adjacent_find(names.begin(), names.end());
   return twice == names.end() ? std::string_view() : *std::next(twice);
 }

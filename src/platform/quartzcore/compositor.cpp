@@ -44,7 +44,7 @@ struct Compositor::Implementation {
     const Affine transform = concat(toParent(layer), parent);
     if (!isUsable(transform)) return;
     if (const auto& color = layer.backgroundColor()) drawBackground(layer.bounds(), transform, *color, surface);
-    if (const auto* shape = dynamic_cast<const CAShapeLayer*>(&layer); shape != nullptr && shape->path() != nullptr) {
+    if (const auto* shape = layer.asShapeLayer(); shape != nullptr && shape->path() != nullptr) {
       if (const auto& color = shape->fillColor()) painter.fill(surface, *shape->path(), transform, *color);
       if (const auto& color = shape->strokeColor())
         painter.stroke(surface, *shape->path(), transform, shape->lineWidth(), *color);

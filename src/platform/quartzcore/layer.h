@@ -11,6 +11,8 @@
 
 namespace quellaro {
 
+class CAShapeLayer;
+
 // A node of the picture. Its bounds are in its own coordinates; its position is where the centre of its bounds lies in
 // its parent; its transform acts about that centre. A layer with empty bounds at position (0, 0) therefore draws in its
 // parent's coordinates. Main thread only, once it is part of a tree that is shown.
@@ -22,6 +24,9 @@ class CALayer {
   CALayer& operator=(const CALayer&) = delete;
   // Trees may be a million layers deep, so destruction does not recurse.
   virtual ~CALayer();
+
+  // This layer as one that draws an outline; null for every other.
+  virtual const CAShapeLayer* asShapeLayer() const { return nullptr; }
 
   virtual CGRect bounds() const { return bounds_; }
   virtual void setBounds(CGRect bounds) { bounds_ = bounds; }

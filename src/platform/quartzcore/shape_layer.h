@@ -13,6 +13,8 @@ namespace quellaro {
 // nothing.
 class CAShapeLayer : public CALayer {
  public:
+  const CAShapeLayer* asShapeLayer() const override { return this; }
+
   const std::shared_ptr<const CGPath>& path() const { return path_; }
   void setPath(std::shared_ptr<const CGPath> path) { path_ = std::move(path); }
   const std::optional<CGColor>& strokeColor() const { return strokeColor_; }

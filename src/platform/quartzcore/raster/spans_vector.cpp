@@ -1,5 +1,8 @@
 #include <algorithm>
 #include <cstring>
+#if defined(__x86_64__)
+#include <sys/platform/x86.h>
+#endif
 
 #include "platform/quartzcore/raster/spans.h"
 #include "platform/quartzcore/raster/sweep_row.h"
@@ -142,7 +145,7 @@ const SpanFunctions& vectorSpans() { return kVector; }
 
 const SpanFunctions& fastestSpans() {
 #if defined(__x86_64__)
-  if (__builtin_cpu_supports("avx2")) return kAvx2;
+  if (CPU_FEATURE_ACTIVE(AVX2)) return kAvx2;
 #endif
   return kVector;
 }
