@@ -6,6 +6,7 @@
 #include "platform/foundation/file_manager.h"
 #include "platform/foundation/json_reader.h"
 #include "platform/foundation/limits.h"
+#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -26,7 +27,7 @@ Result<FrameTexts> decodeFrames(std::string bytes) {
 }
 
 std::vector<std::shared_ptr<const SVGDocument>> parseFrames(FrameTexts frames) {
-  const auto arena = std::make_shared<Arena>(std::move(frames.spent));
+  const auto arena = makeSharedObject<Arena>(std::move(frames.spent));
   std::vector<std::shared_ptr<const SVGDocument>> documents;
   documents.reserve(frames.texts.size());
   for (const std::string_view text : frames.texts) documents.push_back(SVGDocument::parse(text, frames.storage, arena));

@@ -7,6 +7,7 @@
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/numbers.h"
+#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -37,14 +38,14 @@ std::shared_ptr<QLHalvoAnimationView> QLHalvoAnimationView::initWithCoder(const 
   return frame ? initWithFrame(*frame) : nullptr;
 }
 
-std::shared_ptr<CALayer> QLHalvoAnimationView::layerClass() { return std::make_shared<QLHalvoLayer>(); }
+std::shared_ptr<CALayer> QLHalvoAnimationView::layerClass() { return makeSharedObject<QLHalvoLayer>(); }
 
 void QLHalvoAnimationView::playFrames(HalvoFrames frames, Callback completion) {
   if (frames.empty()) {
     if (completion) completion();
     return;
   }
-  const auto play = std::make_shared<Play>();
+  const auto play = makeSharedObject<Play>();
   play->frames = std::move(frames);
   play->completion = std::move(completion);
   play->view = std::static_pointer_cast<QLHalvoAnimationView>(shared_from_this());

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/foundation/json_decoder.h"
+#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -12,7 +13,7 @@ Result<std::shared_ptr<const QLHalvoSDKConfig>> decodeSDKConfig(std::string json
   JSONDecoder decoder(document->root());
   const JSONField root = JSONField::root(decoder);
 
-  auto config = std::make_shared<QLHalvoSDKConfig>();
+  auto config = makeSharedObject<QLHalvoSDKConfig>();
   config->totalFrames = root.required("totalFrames").wholeNumber();
   if (const JSONField prefix = root.optional("svgPreFix"); prefix.isPresent()) config->svgPreFix = prefix.string();
   config->soundFileName = root.required("soundFileName").string();

@@ -11,6 +11,7 @@
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
+#include "platform/foundation/shared_object.h"
 #include "platform/foundation/url.h"
 
 namespace quellaro {
@@ -62,9 +63,9 @@ std::shared_ptr<QLUpgradeController> QLUpgradeController::make() {
 void QLUpgradeController::checkForUpgrade() {
   const std::optional<std::string> base = baseAddress();
   if (!base) return;
-  const auto check = std::make_shared<Check>(
+  const auto check = makeSharedObject<Check>(
       Check{.baseAddress = *base, .cue = preparingHalvoCue_.value_or(""), .stagingDirectory = {}, .source = {}});
-  const auto group = std::make_shared<DispatchGroup>();
+  const auto group = makeSharedObject<DispatchGroup>();
   group->enter();
   didRemoteUpgradeFound_ = false;
   if (HalvoUtility::lastUpgradeTime() + kSecondsBetweenFetches < secondsSince1970())

@@ -6,6 +6,7 @@
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
+#include "platform/foundation/shared_object.h"
 #include "public/c_interface.h"
 #include "public/settled_configuration.h"
 
@@ -58,8 +59,8 @@ quellaro_halvo_result quellaro_halvo_use_real_devices(void) {
 quellaro_halvo_result quellaro_halvo_use_simulated_devices(double volume, bool has_actuator) {
   return choose(nullptr, [&] {
     if (!(volume >= 0 && volume <= 1)) return quellaro_halvo_result_invalid_value;
-    AVAudioSession::sharedInstance().setOutput(std::make_shared<SimulatedOutput>(static_cast<float>(volume)));
-    CHHapticEngine::setActuator(std::make_shared<SimulatedActuator>(has_actuator));
+    AVAudioSession::sharedInstance().setOutput(makeSharedObject<SimulatedOutput>(static_cast<float>(volume)));
+    CHHapticEngine::setActuator(makeSharedObject<SimulatedActuator>(has_actuator));
     return quellaro_halvo_result_ok;
   });
 }

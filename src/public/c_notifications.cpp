@@ -1,6 +1,7 @@
 #include <map>
 
 #include "platform/foundation/notification_center.h"
+#include "platform/foundation/shared_object.h"
 #include "public/c_interface.h"
 #include "types/notifications.h"
 
@@ -25,7 +26,7 @@ std::map<uint64_t, std::shared_ptr<Observation>>& observations() {
 uint64_t quellaro_halvo_observe_audio_session_deactivated(quellaro_halvo_notification_handler handler, void* context) {
   if (handler == nullptr) return 0;
   return guarded<uint64_t>(0, [&] {
-    const auto observation = std::make_shared<Observation>(Observation{handler, context});
+    const auto observation = makeSharedObject<Observation>(Observation{handler, context});
     const auto tell = [weak = std::weak_ptr(observation)](const std::string& name) {
       if (const auto told = weak.lock()) callHost([&] { told->handler(name.c_str(), told->context); });
     };

@@ -3,6 +3,7 @@
 
 #include "animation/halvo_view.h"
 #include "platform/dispatch/main_queue.h"
+#include "platform/foundation/shared_object.h"
 #include "platform/quartzcore/bitmap.h"
 #include "public/c_interface.h"
 
@@ -148,7 +149,7 @@ quellaro_halvo_result quellaro_halvo_view_set_needs_display_handler(quellaro_hal
     view->observer = nullptr;
     view->view->setNeedsDisplayHandler({});
     if (handler == nullptr) return quellaro_halvo_result_ok;
-    view->observer = std::make_shared<NeedsDisplayObserver>(NeedsDisplayObserver{view, handler, context});
+    view->observer = makeSharedObject<NeedsDisplayObserver>(NeedsDisplayObserver{view, handler, context});
     view->view->setNeedsDisplayHandler([weak = std::weak_ptr(view->observer)] {
       if (const auto observer = weak.lock()) announceLater(observer);
     });

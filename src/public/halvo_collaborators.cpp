@@ -6,12 +6,13 @@
 #include "media/audio_controller.h"
 #include "media/haptics_manager.h"
 #include "platform/corehaptics/haptic_engine.h"
+#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
 HalvoCollaborators HalvoCollaborators::standard() {
   return {
-      .makeAnimationController = [] { return std::make_shared<QLHalvoAnimationController>(); },
+      .makeAnimationController = [] { return makeSharedObject<QLHalvoAnimationController>(); },
       .makeAudioController = [] { return std::make_shared<QLHalvoAudioController>(); },
       .makeUpgradeController = [] { return QLUpgradeController::make(); },
       .makeHapticsManager = HapticsManager::make,

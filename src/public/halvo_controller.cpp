@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "assets/version_config.h"
+#include "platform/foundation/shared_object.h"
 #include "public/halvo_collaborators.h"
 #include "public/settled_configuration.h"
 
@@ -30,7 +31,7 @@ std::shared_ptr<QLHalvoController> QLHalvoController::make(HalvoCollaborators co
 }
 
 QLHalvoController::QLHalvoController(HalvoCollaborators collaborators)
-    : collaborators_(std::make_shared<const HalvoCollaborators>(std::move(collaborators))),
+    : collaborators_(makeSharedObject<const HalvoCollaborators>(std::move(collaborators))),
       mixpanelAnalyticsManager_(collaborators_->makeAnalyticsManager()) {}
 
 QLHalvoControllerProtocol* QLHalvoController::animationController() {

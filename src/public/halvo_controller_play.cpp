@@ -4,6 +4,7 @@
 #include "assets/sdk_config.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
+#include "platform/foundation/shared_object.h"
 #include "public/halvo_collaborators.h"
 #include "public/halvo_controller.h"
 
@@ -99,7 +100,7 @@ void QLHalvoController::runPlaySequence(std::shared_ptr<QLHalvoView> view, Halvo
   }
 
   isPlaying_ = true;
-  const auto group = std::make_shared<DispatchGroup>();
+  const auto group = makeSharedObject<DispatchGroup>();
   if (animationStatus_.is(Status::Ready))
     schedulePlayer(animationController(), &QLHalvoController::animationStatus_, sdkConfig_->animationDelayInMillis,
                    view ? std::optional(view) : std::nullopt, group);

@@ -10,6 +10,7 @@
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
+#include "platform/foundation/shared_object.h"
 #include "public/halvo_collaborators.h"
 #include "public/halvo_controller.h"
 #include "types/cue_name.h"
@@ -67,7 +68,7 @@ void QLHalvoController::runPrepareSequence(QLHalvoType type, HalvoCompletion com
       halvoVersionConfig_ && halvoVersionConfig_->cues && halvoVersionConfig_->cues->contains(*preparingHalvoCue_);
   playConfigStatus_ = loadPlayConfig() ? Status::Ready : Status::Error;
 
-  const auto group = std::make_shared<DispatchGroup>();
+  const auto group = makeSharedObject<DispatchGroup>();
   if (needsAnimation) preparePlayer(animationController(), &QLHalvoController::animationStatus_, group);
   if (needsSound) preparePlayer(audioController(), &QLHalvoController::soundStatus_, group);
   prepareHaptics(group);
@@ -84,7 +85,7 @@ bool QLHalvoController::loadVersionConfig() {
   if (!entries) return false;
   std::optional<QLHalvoVersionConfig> chosen = selectForSdkVersion(*entries, HalvoUtility::sdkVersion());
   if (!chosen) return false;
-  setVersionConfig(std::make_shared<const QLHalvoVersionConfig>(std::move(*chosen)));
+  setVersionConfig(makeSharedObject<const QLHalvoVersionConfig>(std::move(*chosen)));
   return true;
 }
 

@@ -1,5 +1,6 @@
 #include "svg/document_parser.h"
 
+#include <memory>
 #include <utility>
 
 #include "platform/foundation/numbers.h"
@@ -14,22 +15,28 @@ namespace {
 // Of a document that does not say how large it is.
 constexpr double kDefaultSide = 100;
 
-template <class Kind>
-std::shared_ptr<SVGElement> make(const std::shared_ptr<Arena>& arena, std::string_view name, XMLAttributes attributes) {
-  return makeShared<Kind>(arena, name, attributes);
+template <class Element>
+SVGElement* construct(Arena& arena, std::string_view name, XMLAttributes attributes) {
+  return std::construct_at(static_cast<Element*>(arena.allocate(sizeof(Element), alignof(Element))), name, attributes);
 }
 
 struct Kind {
   std::string_view name;
-  std::shared_ptr<SVGElement> (*make)(const std::shared_ptr<Arena>& arena, std::string_view name,
-                                      XMLAttributes attributes);
+  SVGElement* (*construct)(Arena& arena, std::string_view name, XMLAttributes attributes);
 };
 
 constexpr Kind kKinds[] = {
-    {"g", make<SVGElement>},         {"path", make<SVGPath>},         {"rect", make<SVGRect>},
-    {"circle", make<SVGCircle>},     {"ellipse", make<SVGEllipse>},   {"line", make<SVGLine>},
-    {"polyline", make<SVGPolyline>}, {"polygon", make<SVGPolygon>},   {"linearGradient", make<SVGLinearGradient>},
-    {"filter", make<SVGFilter>},     {"clipPath", make<SVGClippath>},
+    {"g", construct<SVGElement>},
+    {"path", construct<SVGPath>},
+    {"rect", construct<SVGRect>},
+    {"circle", construct<SVGCircle>},
+    {"ellipse", construct<SVGEllipse>},
+    {"line", construct<SVGLine>},
+    {"polyline", construct<SVGPolyline>},
+    {"polygon", construct<SVGPolygon>},
+    {"linearGradient", construct<SVGLinearGradient>},
+    {"filter", construct<SVGFilter>},
+    {"clipPath", construct<SVGClippath>},
 };
 
 const Kind* kindNamed(std::string_view name) {
@@ -56,7 +63,9 @@ void SVGDocumentParser::parserDidStartElement(std::string_view name, XMLAttribut
     if (observer_ != nullptr) observer_->didStartElement(name, attributes, nullptr);
     return;
   }
-  std::shared_ptr<SVGElement> element = kind->make(arena_, name, attributes);
+  // One kind of counter for all kinds of elements.
+  std::shared_ptr<SVGElement> element(kind->construct(*arena_, name, attributes), std::destroy_at<SVGElement>,
+                                      ArenaAllocator<SVGElement>(arena_));
   element->moveOutlineInto(arena_->bulk());
   if (stack_.count() > 0) element->inheritPaint(*stack_.peek());
   if (observer_ != nullptr) observer_->didStartElement(name, attributes, element.get());

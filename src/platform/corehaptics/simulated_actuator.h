@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/corehaptics/actuator.h"
+#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -19,7 +20,7 @@ class SimulatedActuator final : public HapticActuator {
 
   // Absent: simulates hardware without haptics.
   explicit SimulatedActuator(bool isPresent = true)
-      : isPresent_(isPresent), felt_(std::make_shared<std::vector<Felt>>()) {}
+      : isPresent_(isPresent), felt_(makeSharedObject<std::vector<Felt>>()) {}
 
   bool isPresent() override { return isPresent_; }
   std::string description() override { return isPresent_ ? "simulated" : "simulated, absent"; }

@@ -11,6 +11,7 @@
 
 #include "platform/dispatch/clock.h"
 #include "platform/foundation/limits.h"
+#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -287,7 +288,7 @@ void URLTransfer::complete(std::optional<std::string> data, std::optional<NSHTTP
     std::optional<NSHTTPURLResponse> response;
     std::optional<NSError> error;
   };
-  auto outcome = std::make_shared<Outcome>(
+  auto outcome = makeSharedObject<Outcome>(
       Outcome{std::exchange(completion_, nullptr), std::move(data), std::move(response), std::move(error)});
   queue_->async([outcome = std::move(outcome)] {
     if (outcome->completion)
