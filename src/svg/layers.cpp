@@ -23,7 +23,9 @@ std::shared_ptr<CAShapeLayer> layerWithoutChildren(const ElementPointer& element
   return layer;
 }
 
-std::shared_ptr<CAShapeLayer> layerOf(const ElementPointer& top, const std::shared_ptr<Arena>& arena) {
+// Once, not in both places that use it.
+[[gnu::noinline]] std::shared_ptr<CAShapeLayer> layerOf(const ElementPointer& top,
+                                                        const std::shared_ptr<Arena>& arena) {
   std::shared_ptr<CAShapeLayer> topLayer = layerWithoutChildren(top, arena);
   // Layers that still lack their children's: a tree may be too deep to recurse.
   std::vector<std::pair<const SVGElement*, CALayer*>> pending;

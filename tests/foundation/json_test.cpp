@@ -60,6 +60,9 @@ TEST(JSONReader, OfEqualKeysTheFirstCounts) {
   EXPECT_EQ(document->root().members().size(), 3u);
   EXPECT_FALSE(document->root().member("c"));
   EXPECT_EQ(document->root().text(), R"({"a":1,"b":[true,{}],"a":2})");
+  constexpr std::string_view kEveryKind = R"(["\t\"é",-1,18446744073709551615,-0.0,2.0,1.5e-2,false,null,[]])";
+  EXPECT_EQ(JSONDocument::parse(std::string(kEveryKind))->root().text(),
+            R"(["\t\"é",-1,18446744073709551615,-0.0,2.0,0.015,false,null,[]])");
 }
 
 TEST(JSONDecoder, NamesTheKeyPathOfTheFirstThingThatIsWrong) {

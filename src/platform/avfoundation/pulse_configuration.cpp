@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <set>
 #include <vector>
 
 #include "platform/foundation/file_manager.h"
@@ -30,9 +31,8 @@ std::string configurationFile() {
 std::vector<std::string> configurationFiles() {
   std::vector<std::string> files{configurationFile()};
   const std::string directory = files.front() + ".d/";
-  std::vector<std::string> names = FileManager::contentsOfDirectoryAtPath(directory);
-  std::sort(names.begin(), names.end());
-  for (const std::string& name : names)
+  const std::vector<std::string> names = FileManager::contentsOfDirectoryAtPath(directory);
+  for (const std::string& name : std::set<std::string>(names.begin(), names.end()))
     if (name.ends_with(".conf")) files.push_back(directory + name);
   return files;
 }

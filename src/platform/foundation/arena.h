@@ -107,10 +107,15 @@ class ArenaAllocator {
   std::shared_ptr<Arena> arena_;
 };
 
-// As std::make_shared.
-template <class Value, class... Arguments>
-std::shared_ptr<Value> makeShared(const std::shared_ptr<Arena>& arena, Arguments&&... arguments) {
-  return std::allocate_shared<Value>(ArenaAllocator<Value>(arena), std::forward<Arguments>(arguments)...);
+// As std::make_shared; all types have their counters in common.
+template <class Object, class... Arguments>
+std::shared_ptr<Object> makeShared(const std::shared_ptr<Arena>& arena, Arguments&&... arguments) {
+  static_assert(
+      !requires(Object & made) { made.weak_from_this(); }, "it would not learn of its owner");
+  auto* const object = std::construct_at(static_cast<Object*>(arena->allocate(sizeof(Object), alignof(Object))),
+                                         std::forward<Arguments>(arguments)...);
+  const auto destroy = static_cast<void (*)(void*)>([](void* made) { std::destroy_at(static_cast<Object*>(made)); });
+  return {std::shared_ptr<void>(static_cast<void*>(object), destroy, ArenaAllocator<std::byte>(arena)), object};
 }
 
 }  // namespace quellaro

@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "platform/foundation/large_memory.h"
+#include "platform/foundation/numbers.h"
 
 namespace quellaro {
 
@@ -32,6 +33,20 @@ NSError unreadable(const std::string& why) {
 
 // Whole doubles beyond these do not fit into 64 bits.
 constexpr double kFirstTooLarge = 9223372036854775808.0;
+
+void writeNumber(dom::element number, JSONWriter& writer) {
+  std::uint64_t natural = 0;
+  std::int64_t whole = 0;
+  double real = 0;
+  if (number.get(whole) == simdjson::SUCCESS)
+    writer.integer(whole);
+  else if (number.get(natural) == simdjson::SUCCESS)
+    writer.raw(std::to_string(natural));
+  else if (number.get(real) == simdjson::SUCCESS && std::floor(real) == real && std::abs(real) < kFirstTooLarge)
+    writer.raw(decimalDescription(real));  // 2.0 stays what it is
+  else
+    writer.number(real);
+}
 
 }  // namespace
 
@@ -140,7 +155,38 @@ std::optional<JSONValue> JSONValue::member(std::string_view key) const {
   return value;
 }
 
-std::string JSONValue::text() const { return simdjson::minify(elementOf(handle_)); }
+// Recurses no deeper than the parser lets a text be.
+void JSONValue::write(JSONWriter& writer) const {
+  switch (type()) {
+    case JSONType::Object:
+      writer.beginObject();
+      for (const auto& [key, value] : members()) value.write(writer.key(key));
+      writer.endObject();
+      break;
+    case JSONType::Array:
+      writer.beginArray();
+      for (const JSONValue& element : elements()) element.write(writer);
+      writer.endArray();
+      break;
+    case JSONType::String:
+      writer.string(*string());
+      break;
+    case JSONType::Number:
+      writeNumber(elementOf(handle_), writer);
+      break;
+    case JSONType::Boolean:
+      writer.boolean(*boolean());
+      break;
+    case JSONType::Null:
+      writer.null();
+  }
+}
+
+std::string JSONValue::text() const {
+  JSONWriter writer;
+  write(writer);
+  return writer.take();
+}
 
 struct JSONDocument::Content {
   std::string bytes;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/foundation/error.h"
+#include "platform/foundation/json_writer.h"
 
 namespace quellaro {
 
@@ -35,12 +36,14 @@ class JSONValue {
   // In document order. Of equal keys the first counts.
   std::vector<std::pair<std::string_view, JSONValue>> members() const;
   std::optional<JSONValue> member(std::string_view key) const;
-  // The value written out again, compactly.
+  // The value written out again, compactly; numbers in another form at most, never another type.
   std::string text() const;
 
  private:
   friend class JSONDocument;
   JSONValue() = default;
+  void write(JSONWriter& writer) const;
+
   // The parser's own handle, which only the source file knows.
   alignas(void*) std::byte handle_[2 * sizeof(void*)]{};
 };

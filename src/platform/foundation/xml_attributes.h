@@ -33,4 +33,7 @@ class XMLAttributes {
   std::span<const XMLAttribute> attributes_;
 };
 
+// The first name that another before it equals, or an empty view.
+std::string_view repeatedName(std::span<const XMLAttribute> attributes);
+
 }  // namespace quellaro

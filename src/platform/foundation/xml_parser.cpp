@@ -1,6 +1,5 @@
 #include "platform/foundation/xml_parser.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -11,34 +10,11 @@ namespace quellaro {
 
 namespace {
 
-// Up to here comparing each with each is fastest.
-constexpr std::size_t kFewAttributes = 16;
-
 constexpr std::array<std::pair<std::string_view, char>, 5> kEntities = {
     {{"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}}};
 
 std::string_view between(const char* first, const char* last) {
   return {first, static_cast<std::size_t>(last - first)};
-}
-
-// The first name that another before it equals, or an empty view.
-std::string_view repeatedName(const std::vector<XMLAttribute>& attributes) {
-  if (attributes.size() <= kFewAttributes) {
-    for (auto one = attributes.begin(); one != attributes.end(); ++one)
-      for (auto other = attributes.begin(); other != one; ++other)
-        if (one->name == other->name) return one->name;
-    return {};
-  }
-  std::vector<std::string_view> names;
-  names.reserve(attributes.size());
-  for (const XMLAttribute& attribute : attributes) names.push_back(attribute.name);
-  // Equal names stay in the order of the text.
-  std::sort(names.begin(), names.end(), [](std::string_view a, std::string_view b) {
-    const int order = a.compare(b);
-    return order < 0 || (order == 0 && a.data() < b.data());
-  });
-  const auto twice = std::adjacent_find(names.begin(), names.end());
-  return twice == names.end() ? std::string_view() : *std::next(twice);
 }
 
 }  // namespace

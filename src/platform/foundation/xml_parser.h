@@ -63,15 +63,15 @@ class NSXMLParser {
   bool decodedValue(const char* start, char quote, std::string_view& value);
   bool namesDiffer();
   bool endTag();
-  bool comment();
-  bool processingInstruction();
-  bool cdata();
+  [[gnu::cold]] bool comment();
+  [[gnu::cold]] bool processingInstruction();
+  [[gnu::cold]] bool cdata();
   bool documentType();
   bool documentTypeSubset();
   bool documentTypeDeclaration();
   bool quotedLiteral();
   bool pseudoAttribute(std::string_view name, std::string_view& value);
-  bool reference(std::string* decoded);
+  [[gnu::cold]] bool reference(std::string* decoded);
   bool characterReference(std::string* decoded);
   bool character();
   // Passes the text, checking its characters, up to and including `close`.
@@ -81,7 +81,7 @@ class NSXMLParser {
   // Passes white space; gives whether there was any.
   bool skipSpaces();
   bool name(std::string_view& name);
-  bool fail(std::string_view message);
+  [[gnu::cold]] bool fail(std::string_view message);
 
   const char* const begin_;
   const char* const end_;

@@ -4,25 +4,28 @@
 
 namespace quellaro {
 
+namespace {
+
+struct Row {
+  double m1, m2, m3, m4;
+};
+
+Row times(const Row& row, const CATransform3D& t) {
+  return {row.m1 * t.m11 + row.m2 * t.m21 + row.m3 * t.m31 + row.m4 * t.m41,
+          row.m1 * t.m12 + row.m2 * t.m22 + row.m3 * t.m32 + row.m4 * t.m42,
+          row.m1 * t.m13 + row.m2 * t.m23 + row.m3 * t.m33 + row.m4 * t.m43,
+          row.m1 * t.m14 + row.m2 * t.m24 + row.m3 * t.m34 + row.m4 * t.m44};
+}
+
+}  // namespace
+
 CATransform3D CATransform3DConcat(const CATransform3D& a, const CATransform3D& b) {
-  CATransform3D r;
-  r.m11 = a.m11 * b.m11 + a.m12 * b.m21 + a.m13 * b.m31 + a.m14 * b.m41;
-  r.m12 = a.m11 * b.m12 + a.m12 * b.m22 + a.m13 * b.m32 + a.m14 * b.m42;
-  r.m13 = a.m11 * b.m13 + a.m12 * b.m23 + a.m13 * b.m33 + a.m14 * b.m43;
-  r.m14 = a.m11 * b.m14 + a.m12 * b.m24 + a.m13 * b.m34 + a.m14 * b.m44;
-  r.m21 = a.m21 * b.m11 + a.m22 * b.m21 + a.m23 * b.m31 + a.m24 * b.m41;
-  r.m22 = a.m21 * b.m12 + a.m22 * b.m22 + a.m23 * b.m32 + a.m24 * b.m42;
-  r.m23 = a.m21 * b.m13 + a.m22 * b.m23 + a.m23 * b.m33 + a.m24 * b.m43;
-  r.m24 = a.m21 * b.m14 + a.m22 * b.m24 + a.m23 * b.m34 + a.m24 * b.m44;
-  r.m31 = a.m31 * b.m11 + a.m32 * b.m21 + a.m33 * b.m31 + a.m34 * b.m41;
-  r.m32 = a.m31 * b.m12 + a.m32 * b.m22 + a.m33 * b.m32 + a.m34 * b.m42;
-  r.m33 = a.m31 * b.m13 + a.m32 * b.m23 + a.m33 * b.m33 + a.m34 * b.m43;
-  r.m34 = a.m31 * b.m14 + a.m32 * b.m24 + a.m33 * b.m34 + a.m34 * b.m44;
-  r.m41 = a.m41 * b.m11 + a.m42 * b.m21 + a.m43 * b.m31 + a.m44 * b.m41;
-  r.m42 = a.m41 * b.m12 + a.m42 * b.m22 + a.m43 * b.m32 + a.m44 * b.m42;
-  r.m43 = a.m41 * b.m13 + a.m42 * b.m23 + a.m43 * b.m33 + a.m44 * b.m43;
-  r.m44 = a.m41 * b.m14 + a.m42 * b.m24 + a.m43 * b.m34 + a.m44 * b.m44;
-  return r;
+  const Row first = times({a.m11, a.m12, a.m13, a.m14}, b);
+  const Row second = times({a.m21, a.m22, a.m23, a.m24}, b);
+  const Row third = times({a.m31, a.m32, a.m33, a.m34}, b);
+  const Row fourth = times({a.m41, a.m42, a.m43, a.m44}, b);
+  return {first.m1, first.m2, first.m3, first.m4, second.m1, second.m2, second.m3, second.m4,
+          third.m1, third.m2, third.m3, third.m4, fourth.m1, fourth.m2, fourth.m3, fourth.m4};
 }
 
 CATransform3D CATransform3DTranslate(const CATransform3D& t, double tx, double ty, double tz) {
