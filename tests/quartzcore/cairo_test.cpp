@@ -62,7 +62,7 @@ void drawLayer(cairo_t* cr, const CALayer& layer) {
     cairo_rectangle(cr, bounds.origin.x, bounds.origin.y, bounds.size.width, bounds.size.height);
     cairo_fill(cr);
   }
-  if (const auto* shape = dynamic_cast<const CAShapeLayer*>(&layer); shape != nullptr && shape->path() != nullptr) {
+  if (const auto* shape = layer.asShapeLayer(); shape != nullptr && shape->path() != nullptr) {
     addPath(cr, *shape->path());
     if (const auto& color = shape->fillColor()) {
       setSource(cr, *color);
