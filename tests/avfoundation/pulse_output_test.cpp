@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <map>
@@ -103,6 +104,36 @@ TEST(PulseOutput, TheSoundIsHeardWholeAndEndsWhenItsLastSampleWasHeard) {
   EXPECT_LT(secondsSince(start), listener.player->duration() + 2) << "of a loaded machine";
   EXPECT_NEAR(energyOf(recording.samples(), SinkRecording::kRate) / energyOfFile(kCueSound), 1, 0.1);
   EXPECT_FALSE(MainQueue::shared().hasQueuedWorkOrActivities());
+}
+
+// The mean of each tenth of a second: what another stream's constant level comes to, whatever else is heard.
+std::vector<double> levels(const std::vector<float>& samples) {
+  constexpr std::size_t kTenth = SinkRecording::kRate / 10;
+  std::vector<double> means;
+  for (std::size_t start = 0; start + kTenth <= samples.size(); start += kTenth)
+    means.push_back(std::accumulate(samples.begin() + start, samples.begin() + start + kTenth, 0.0) / kTenth);
+  return means;
+}
+
+TEST(PulseOutput, MusicIsLoweredWhileTheSoundPlaysAndComesBack) {
+  const PulseServer server;
+  server.loadModule("module-role-ducking trigger_roles=event ducking_roles=music volume=-20dB");
+  SinkRecording recording;
+  const OtherStream music("music", 0.25F);
+  Listener::runFor(1);
+  const Listener listener;
+  listener.player->play();
+  listener.finish();
+  Listener::runFor(0.7);
+  const std::vector<double> heard = levels(recording.samples());
+  const auto isLoud = [](double level) { return level > 0.24; };
+  const auto isLow = [](double level) { return level > 0.02 && level < 0.03; };
+  const auto before = std::find_if(heard.begin(), heard.end(), isLoud);
+  const auto lowered = std::find_if(before, heard.end(), isLow);
+  const auto after = std::find_if(lowered, heard.end(), isLoud);
+  EXPECT_GE(lowered - before, 5) << "at its own level first";
+  EXPECT_NEAR(static_cast<double>(after - lowered) / 10, listener.player->duration(), 0.5);
+  EXPECT_GE(heard.end() - after, 3) << "and back at it";
 }
 
 TEST(PulseOutput, TheVolumeIsThatOfTheDefaultSinkAndZeroWhileMuted) {

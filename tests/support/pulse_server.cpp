@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <stdexcept>
 #include <thread>
 
 namespace quellaro {
@@ -51,6 +52,10 @@ void PulseServer::setVolumePercent(int percent) const {
   control("set-sink-volume silence " + std::to_string(percent) + "%");
 }
 
+void PulseServer::loadModule(const std::string& nameAndArguments) const {
+  if (control("load-module " + nameAndArguments).empty()) throw std::runtime_error("no " + nameAndArguments);
+}
+
 double PulseServer::sinkLatency() const {
   const std::string sinks = control("list sinks");
   const std::size_t found = sinks.find("configured ");
@@ -58,6 +63,16 @@ double PulseServer::sinkLatency() const {
 }
 
 std::string PulseServer::playingStreams() const { return control("list sink-inputs"); }
+
+OtherStream::OtherStream(const std::string& mediaRole, float level) {
+  // Half a minute, more than any test takes.
+  const std::vector<float> samples(30 * SinkRecording::kRate, level);
+  const std::filesystem::path file = directory_ / "samples";
+  writeFile(file, {reinterpret_cast<const char*>(samples.data()), samples.size() * sizeof(float)});
+  process_ = ChildProcess({"pacat", "--raw", "--format=float32le", "--rate=" + std::to_string(SinkRecording::kRate),
+                           "--channels=1", "--latency-msec=20", "--property=media.role=" + mediaRole, file},
+                          directory_ / "output");
+}
 
 SinkRecording::SinkRecording() {
   const std::string file = directory_ / "samples";

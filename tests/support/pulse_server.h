@@ -24,6 +24,8 @@ class PulseServer {
 
   void setMuted(bool muted) const;
   void setVolumePercent(int percent) const;
+  // Adds a module to those that every server of the tests has, until it is started anew.
+  void loadModule(const std::string& nameAndArguments) const;
   // Of the default sink, in seconds.
   double sinkLatency() const;
   // What the server says about streams that play.
@@ -34,6 +36,18 @@ class PulseServer {
 
   TemporaryDirectory directory_;
   std::string address_;
+  ChildProcess process_;
+};
+
+// Another application's stream: a constant level, which no other sound changes the mean of.
+class OtherStream {
+ public:
+  OtherStream(const std::string& mediaRole, float level);
+  OtherStream(const OtherStream&) = delete;
+  OtherStream& operator=(const OtherStream&) = delete;
+
+ private:
+  TemporaryDirectory directory_;
   ChildProcess process_;
 };
 
