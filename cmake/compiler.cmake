@@ -23,5 +23,7 @@ if(QUELLARO_SANITIZE)
     # This check opens a pipe to look at an object, and takes an object for broken when there are no descriptors left.
     add_compile_options(-fno-sanitize=vptr)
   endif()
+  # The code that a sanitizer adds makes this warning wrong about the standard library's own.
+  add_compile_options(-Wno-maybe-uninitialized)
   add_link_options(-fsanitize=${QUELLARO_SANITIZE})
 endif()
