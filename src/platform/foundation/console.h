@@ -6,7 +6,8 @@
 
 namespace quellaro {
 
-// Receives each printed text, the line break at its end included. Any thread may print; calls never overlap.
+// Receives each printed text, the line break at its end included. Any thread may print; calls never overlap. Must not
+// throw.
 using ConsoleSink = std::function<void(std::string_view)>;
 
 // Prints the text and one line break. Goes to standard output, as is, unless a sink has been set.
