@@ -24,6 +24,6 @@ if(QUELLARO_SANITIZE)
     add_compile_options(-fno-sanitize=vptr)
   endif()
   # The code that a sanitizer adds makes this warning wrong about the standard library's own.
-  add_compile_options(-Wno-maybe-uninitialized)
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   add_link_options(-fsanitize=${QUELLARO_SANITIZE})
 endif()
