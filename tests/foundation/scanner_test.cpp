@@ -31,27 +31,41 @@ TEST(Scanner, SkipsThenScansAndAFailureMovesNothing) {
   EXPECT_FALSE(NSScanner("{", kBlanks).scanString("["));
 }
 
-// Lists of numbers of every shape, next to each other in every way, read once as a list and once number by number.
+// Lists of numbers of every shape, next to each other in every way, read once as a list and once number by number. Most
+// pieces are as in real lists, which are read many numbers at a time.
 TEST(Scanner, AListReadsAsItsNumbersDo) {
+  constexpr std::string_view kUsual[] = {"0",        "7.25",    "-12", "345.5", "-.5",
+                                         "99999999", "1080.25", " -0", "1.",    ",-0."};
   constexpr std::string_view kPieces[] = {"0", "7", "12", "345", "99999999", "123456789", ".", "-",    "+",  " ",
-                                          ",", "e", "E5", "-0",  ".5",       "1.",        "x", "\xc3", " -", ", "};
+                                          ",", "e", "E5", "-0",  ".5",       "1.",        "x", "\xc3", " -", "\n"};
+  // The second set's members share their low bits.
+  constexpr NSCharacterSet kSets[] = {NSCharacterSet{" ,\n"}, NSCharacterSet{" @,"}, NSCharacterSet{",() "}};
   std::minstd_rand random(7);
   for (int round = 0; round < 20000; ++round) {
+    const NSCharacterSet& skipped = kSets[random() % std::size(kSets)];
     std::string text;
-    for (auto pieces = random() % 24; pieces > 0; --pieces) text += kPieces[random() % std::size(kPieces)];
+    for (auto pieces = random() % 48; pieces > 0; --pieces)
+      text += random() % 12 == 0 ? kPieces[random() % std::size(kPieces)]
+                                 : std::string(kUsual[random() % std::size(kUsual)]) + ",  ,"[random() % 4];
     std::vector<double> expected;
-    for (const char* p = text.data();;) {
+    const char* p = text.data();
+    while (true) {
+      const char* start = p;
       const char* const end = text.data() + text.size();
-      while (p != end && kBlanks.contains(*p)) ++p;
+      while (start != end && skipped.contains(*start)) ++start;
       double value = 0;
-      const char* const next = scanDecimal(p, end, value);
-      if (next == p) break;
+      const char* const next = scanDecimal(start, end, value);
+      if (next == start) break;
       expected.push_back(value);
       p = next;
     }
+    // In one list, or in several.
     std::vector<double> numbers(expected.size() + 1);
-    NSScanner scanner(text, kBlanks);
-    ASSERT_EQ(scanner.scanDoubles(numbers), expected.size()) << text;
+    NSScanner scanner(text, skipped);
+    const std::size_t first = random() % numbers.size();
+    ASSERT_EQ(scanner.scanDoubles(std::span(numbers).first(first)), first) << text;
+    ASSERT_EQ(scanner.scanDoubles(std::span(numbers).subspan(first)), expected.size() - first) << text;
+    ASSERT_EQ(scanner.rest().data(), p) << text;
     numbers.pop_back();
     for (std::size_t i = 0; i < numbers.size(); ++i)
       ASSERT_EQ(std::bit_cast<std::uint64_t>(numbers[i]), std::bit_cast<std::uint64_t>(expected[i])) << text;

@@ -6,10 +6,6 @@
 #include <cstdint>
 #include <cstring>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
 // The innermost loop of reading frames: they are made of numbers, most of them short. Eight characters are looked at as
 // one 64-bit word, the first in its lowest byte.
 namespace quellaro {
@@ -64,56 +60,6 @@ inline const char* scanShort(const char* p, double& value) {
 }
 
 }  // namespace swar
-
-#ifdef __SSE2__
-
-namespace sse2 {
-
-inline unsigned mask(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
-
-inline constexpr std::ptrdiff_t kRoom = 16;
-
-// The next number of a list, when it looks as most do: at most two characters, separators or a sign, before at most
-// eight. Sixteen characters are looked at together, so that where the number ends is known before what it is: the
-// processor reads the next one meanwhile. Gives where it ends, or nullptr when it is any other. There are kRoom
-// characters at `p`.
-template <class IsSeparator>
-[[gnu::always_inline]] inline const char* scanListed(const char* p, IsSeparator isSeparator, double& value) {
-  static constexpr std::array<double, 8> kPowers = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7};
-  const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-  const __m128i digits = _mm_sub_epi8(text, _mm_set1_epi8('0'));
-  const unsigned pointMask = mask(_mm_cmpeq_epi8(text, _mm_set1_epi8('.')));
-  const unsigned number = mask(_mm_cmpeq_epi8(_mm_min_epu8(digits, _mm_set1_epi8(9)), digits)) | pointMask;
-  if (number == 0) return nullptr;
-  const auto start = static_cast<unsigned>(std::countr_zero(number));
-  const auto length = static_cast<unsigned>(std::countr_one(number >> start));
-  if (start > 2 || length > 8) return nullptr;
-  const char* const end = p + start + length;
-
-  // Signs, points and their absence come in no order that a branch could be guessed from: all that can be wrong is
-  // asked at once.
-  const char before = p[start - (start != 0 ? 1 : 0)];
-  const unsigned negative = before == '-' ? 1 : 0;
-  const unsigned points = pointMask >> start & ((1U << length) - 1);
-  const unsigned point = points != 0 ? 1 : 0;
-  const auto flag = [](bool yes) { return static_cast<unsigned>(yes); };
-  const unsigned odd = (flag(start == 2) & flag(!isSeparator(p[0]))) | flag((*end | 0x20) == 'e') |
-                       (flag(start != 0) & flag(!isSeparator(before)) & (negative ^ 1U)) | (points & (points - 1));
-  if (odd != 0 || length == point) return nullptr;
-
-  // The last character moves to the top of the word, and what is in front of the point one further.
-  const unsigned fraction = length - point - static_cast<unsigned>(std::countr_zero(points | 1U << length));
-  const std::uint64_t behind = ~std::uint64_t{0} << 8 << (56 - 8 * fraction);
-  std::uint64_t word = swar::loadDigits(p + start) << (64 - 8 * length);
-  word = (word & behind) | ((word << (8 * point)) & ~behind);
-  const double magnitude = static_cast<double>(static_cast<std::int32_t>(swar::join(word, 8))) / kPowers[fraction];
-  value = std::bit_cast<double>(std::bit_cast<std::uint64_t>(magnitude) ^ (std::uint64_t{negative} << 63));
-  return end;
-}
-
-}  // namespace sse2
-
-#endif
 
 // Any number without its sign; null when there is none.
 const char* scanMagnitude(const char* first, const char* last, double& value);

@@ -1,5 +1,6 @@
 #include "platform/foundation/scanner.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "platform/foundation/decimal_scan.h"
@@ -20,25 +21,36 @@ constexpr unsigned hexDigit(char c) {
 }  // namespace
 
 std::size_t NSScanner::scanDoubles(std::span<double> into) {
-  for (std::size_t i = 0; i < into.size(); ++i) {
-#ifdef __SSE2__
-    if (end_ - at_ >= sse2::kRoom) {
-      const auto isSkipped = [this](char c) { return skipped_->contains(c); };
-      if (const char* const end = sse2::scanListed(at_, isSkipped, into[i])) {
-        at_ = end;
-        continue;
-      }
-    }
-#endif
-    if (!scanAnyDouble(into[i])) return i;
+  bool usual = into.size() > 1 && skipped_->byLowBits() != nullptr && canScanNumberWindow();
+  std::size_t count = 0;
+  while (count < into.size()) {
+    const char* const start = afterSkipped();
+    // Most often a letter ends a list.
+    if (start == end_ || lower(*start) >= 'a') break;
+    const std::size_t read = usual ? scanUsualDoubles(start, into.subspan(count)) : 0;
+    // Unusual numbers seldom come alone.
+    usual = read > 0;
+    if (!usual && !scanAnyDouble(start, into[count])) break;
+    count += usual ? read : 1;
   }
-  return into.size();
+  return count;
 }
 
-bool NSScanner::scanAnyDouble(double& value) {
-  const char* const start = afterSkipped();
-  // Most often a letter ends a list.
-  if (start == end_ || lower(*start) >= 'a') return false;
+std::size_t NSScanner::scanUsualDoubles(const char* const start, std::span<double> into) {
+  const char* p = start;
+  std::array<char, kNumberWindow> padded;
+  if (end_ - start < kNumberWindow) {
+    padded.fill('\0');
+    std::copy(start, end_, padded.begin());
+    p = padded.data();
+  }
+  const char* const first = p;
+  const std::size_t count = scanNumberWindow(p, *skipped_->byLowBits(), into);
+  if (count > 0) at_ = start + (p - first);
+  return count;
+}
+
+bool NSScanner::scanAnyDouble(const char* start, double& value) {
   const char* const end = scanDecimal(start, end_, value);
   if (end == start) return false;
   at_ = end;

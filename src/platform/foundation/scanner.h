@@ -7,18 +7,33 @@
 #include <string>
 #include <string_view>
 
+#include "platform/foundation/number_window.h"
+
 namespace quellaro {
 
 // A set of ASCII characters.
 class NSCharacterSet {
  public:
   constexpr explicit NSCharacterSet(std::string_view members) {
-    for (const char c : members) contains_[static_cast<unsigned char>(c)] = true;
+    for (std::size_t bits = 0; bits < byLowBits_.size(); ++bits) byLowBits_[bits] = static_cast<char>(bits ^ 1);
+    for (const char c : members) {
+      contains_.at(static_cast<std::size_t>(c)) = true;
+      char& slot = byLowBits_[static_cast<std::size_t>(c) % byLowBits_.size()];
+      lowBitsDiffer_ = lowBitsDiffer_ && (slot == c || (slot ^ c) % 16 != 0);
+      slot = c;
+    }
   }
-  constexpr bool contains(char c) const { return contains_[static_cast<unsigned char>(c)]; }
+  constexpr bool contains(char c) const {
+    const auto code = static_cast<unsigned char>(c);
+    return code < contains_.size() && contains_[code];
+  }
+  // Null when two members have their four low bits in common.
+  constexpr const SeparatorTable* byLowBits() const { return lowBitsDiffer_ ? &byLowBits_ : nullptr; }
 
  private:
-  std::array<bool, 256> contains_{};
+  std::array<bool, 128> contains_{};
+  SeparatorTable byLowBits_{};
+  bool lowBitsDiffer_ = true;
 };
 
 // Reads a text from the front. Every scan first passes over the characters to be skipped and then either succeeds and
@@ -60,7 +75,10 @@ class NSScanner {
   bool getScannedString(std::string_view literal, std::string* into);
 
  private:
-  bool scanAnyDouble(double& value);
+  // Both begin behind what is skipped. Those numbers of a list that are read many at a time, maybe none:
+  std::size_t scanUsualDoubles(const char* start, std::span<double> into);
+  // Any number:
+  bool scanAnyDouble(const char* start, double& value);
 
   const char* afterSkipped() const {
     const char* p = at_;

@@ -1,9 +1,7 @@
 #include <algorithm>
 #include <cstring>
-#if defined(__x86_64__)
-#include <cpuid.h>
-#endif
 
+#include "platform/foundation/processor.h"
 #include "platform/quartzcore/raster/spans.h"
 #include "platform/quartzcore/raster/sweep_row.h"
 
@@ -137,19 +135,6 @@ __attribute__((target("avx2"), flatten)) void sweepRowAvx2(const SweepRow& row, 
 }
 
 constexpr SpanFunctions kAvx2{sweepRowAvx2};
-
-// The processor has it and the system saves its registers. (The compiler's own question brings in 4 KB of code.)
-bool hasAvx2() {
-  unsigned a = 0;
-  unsigned b = 0;
-  unsigned c = 0;
-  unsigned d = 0;
-  if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & bit_OSXSAVE) == 0) return false;
-  constexpr unsigned kXmmAndYmm = 6;
-  asm("xgetbv" : "=a"(a), "=d"(d) : "c"(0));
-  if ((a & kXmmAndYmm) != kXmmAndYmm) return false;
-  return __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & bit_AVX2) != 0;
-}
 #endif
 
 }  // namespace
