@@ -14,39 +14,12 @@ namespace quellaro {
 
 namespace {
 
-// Powers of ten that a double holds exactly.
-constexpr std::array<double, 23> kExactPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                                 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr std::int64_t kLargestExactPower = kExactPowers.size() - 1;
-constexpr std::uint64_t kLargestExactInteger = std::uint64_t{1} << 53;
-// As many digits as always fit into 64 bits.
-constexpr int kMantissaDigits = 19;
 // Exponents are not counted beyond this; the largest file cannot hold enough digits to make up for it.
 constexpr std::int64_t kExponentBound = 1'000'000'000'000;
 
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-// A number's parts: mantissa * 10^exponent, unless digits that matter did not fit.
-struct Decimal {
-  std::uint64_t mantissa = 0;
-  std::int64_t exponent = 0;
-  int digits = 0;
-  bool truncated = false;
-
-  void take(char c, bool fraction) {
-    const auto digit = static_cast<std::uint64_t>(c - '0');
-    if (digits < kMantissaDigits) {
-      mantissa = mantissa * 10 + digit;
-      digits += mantissa != 0 ? 1 : 0;
-      exponent -= fraction ? 1 : 0;
-    } else {
-      truncated = truncated || digit != 0;
-      exponent += fraction ? 0 : 1;
-    }
-  }
-};
 
 // Adds the exponent behind `marker`, when it has digits, and gives where it ends.
 const char* scanExponent(const char* p, const char* last, char marker, std::int64_t& exponent) {
@@ -62,40 +35,47 @@ const char* scanExponent(const char* p, const char* last, char marker, std::int6
   return q;
 }
 
-// What a number out of the range of its type becomes, by where its first digit stands.
+// What a number out of its type's range becomes. Too large is one whose first digit other than 0 stands before the
+// point, once the exponent has moved it by as many places; a hexadecimal digit takes four.
 template <class Number>
-Number beyondRange(bool large) {
-  return large ? std::numeric_limits<Number>::infinity() : Number{0};
-}
-
-double valueOf(const Decimal& decimal, const char* first, const char* last) {
-  if (decimal.mantissa == 0) return 0;
-  if (!decimal.truncated && decimal.mantissa <= kLargestExactInteger) {
-    const auto mantissa = static_cast<double>(decimal.mantissa);
-    if (decimal.exponent >= 0 && decimal.exponent <= kLargestExactPower)
-      return mantissa * kExactPowers[static_cast<std::size_t>(decimal.exponent)];
-    if (decimal.exponent < 0 && decimal.exponent >= -kLargestExactPower)
-      return mantissa / kExactPowers[static_cast<std::size_t>(-decimal.exponent)];
+Number beyondRange(std::string_view text, char exponentMarker, int placesPerDigit) {
+  std::int64_t places = 0;
+  bool fraction = false;
+  bool leading = true;
+  const char* p = text.data();
+  const char* const last = p + text.size();
+  for (; p != last && lower(*p) != exponentMarker; ++p) {
+    if (*p == '.') {
+      fraction = true;
+      continue;
+    }
+    leading = leading && *p == '0';
+    if (leading && fraction) places -= placesPerDigit;
+    if (!leading && !fraction) places += placesPerDigit;
   }
-  double value = 0;
-  if (std::from_chars(first, last, value).ec == std::errc{}) return value;
-  return beyondRange<double>(decimal.exponent + decimal.digits > 0);
+  scanExponent(p, last, exponentMarker, places);
+  return places > 0 ? std::numeric_limits<Number>::infinity() : Number{0};
 }
 
-// Any number. `p` is past the sign.
-const char* scanUnsigned(const char* p, const char* last, double& value) {
-  const char* const digits = p;
-  Decimal decimal;
-  for (; p != last && isDigit(*p); ++p) decimal.take(*p, false);
-  std::ptrdiff_t count = p - digits;
+const char* skipDigits(const char* p, const char* last) {
+  while (p != last && isDigit(*p)) ++p;
+  return p;
+}
+
+// Any number without its sign.
+const char* scanUnsigned(const char* first, const char* last, double& value) {
+  const char* p = skipDigits(first, last);
+  std::ptrdiff_t digits = p - first;
   if (p != last && *p == '.') {
-    const char* const fraction = ++p;
-    for (; p != last && isDigit(*p); ++p) decimal.take(*p, true);
-    count += p - fraction;
+    const char* const fraction = p + 1;
+    p = skipDigits(fraction, last);
+    digits += p - fraction;
   }
-  if (count == 0) return nullptr;
-  p = scanExponent(p, last, 'e', decimal.exponent);
-  value = valueOf(decimal, digits, p);
+  if (digits == 0) return nullptr;
+  std::int64_t exponent = 0;
+  p = scanExponent(p, last, 'e', exponent);
+  if (std::from_chars(first, p, value).ec != std::errc{})
+    value = beyondRange<double>({first, static_cast<std::size_t>(p - first)}, 'e', 1);
   return p;
 }
 
@@ -117,7 +97,7 @@ const char* scanMedium(const char* p, double& value) {
     p += fraction;
   }
   if (whole + fraction == 0 || lower(*p) == 'e') return nullptr;
-  value = static_cast<double>(static_cast<std::int64_t>(mantissa)) / kExactPowers[fraction];
+  value = static_cast<double>(static_cast<std::int64_t>(mantissa)) / kPowers[fraction];
   return p;
 }
 
@@ -132,27 +112,6 @@ bool equalsIgnoringCase(std::string_view text, std::string_view word) {
 }
 
 bool isHexDigit(char c) { return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'f'); }
-
-// Whether a hexadecimal number out of range is so because it is large: by how many bits before the point its first
-// digit other than 0 stands.
-bool isLargeHexadecimal(std::string_view text) {
-  std::int64_t bits = 0;
-  bool fraction = false;
-  bool leading = true;
-  const char* p = text.data();
-  const char* const last = p + text.size();
-  for (; p != last && lower(*p) != 'p'; ++p) {
-    if (*p == '.') {
-      fraction = true;
-      continue;
-    }
-    leading = leading && *p == '0';
-    if (leading && fraction) bits -= 4;
-    if (!leading && !fraction) bits += 4;
-  }
-  scanExponent(p, last, 'p', bits);
-  return bits > 0;
-}
 
 std::optional<float> unsignedFloat(std::string_view text) {
   if (equalsIgnoringCase(text, "inf") || equalsIgnoringCase(text, "infinity"))
@@ -170,10 +129,7 @@ std::optional<float> unsignedFloat(std::string_view text) {
   if (end != last) return std::nullopt;
   if (error == std::errc{}) return value;
   if (error != std::errc::result_out_of_range) return std::nullopt;
-  if (hexadecimal) return beyondRange<float>(isLargeHexadecimal(text));
-  double wide = 0;
-  scanUnsigned(text.data(), last, wide);
-  return beyondRange<float>(wide > 1);
+  return hexadecimal ? beyondRange<float>(text, 'p', 4) : beyondRange<float>(text, 'e', 1);
 }
 
 }  // namespace
