@@ -1,7 +1,6 @@
 #include "svg/shapes.h"
 
 #include <array>
-#include <numbers>
 
 #include "platform/foundation/limits.h"
 #include "platform/foundation/numbers.h"
@@ -81,7 +80,7 @@ void SVGCircle::buildPath(XMLAttributes attributes) {
   const auto circle = geometry<3>(attributes, {"cx", "cy", "r"});
   if (!circle) return;
   const auto [cx, cy, r] = *circle;
-  path_.addArcWithCenter({cx, cy}, r, 0, 2 * std::numbers::pi, true);
+  path_.addCircleWithCenter({cx, cy}, r);
   clickable_ = true;
 }
 

@@ -20,9 +20,9 @@ class UIBezierPath {
   void addLineToPoint(CGPoint to) { path_.lineTo(to); }
   void addCurveToPoint(CGPoint to, CGPoint control1, CGPoint control2) { path_.cubicTo(control1, control2, to); }
   void addQuadCurveToPoint(CGPoint to, CGPoint control) { path_.quadTo(control, to); }
-  // Part of a circle as cubic curves, at most a quarter each; angles in radians from the x axis. It is joined to the
-  // current point by a line, or begun by a move when there is none.
-  void addArcWithCenter(CGPoint center, double radius, double startAngle, double endAngle, bool clockwise);
+  // The arc that goes all round, clockwise from the rightmost point, not closed. It is joined to the current point by a
+  // line, or begun by a move when there is none.
+  void addCircleWithCenter(CGPoint center, double radius);
   void closePath() { path_.close(); }
 
   const CGPath& cgPath() const { return path_; }
