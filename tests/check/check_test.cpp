@@ -139,7 +139,7 @@ TEST_F(Check, SourcesOfEveryKindGetAnAnswer) {
       {directory_.path().string(), 1, " errors"},
       {file("null.json", "null"), 1, "this is null [no-frames]"},
       {file("mixed.json", R"(["<svg/>", 2])"), 1, "Frame_2 is no text, but a number"},
-      {file("binary.svg", std::string("\0\xff\xfe<svg", 7)), 1, "[xml]"},
+      {file("binary.SVG", std::string("\0\xff\xfe<svg", 7)), 1, "[xml]"},
       {file("escape.svg", "<svg xmlns='a' width='100' height='100' style='&#x9b;31m&#10;x'/>"), 1, "style=\"?31m?x\""},
       {file("bomb.svg", "<!DOCTYPE svg [<!ENTITY a 'aaaa'>]>" + kSvg + "<g id='&a;'/></svg>"), 1,
        "'&' that begins none"},

@@ -40,7 +40,7 @@ TEST_F(DrawingCommands, FrameStretchesTheDocumentOverACentredSquare) {
   for (int y = 0; y < 20; ++y)
     for (int x = 0; x < 30; ++x)
       ASSERT_EQ(wide.row(y)[x], x >= 5 && x < 25 && y < 10 ? kRed : kWhite) << x << ", " << y;
-  const Bitmap tall = frame(file("a.svg", kRedSquare) + " --size 20x40");
+  const Bitmap tall = frame(file("a.SVG", kRedSquare) + " --size 20x40");
   EXPECT_EQ(tall.row(9)[0], kBlack);
   EXPECT_EQ(tall.row(10)[0], kRed);
   EXPECT_EQ(tall.row(20)[0], kBlack);

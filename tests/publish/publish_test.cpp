@@ -23,9 +23,10 @@ struct Outcome {
   std::string output;  // standard output and standard error
 };
 
-Outcome run(const std::string& arguments) {
+// `before`: what the shell does first.
+Outcome run(const std::string& arguments, const std::string& before = "") {
   Outcome outcome;
-  std::FILE* pipe = popen((QUELLARO_HALVO_TOOL " " + arguments + " 2>&1").c_str(), "r");
+  std::FILE* pipe = popen((before + QUELLARO_HALVO_TOOL " " + arguments + " 2>&1").c_str(), "r");
   std::array<char, 4096> buffer;
   while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
     outcome.output.append(buffer.data(), count);
@@ -45,9 +46,11 @@ class Publish : public testing::Test {
       writeFile(cue() / name, content);
     }
   }
-  Outcome publish(const std::string& version, const std::string& more = "--sdk-version 2.0.0") const {
+  Outcome publish(const std::string& version, const std::string& more = "--sdk-version 2.0.0",
+                  const std::string& before = "") const {
     return run("publish " + cue().string() + " --store " + store().string() + " --cue Quel_laro --version '" + version +
-               "' " + more);
+                   "' " + more,
+               before);
   }
   // "version filepath" of the cue for a library version; empty when it is not listed.
   std::string listed(const std::string& sdkVersion, const std::string& name = "quellaro") const {
@@ -122,6 +125,9 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
   }
   writeCue("fine");
   EXPECT_THAT(publish("1").output, HasSubstr("listed already"));
+  // A disk that is full in the middle of a file.
+  EXPECT_THAT(publish("2", "--sdk-version 2.0.0", "trap '' XFSZ; ulimit -f 40; ").output, HasSubstr("File too large"));
+  EXPECT_FALSE(fs::exists(store() / "quellaro/2"));
   for (const char* arguments : {"--version 0", "--version ''", "--cue ..", "--cue a/b", "--cue _", "--sdk-version ''"})
     EXPECT_EQ(publish("5", arguments).status, 2) << arguments;
   EXPECT_EQ(readFile(store() / "version_config.json"), before);

@@ -1,5 +1,7 @@
 #include "frame_source.h"
 
+#include <strings.h>
+
 #include <cmath>
 #include <memory>
 
@@ -9,8 +11,13 @@ namespace halvo {
 
 using namespace quellaro;
 
+bool isSvgDocument(const std::string& path) {
+  constexpr std::string_view kEnding = ".svg";
+  return path.size() >= kEnding.size() && strcasecmp(&path[path.size() - kEnding.size()], kEnding.data()) == 0;
+}
+
 Result<FrameTexts> readFrames(const std::string& source) {
-  if (!source.ends_with(".svg")) return readFrameFile(source);
+  if (!isSvgDocument(source)) return readFrameFile(source);
   auto text = FileManager::readAtPath(source);
   if (!text) return text.error();
   const auto kept = std::make_shared<const std::string>(std::move(*text));

@@ -8,7 +8,10 @@
 
 namespace halvo {
 
-// The frames' texts of an SVG document (one) or of an animation.json. A name that ends in ".svg" means the first.
+// By its name, which then ends in ".svg", however that is capitalised. Any other file is an animation.json.
+bool isSvgDocument(const std::string& path);
+
+// The frames' texts of an SVG document (one) or of an animation.json.
 quellaro::Result<quellaro::FrameTexts> readFrames(const std::string& source);
 
 // Without a size there is nothing to stretch.

@@ -17,7 +17,7 @@ constexpr int kLargestSide = 300;
 constexpr std::size_t kColumnsOfLargest = 5;
 // Thumbnails get smaller until the grid is no higher than this, or they have reached the smallest side.
 constexpr double kGridHeight = 960;
-// Beyond these only every second, third, ... frame is shown: sixteen a row make 4200 pixels.
+// Beyond these only every second, third, ... frame is shown: fifteen a row are 5000 pixels high.
 constexpr std::size_t kMostThumbnails = 600;
 constexpr double kHeaderRoom = 40;
 

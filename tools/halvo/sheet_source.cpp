@@ -94,7 +94,7 @@ Result<SheetSource> readSheetSource(const std::string& path) {
   const std::filesystem::path named = std::filesystem::path(path).lexically_normal();
   source.name = isDirectory && !named.has_filename() ? named.parent_path().filename() : named.filename();
   source.frames.assign(frames->texts.begin(), frames->texts.end());
-  if (file.extension() == ".svg") return source;
+  if (isSvgDocument(file.string())) return source;
   // Beside an animation.json that was named by itself there need be nothing; in a cue directory, what is missing is
   // news.
   const auto beside = [&](const char* name, void (*read)(SheetSource&, const std::string&)) {

@@ -22,12 +22,6 @@ using namespace quellaro;
 constexpr double kLongestTail = 0.5;
 constexpr double kLongestHapticTail = 0.1;
 
-std::string secondsText(double seconds) {
-  std::array<char, 64> text;
-  std::snprintf(text.data(), text.size(), "%.2f s", seconds);
-  return text.data();
-}
-
 Finding findingIn(const char* file, FindingId id, std::string what) {
   return {id, std::move(what), file, std::nullopt, "", "", "", std::nullopt};
 }
@@ -58,6 +52,14 @@ CueFacts checkDirectory(const std::string& directory, Report& report, const Chec
 }
 
 }  // namespace
+
+std::string secondsText(double seconds) {
+  // No cue lasts a month; what does has a digit too many somewhere.
+  constexpr double kLongest = 1e6;
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), seconds < kLongest ? "%.2f s" : "%.3g s", seconds);
+  return text.data();
+}
 
 CueFacts checkSource(const std::string& source, Report& report, const CheckProgress& progress) {
   // What the engine says of odd path data is among the findings.

@@ -16,6 +16,9 @@ struct CueFacts {
   std::optional<double> hapticsEnd;
 };
 
+// "2.75 s".
+std::string secondsText(double seconds);
+
 // Called now and then during long work.
 using CheckProgress = std::function<void(std::size_t framesDone, std::size_t frames)>;
 

@@ -7,6 +7,7 @@
 #include "animation/frame_file.h"
 #include "check/budget.h"
 #include "check/document.h"
+#include "frame_source.h"
 #include "platform/foundation/file_manager.h"
 #include "platform/foundation/json_reader.h"
 #include "platform/foundation/numbers.h"
@@ -96,7 +97,7 @@ bool checkFrames(const std::string& path, const std::string& file, Report& repor
   };
   auto bytes = FileManager::readAtPath(path);
   if (!bytes) return refuse(FindingId::Unreadable, bytes.error().localizedDescription);
-  const bool isDocument = path.ends_with(".svg");
+  const bool isDocument = isSvgDocument(path);
   if (!isDocument && bytes->size() > budget::kAnimationBytes)
     report.add(findingIn(file, FindingId::BudgetBytes,
                          std::to_string(bytes->size()) + " bytes, of " + std::to_string(budget::kAnimationBytes)));

@@ -1,6 +1,3 @@
-#include <array>
-#include <cstdio>
-
 #include "check/output.h"
 
 namespace halvo {
@@ -76,10 +73,7 @@ std::string counted(std::size_t count, const char* noun) {
 std::string factsText(const CueFacts& facts) {
   std::string text = counted(facts.frames, "frame");
   const auto add = [&](const char* name, const std::optional<double>& end) {
-    if (!end) return;
-    std::array<char, 64> part;
-    std::snprintf(part.data(), part.size(), ", %s %.2f s", name, *end);
-    text += part.data();
+    if (end) text += std::string(", ") + name + " " + secondsText(*end);
   };
   add("animation", facts.animationEnd);
   add("sound", facts.soundEnd);
