@@ -21,7 +21,7 @@ constexpr unsigned hexDigit(char c) {
 }  // namespace
 
 std::size_t NSScanner::scanDoubles(std::span<double> into) {
-  bool usual = into.size() > 1 && skipped_->byLowBits() != nullptr && canScanNumberWindow();
+  bool usual = true;
   std::size_t count = 0;
   while (count < into.size()) {
     const char* const start = afterSkipped();
@@ -37,6 +37,7 @@ std::size_t NSScanner::scanDoubles(std::span<double> into) {
 }
 
 std::size_t NSScanner::scanUsualDoubles(const char* const start, std::span<double> into) {
+  if (into.size() < 2 || skipped_->byLowBits() == nullptr || !canScanNumberWindow()) return 0;
   const char* p = start;
   std::array<char, kNumberWindow> padded;
   if (end_ - start < kNumberWindow) {
