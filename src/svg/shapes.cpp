@@ -1,6 +1,7 @@
 #include "svg/shapes.h"
 
 #include <array>
+#include <span>
 
 #include "platform/foundation/limits.h"
 #include "platform/foundation/numbers.h"
@@ -39,11 +40,14 @@ std::vector<double> parseNumberList(std::string_view text, std::string_view* res
   static constexpr NSCharacterSet kSeparators{" ,\n"};
   std::vector<double> numbers;
   NSScanner scanner(text, kSeparators);
-  while (numbers.size() < 2 * limits::kPathPoints) {
-    const std::optional<double> number = scanner.scanDouble();
-    if (!number) break;
-    numbers.push_back(*number);
+  constexpr std::size_t kAtOnce = 64;
+  static_assert(2 * limits::kPathPoints % kAtOnce == 0);
+  std::size_t count = 0;
+  for (std::size_t read = kAtOnce; read == kAtOnce && count < 2 * limits::kPathPoints; count += read) {
+    numbers.resize(count + kAtOnce);
+    read = scanner.scanDoubles(std::span(numbers).subspan(count));
   }
+  numbers.resize(count);
   if (rest != nullptr) *rest = scanner.rest();
   return numbers;
 }

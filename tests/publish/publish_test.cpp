@@ -126,7 +126,9 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
   writeCue("fine");
   EXPECT_THAT(publish("1").output, HasSubstr("listed already"));
   // A disk that is full in the middle of a file.
-  EXPECT_THAT(publish("2", "--sdk-version 2.0.0", "trap '' XFSZ; ulimit -f 40; ").output, HasSubstr("File too large"));
+  const Outcome full = publish("2", "--sdk-version 2.0.0", "trap '' XFSZ; ulimit -f 40; ");
+  EXPECT_EQ(full.status, 1);
+  EXPECT_THAT(full.output, HasSubstr("File too large"));
   EXPECT_FALSE(fs::exists(store() / "quellaro/2"));
   for (const char* arguments : {"--version 0", "--version ''", "--cue ..", "--cue a/b", "--cue _", "--sdk-version ''"})
     EXPECT_EQ(publish("5", arguments).status, 2) << arguments;

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <memory>
+#include <string_view>
 
 #include "platform/foundation/file_manager.h"
 
@@ -13,7 +14,7 @@ using namespace quellaro;
 
 bool isSvgDocument(const std::string& path) {
   constexpr std::string_view kEnding = ".svg";
-  return path.size() >= kEnding.size() && strcasecmp(&path[path.size() - kEnding.size()], kEnding.data()) == 0;
+  return path.size() >= kEnding.size() && strcasecmp(path.c_str() + path.size() - kEnding.size(), kEnding.data()) == 0;
 }
 
 Result<FrameTexts> readFrames(const std::string& source) {

@@ -2,12 +2,11 @@
 
 #include <array>
 #include <bit>
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-// The innermost loop of reading frames: they are made of numbers, most of them short. Eight characters are looked at as
-// one 64-bit word, the first in its lowest byte.
+// One number at a time, on every processor. Most are short: eight characters are looked at as one 64-bit word, the
+// first in its lowest byte.
 namespace quellaro {
 
 namespace swar {

@@ -127,7 +127,7 @@ QUELLARO_INLINE_AVX2 __m128d read(const Number& one, const Number& other) {
 
 }  // namespace
 
-bool canScanNumberWindow() { return hasAvx2(); }
+bool canScanNumberWindow() { return hasAvx2AndBmi(); }
 
 QUELLARO_AVX2 std::size_t scanNumberWindow(const char*& p, const SeparatorTable& separators, std::span<double> into) {
   const Characters characters = classify(p, separators);

@@ -54,7 +54,7 @@ Number beyondRange(std::string_view text, char exponentMarker, int placesPerDigi
     if (!leading && !fraction) places += placesPerDigit;
   }
   scanExponent(p, last, exponentMarker, places);
-  return places > 0 ? std::numeric_limits<Number>::infinity() : Number{0};
+  return places > 0 && !leading ? std::numeric_limits<Number>::infinity() : Number{0};
 }
 
 const char* skipDigits(const char* p, const char* last) {

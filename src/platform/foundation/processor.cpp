@@ -9,7 +9,7 @@ namespace quellaro {
 namespace {
 
 // The compiler's own question brings in 4 KB of code.
-bool askForAvx2() {
+bool askForAvx2AndBmi() {
 #if defined(__x86_64__)
   unsigned a = 0;
   unsigned b = 0;
@@ -28,8 +28,8 @@ bool askForAvx2() {
 
 }  // namespace
 
-bool hasAvx2() {
-  static const bool has = askForAvx2();
+bool hasAvx2AndBmi() {
+  static const bool has = askForAvx2AndBmi();
   return has;
 }
 

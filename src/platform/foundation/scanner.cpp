@@ -21,22 +21,23 @@ constexpr unsigned hexDigit(char c) {
 }  // namespace
 
 std::size_t NSScanner::scanDoubles(std::span<double> into) {
-  bool usual = true;
+  // A pair alone is not worth a look at sixty-four characters.
+  bool many = into.size() > 2;
   std::size_t count = 0;
   while (count < into.size()) {
     const char* const start = afterSkipped();
     // Most often a letter ends a list.
     if (start == end_ || lower(*start) >= 'a') break;
-    const std::size_t read = usual ? scanUsualDoubles(start, into.subspan(count)) : 0;
-    // Unusual numbers seldom come alone.
-    usual = read > 0;
-    if (!usual && !scanAnyDouble(start, into[count])) break;
-    count += usual ? read : 1;
+    const std::size_t read = many ? scanManyDoubles(start, into.subspan(count)) : 0;
+    // Once that fails the rest is read one by one: unusual numbers seldom come alone.
+    many = read > 0;
+    if (!many && !scanAnyDouble(start, into[count])) break;
+    count += many ? read : 1;
   }
   return count;
 }
 
-std::size_t NSScanner::scanUsualDoubles(const char* const start, std::span<double> into) {
+std::size_t NSScanner::scanManyDoubles(const char* const start, std::span<double> into) {
   if (into.size() < 2 || skipped_->byLowBits() == nullptr || !canScanNumberWindow()) return 0;
   const char* p = start;
   std::array<char, kNumberWindow> padded;

@@ -15,8 +15,10 @@ namespace quellaro {
 class NSCharacterSet {
  public:
   constexpr explicit NSCharacterSet(std::string_view members) {
+    // No character with these low bits is that one.
     for (std::size_t bits = 0; bits < byLowBits_.size(); ++bits) byLowBits_[bits] = static_cast<char>(bits ^ 1);
     for (const char c : members) {
+      // Refuses what is not ASCII.
       contains_.at(static_cast<std::size_t>(c)) = true;
       char& slot = byLowBits_[static_cast<std::size_t>(c) % byLowBits_.size()];
       lowBitsDiffer_ = lowBitsDiffer_ && (slot == c || (slot ^ c) % 16 != 0);
@@ -75,9 +77,10 @@ class NSScanner {
   bool getScannedString(std::string_view literal, std::string* into);
 
  private:
-  // Both begin behind what is skipped. Those numbers of a list that are read many at a time, maybe none:
-  std::size_t scanUsualDoubles(const char* start, std::span<double> into);
-  // Any number:
+  // Reads numbers from `start`, where nothing is left to skip, many at a time, and gives how many; none when the next
+  // has to be read by itself.
+  std::size_t scanManyDoubles(const char* start, std::span<double> into);
+  // Reads the number at `start`, of any form.
   bool scanAnyDouble(const char* start, double& value);
 
   const char* afterSkipped() const {

@@ -41,11 +41,7 @@ UIBezierPath UIBezierPath::bezierPathWithOvalInRect(CGRect rect) {
 }
 
 void UIBezierPath::addCircleWithCenter(CGPoint center, double radius) {
-  const CGPoint start{center.x + radius, center.y};
-  if (path_.empty())
-    path_.moveTo(start);
-  else
-    path_.lineTo(start);
+  moveToPoint({center.x + radius, center.y});
   addQuarters(*this, center, radius, radius);
 }
 

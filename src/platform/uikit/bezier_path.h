@@ -20,8 +20,7 @@ class UIBezierPath {
   void addLineToPoint(CGPoint to) { path_.lineTo(to); }
   void addCurveToPoint(CGPoint to, CGPoint control1, CGPoint control2) { path_.cubicTo(control1, control2, to); }
   void addQuadCurveToPoint(CGPoint to, CGPoint control) { path_.quadTo(control, to); }
-  // The arc that goes all round, clockwise from the rightmost point, not closed. It is joined to the current point by a
-  // line, or begun by a move when there is none.
+  // The arc that goes all round, clockwise from the rightmost point. As every arc it is not closed by itself.
   void addCircleWithCenter(CGPoint center, double radius);
   void closePath() { path_.close(); }
 

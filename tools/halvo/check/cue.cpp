@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 
 #include "assets/file_manager.h"
 #include "check/frames.h"
@@ -54,10 +55,10 @@ CueFacts checkDirectory(const std::string& directory, Report& report, const Chec
 }  // namespace
 
 std::string secondsText(double seconds) {
-  // No cue lasts a month; what does has a digit too many somewhere.
+  // No cue lasts a week; one that does has a digit too many somewhere.
   constexpr double kLongest = 1e6;
   std::array<char, 32> text;
-  std::snprintf(text.data(), text.size(), seconds < kLongest ? "%.2f s" : "%.3g s", seconds);
+  std::snprintf(text.data(), text.size(), std::fabs(seconds) < kLongest ? "%.2f s" : "%.3g s", seconds);
   return text.data();
 }
 

@@ -143,7 +143,7 @@ const SpanFunctions& vectorSpans() { return kVector; }
 
 const SpanFunctions& fastestSpans() {
 #if defined(__x86_64__)
-  if (hasAvx2()) return kAvx2;
+  if (hasAvx2AndBmi()) return kAvx2;
 #endif
   return kVector;
 }
