@@ -144,6 +144,36 @@ TEST(Drawing, AStrokeWiderThanItsCurveHasNoHole) {
     for (int x = 2; x < 8; ++x) EXPECT_EQ(bitmap.row(y)[x], 0xffff0000) << x << ", " << y;
 }
 
+// Large pictures of wide strokes: a curve's first and last chord point elsewhere than it does.
+TEST(Drawing, CurvesBeginAndEndAcrossTheirDirection) {
+  constexpr double k = 0.5522847498307936;
+  CGPath arch;
+  arch.moveTo({200, 600});
+  arch.cubicTo({200, 300}, {800, 300}, {800, 600});
+  CGPath ring;  // not closed
+  ring.moveTo({900, 500});
+  ring.cubicTo({900, 500 + 400 * k}, {500 + 400 * k, 900}, {500, 900});
+  ring.cubicTo({500 - 400 * k, 900}, {100, 500 + 400 * k}, {100, 500});
+  ring.cubicTo({100, 500 - 400 * k}, {500 - 400 * k, 100}, {500, 100});
+  ring.cubicTo({500 + 400 * k, 100}, {900, 500 - 400 * k}, {900, 500});
+  const struct {
+    CGPath path;
+    int left, right, end;
+    std::uint32_t beyond;
+  } cases[] = {{arch, 51, 349, 600, 0}, {arch, 651, 949, 600, 0}, {ring, 751, 999, 500, 0xffff0000}};
+  for (const auto& c : cases) {
+    CAShapeLayer layer;
+    layer.setPath(std::make_shared<CGPath>(c.path));
+    layer.setStrokeColor(kRed);
+    layer.setLineWidth(300);
+    const Bitmap bitmap = drawn(layer, 1000, 1000);
+    for (int x = c.left; x < c.right; ++x) {
+      ASSERT_EQ(bitmap.row(c.end - 1)[x], 0xffff0000) << x;
+      ASSERT_EQ(bitmap.row(c.end)[x], c.beyond) << x;
+    }
+  }
+}
+
 // Every number that makes trouble, in every place. The sanitizers judge; the picture may be anything.
 TEST(Drawing, AnyMixtureOfNumbersIsDrawnInTime) {
   const double numbers[] = {0,    -0.0, 1,     -1,   0.5,    20,      1e-308,   1e-30,     255.999,   1e4,

@@ -53,6 +53,15 @@ Box visibleBox(const Affine& transform, const PixelRect& area) {
   return finite ? box : Box{-kFarAway, -kFarAway, kFarAway, kFarAway};
 }
 
+// A stroke that reaches far beyond all there is shows nothing else when it is wider still, but its edges would lose the
+// digits of where it is.
+double widthThatShows(double lineWidth, const Box& outline, const Box& visible) {
+  constexpr double kFarBeyond = 1000;
+  const double width = std::max(outline.maxX, visible.maxX) - std::min(outline.minX, visible.minX);
+  const double height = std::max(outline.maxY, visible.maxY) - std::min(outline.minY, visible.minY);
+  return std::min({lineWidth, kFarBeyond * (width + height), kFarAway});
+}
+
 }  // namespace
 
 template <class AddEdges>
@@ -92,7 +101,7 @@ void Painter::stroke(const Surface& surface, const CGPath& path, const Affine& t
                      const CGColor& color) {
   const std::optional<Box> box = pointBox(path);
   if (!box || !(lineWidth > 0)) return;
-  const double width = std::min(lineWidth, kFarAway);
+  const double width = widthThatShows(lineWidth, *box, visibleBox(transform, {0, 0, surface.width, surface.height}));
   paint(surface, map(transform, box->grown(StrokeSink::reach(width))), color, [&](const PixelRect& area) {
     StrokeSink sink(rasterizer_, toArea(transform, area), width, visibleBox(transform, area));
     walkOutline(path, Affine{}, sink);

@@ -52,7 +52,6 @@ void StrokeSink::move(CGPoint to) {
 void StrokeSink::line(CGPoint to) {
   const CGPoint way = to - current_;
   if (isZero(way)) return;
-  if (!first_) startTangent_ = unit(way);
   joinTowards(way);
   segmentTo(to, Corner::Join);
   endTangent_ = last_.direction;
@@ -60,11 +59,15 @@ void StrokeSink::line(CGPoint to) {
 
 void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
   const CGPoint begin = current_;
-  // The curve begins with a join like any segment; the corners between its chords are no joins.
+  // The curve begins with a join like any segment, or the outline's end; the corners between its chords are no joins.
   Corner corner = Corner::Join;
   if (const CGPoint tangent = firstWay({control1 - begin, control2 - begin, to - begin}); !isZero(tangent)) {
-    if (!first_) startTangent_ = unit(tangent);
-    if (joinTowards(tangent)) corner = Corner::WithinCurve;
+    if (!first_) {
+      beginWith(segmentAlong(unit(tangent), 0));
+      corner = Corner::WithinCurve;
+    } else if (joinTowards(tangent)) {
+      corner = Corner::WithinCurve;
+    }
   }
   emitVisibleChords(
       Cubic{current_, control1, control2, to}, tolerance_, [this](const Box& box) { return box.overlaps(visible_); },
@@ -96,7 +99,7 @@ bool StrokeSink::joinTowards(CGPoint way) {
 
 void StrokeSink::close() {
   line(start_);
-  joinTowards(startTangent_);
+  if (first_) joinTowards(first_->direction);
   endClosed();
   current_ = start_;
 }
@@ -110,15 +113,19 @@ void StrokeSink::segmentTo(CGPoint to, Corner corner) {
   const double length = std::sqrt(dot(way, way));
   if (length == 0) return;
   const Segment segment = segmentAlong({way.x / length, way.y / length}, length);
-  if (first_) {
+  if (first_)
     turn(current_, last_, segment, corner);
-  } else {
-    first_ = segment;
-    left_.start = left_.reached = toArea_.map(current_ + segment.normal);
-    right_.start = right_.reached = toArea_.map(current_ - segment.normal);
-  }
+  else
+    beginWith(segment);
+  if (first_->length == 0) first_->length = length;
   last_ = segment;
   current_ = to;
+}
+
+void StrokeSink::beginWith(const Segment& segment) {
+  first_ = last_ = segment;
+  left_.start = left_.reached = toArea_.map(current_ + segment.normal);
+  right_.start = right_.reached = toArea_.map(current_ - segment.normal);
 }
 
 void StrokeSink::turn(CGPoint at, const Segment& from, const Segment& to, Corner corner) {
@@ -133,8 +140,14 @@ void StrokeSink::turn(CGPoint at, const Segment& from, const Segment& to, Corner
   const CGPoint miter = folds ? CGPoint{} : (from.normal + to.normal) * (1 / (1 + cosine));
   // The inner lines meet on the segments themselves when each has room; the other half is for its other end.
   const double needed = folds ? 0 : halfWidth_ * std::fabs(sine) / (1 + cosine);
-  const bool meets = !folds && needed <= std::min(from.length, to.length) / 2;
-  turnInside(inside, at, at + from.normal * towardsInside, at + to.normal * towardsInside, at + miter * towardsInside,
+  bool meets = !folds && needed <= std::min(from.length, to.length) / 2;
+  CGPoint meeting = miter;
+  // At an end they meet on the line across it.
+  if (from.length == 0 || to.length == 0) {
+    meets = halfWidth_ * std::fabs(sine) <= std::max(from.length, to.length) && cosine > 0;
+    meeting = from.length == 0 ? from.normal : to.normal;
+  }
+  turnInside(inside, at, at + from.normal * towardsInside, at + to.normal * towardsInside, at + meeting * towardsInside,
              meets);
   turnOutside(outside, at, from, to, miter, corner);
 }
@@ -179,6 +192,11 @@ void StrokeSink::extend(Side& side, CGPoint to) {
 
 void StrokeSink::endOpen() {
   if (!first_) return;
+  if (endTangent_.x != last_.direction.x || endTangent_.y != last_.direction.y) {
+    const Segment end = segmentAlong(endTangent_, 0);
+    turn(current_, last_, end, Corner::WithinCurve);
+    last_ = end;
+  }
   extend(left_, current_ + last_.normal);
   extend(right_, current_ - last_.normal);
   rasterizer_.clippedEdge(left_.reached, right_.reached);

@@ -44,6 +44,7 @@ class StrokeSink {
   };
 
   Segment segmentAlong(CGPoint direction, double length) const;
+  void beginWith(const Segment& segment);
   void segmentTo(CGPoint to, Corner corner);
   // Draws the join when the outline has a corner here; the next segment then goes on along `way`.
   bool joinTowards(CGPoint way);
@@ -65,8 +66,7 @@ class StrokeSink {
   CGPoint current_;
   std::optional<Segment> first_;
   Segment last_;
-  // Of the outline, of length 1; chords point elsewhere.
-  CGPoint startTangent_;
+  // Of the outline where it has got to, of length 1; a curve's last chord points elsewhere.
   CGPoint endTangent_;
   Side left_;
   Side right_;
