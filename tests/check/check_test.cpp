@@ -135,7 +135,7 @@ TEST_F(Check, SourcesOfEveryKindGetAnAnswer) {
       {"--colour x", 2, "unknown option"},
       {"--help", 0, "docs/authoring.md"},
       {"/nowhere", 1, "error: No such file or directory [unreadable]"},
-      {"/dev/null", 1, "[unreadable]"},
+      {"/dev/null", 1, "no JSON found [json]"},
       {directory_.path().string(), 1, " errors"},
       {file("null.json", "null"), 1, "this is null [no-frames]"},
       {file("mixed.json", R"(["<svg/>", 2])"), 1, "Frame_2 is no text, but a number"},

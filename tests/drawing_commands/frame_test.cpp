@@ -41,6 +41,8 @@ TEST_F(DrawingCommands, FrameStretchesTheDocumentOverACentredSquare) {
     for (int x = 0; x < 30; ++x)
       ASSERT_EQ(wide.row(y)[x], x >= 5 && x < 25 && y < 10 ? kRed : kWhite) << x << ", " << y;
   const Bitmap tall = frame(file("a.SVG", kRedSquare) + " --size 20x40");
+  // A pipe has no name that tells.
+  EXPECT_EQ(frame("- < " + file("a.SVG", kRedSquare) + " --size 20x40").pixels, tall.pixels);
   EXPECT_EQ(tall.row(9)[0], kBlack);
   EXPECT_EQ(tall.row(10)[0], kRed);
   EXPECT_EQ(tall.row(20)[0], kBlack);
@@ -57,8 +59,11 @@ TEST_F(DrawingCommands, FrameChoosesByNumber) {
 TEST_F(DrawingCommands, WhatCannotBeShownIsJustTheBackground) {
   for (const char* document :
        {"", "<g/>", "<svg width='0' height='10'><rect x='0' y='0' width='9' height='9' fill='#f00'/></svg>"}) {
-    const Bitmap picture = frame(file("b.svg", document) + " --size 3x2 --background white");
-    EXPECT_EQ(picture.pixels, std::vector<std::uint32_t>(6, kWhite)) << document;
+    const std::string output = directory_ / "b.png";
+    const Ran ran = halvo("frame " + file("b.svg", document) + " --size 3x2 --background white -o " + output);
+    EXPECT_EQ(ran.status, 0);
+    EXPECT_NE(ran.output.find("no size"), std::string::npos) << ran.output;
+    EXPECT_EQ(readPng(output).pixels, std::vector<std::uint32_t>(6, kWhite)) << document;
   }
 }
 
@@ -75,12 +80,20 @@ TEST_F(DrawingCommands, UnusableArgumentsAndFilesAreToldApart) {
       {"frame " + svg + output + " --size 0x4", 2, "--size"},
       {"frame " + svg + output + " --background red", 2, "black or white"},
       {"frame " + svg + output + " --number 2", 2, "1 frame"},
-      {"frame " + file("none.json", "[]") + output, 2, "0 frames"},
+      {"frame " + file("none.json", "[]") + output, 1, "no frames"},
       {"frame " + file("broken.json", "[") + output, 1, "JSON"},
       {"frame " + (directory_ / "absent.svg").string() + output, 1, "absent.svg"},
       {"frame " + svg + " -o " + (directory_ / "absent/out.png").string(), 1, "absent/out.png"},
       {"bench " + svg + " --repeat 0", 2, "--repeat"},
       {"bench " + directory_.path().string(), 1, "animation.json"},
+      {"layers - < " + directory_.path().string(), 1, "directory"},
+      {"layers - " + svg + " < " + svg, 0, "bounds"},
+      {"layers /dev/zero", 1, "File too large"},
+      {"help", 0, "Commands:"},
+      {"help frame", 0, "-o OUT.png"},
+      {"help frames", 2, "unknown command frames"},
+      {"frame -h", 0, "-o OUT.png"},
+      {"--version", 0, "halvo 1."},
   };
   for (const auto& c : cases) {
     const Ran ran = halvo(c.arguments);

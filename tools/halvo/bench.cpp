@@ -10,6 +10,7 @@
 #include "frame_source.h"
 #include "frame_view.h"
 #include "options.h"
+#include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
 #include "platform/quartzcore/compositor.h"
 
@@ -66,11 +67,11 @@ class Benchmark {
       : source_(std::move(source)), view_(makeView(size, QLHalvoBackground::black)), bitmap_(size.width, size.height) {}
 
   std::optional<NSError> round() {
-    Result<FrameTexts> texts = FrameTexts();
-    decode_.time([&] { texts = readFrames(source_); });
-    if (!texts) return texts.error();
+    Result<FrameSource> source = FrameSource();
+    decode_.time([&] { source = readFrames(source_); });
+    if (!source) return source.error();
     std::vector<std::shared_ptr<const SVGDocument>> documents;
-    parse_.time([&] { documents = parseFrames(std::move(*texts)); });
+    parse_.time([&] { documents = parseFrames(std::move(source->frames)); });
     layers_.time([&] {
       for (const auto& document : documents) showFrame(*view_, document);
       showFrame(*view_, nullptr);
@@ -128,6 +129,8 @@ int bench(int argc, char** argv) {
 
   std::string source = parsed.positional[0];
   if (FileManager::directoryExistsAtPath(source)) source += "/animation.json";
+  // Standard output is for one line.
+  setConsoleSink([](std::string_view line) { std::fwrite(line.data(), 1, line.size(), stderr); });
   Benchmark benchmark(source, size);
   for (std::int64_t i = 0; i < repeat; ++i)
     if (const auto error = benchmark.round()) return failure(source + ": " + error->localizedDescription);

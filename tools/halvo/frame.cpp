@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <cstdio>
 
 #include "commands.h"
 #include "frame_source.h"
@@ -33,13 +34,16 @@ int frame(int argc, char** argv) {
   if (output.empty()) return usageError("frame", "-o OUT.png is missing");
 
   const std::string& source = parsed.positional[0];
-  auto frames = readFrames(source);
-  if (!frames) return failure(source + ": " + frames.error().localizedDescription);
-  if (static_cast<std::uint64_t>(number) > frames->texts.size())
+  const auto read = readFrames(source);
+  if (!read) return failure(source + ": " + read.error().localizedDescription);
+  const auto& texts = read->frames.texts;
+  if (texts.empty()) return failure(source + ": there are no frames");
+  if (static_cast<std::uint64_t>(number) > texts.size())
     return usageError("frame", "--number " + std::to_string(number) + ": " + source + " has " +
-                                   std::to_string(frames->texts.size()) +
-                                   (frames->texts.size() == 1 ? " frame" : " frames"));
-  const auto document = quellaro::SVGDocument::parse(std::string(frames->texts[static_cast<std::size_t>(number - 1)]));
+                                   std::to_string(texts.size()) + (texts.size() == 1 ? " frame" : " frames"));
+  const auto document = quellaro::SVGDocument::parse(std::string(texts[static_cast<std::size_t>(number - 1)]));
+  if (!document->viewbox() || !canBeShown(*document->viewbox()))
+    std::fprintf(stderr, "halvo: %s: the document has no size, so the picture is empty\n", source.c_str());
   const auto view = makeView(size, background);
   showFrame(*view, document);
   quellaro::Bitmap bitmap(size.width, size.height);

@@ -4,25 +4,36 @@
 
 #include <cmath>
 #include <memory>
-#include <string_view>
+#include <utility>
 
-#include "platform/foundation/file_manager.h"
+#include "input.h"
 
 namespace halvo {
 
 using namespace quellaro;
 
-bool isSvgDocument(const std::string& path) {
+bool isSvgDocument(const std::string& path, std::string_view text) {
   constexpr std::string_view kEnding = ".svg";
-  return path.size() >= kEnding.size() && strcasecmp(path.c_str() + path.size() - kEnding.size(), kEnding.data()) == 0;
+  if (path.size() >= kEnding.size() && strcasecmp(path.c_str() + path.size() - kEnding.size(), kEnding.data()) == 0)
+    return true;
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  const std::size_t start = text.find_first_not_of(" \t\r\n");
+  return start != std::string_view::npos && text[start] == '<';
 }
 
-Result<FrameTexts> readFrames(const std::string& source) {
-  if (!isSvgDocument(source)) return readFrameFile(source);
-  auto text = FileManager::readAtPath(source);
+FrameTexts framesOfDocument(std::string text) {
+  const auto kept = std::make_shared<const std::string>(std::move(text));
+  return {kept, {*kept}, {}};
+}
+
+Result<FrameSource> readFrames(const std::string& path) {
+  auto text = readInput(path);
   if (!text) return text.error();
-  const auto kept = std::make_shared<const std::string>(std::move(*text));
-  return FrameTexts{kept, {*kept}, {}};
+  if (isSvgDocument(path, *text)) return FrameSource{framesOfDocument(std::move(*text)), true};
+  auto frames = decodeFrames(std::move(*text));
+  if (!frames) return frames.error();
+  return FrameSource{std::move(*frames), false};
 }
 
 bool canBeShown(const CGSize& size) {

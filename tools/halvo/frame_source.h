@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "animation/frame_file.h"
 #include "platform/coregraphics/geometry.h"
@@ -8,11 +9,19 @@
 
 namespace halvo {
 
-// By its name, which then ends in ".svg", however that is capitalised. Any other file is an animation.json.
-bool isSvgDocument(const std::string& path);
+// Whether a file is one SVG document, rather than an animation.json: its name ends in ".svg", however that is
+// capitalised, or its text begins as a document's.
+bool isSvgDocument(const std::string& path, std::string_view text);
+
+// A document as the only frame.
+quellaro::FrameTexts framesOfDocument(std::string text);
 
 // The frames' texts of an SVG document (one) or of an animation.json.
-quellaro::Result<quellaro::FrameTexts> readFrames(const std::string& source);
+struct FrameSource {
+  quellaro::FrameTexts frames;
+  bool isDocument = false;
+};
+quellaro::Result<FrameSource> readFrames(const std::string& path);
 
 // Without a size there is nothing to stretch.
 bool canBeShown(const quellaro::CGSize& size);

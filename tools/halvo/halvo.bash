@@ -4,7 +4,7 @@ _halvo() {
   local command=${COMP_WORDS[1]}
   COMPREPLY=()
   if [ "$COMP_CWORD" -eq 1 ]; then
-    mapfile -t COMPREPLY < <(compgen -W "--help $("$tool" --help 2>/dev/null | sed -n 's/^  \([a-z]*\) .*/\1/p')" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W "--help --version $("$tool" --help 2>/dev/null | sed -n 's/^  \([a-z]*\) .*/\1/p')" -- "$current")
     return
   fi
   case $previous in
@@ -16,7 +16,7 @@ _halvo() {
     *)
       if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$("$tool" "$command" --help 2>/dev/null | grep -o -- '^  .*' |
-          grep -oE -- '^  (-o, )?--?[a-z-]+' | tr -d ' ' | tr ',' '\n')" -- "$current")
+          grep -oE -- '^  (-[a-z], )?--?[a-z-]+' | tr -d ' ' | tr ',' '\n')" -- "$current")
       elif [ "$command" = play ] && [ "$COMP_CWORD" -eq 2 ]; then
         mapfile -t COMPREPLY < <(compgen -W "quellaro" -- "$current")
       else

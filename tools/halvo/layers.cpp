@@ -1,14 +1,12 @@
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <iostream>
 #include <memory>
 #include <vector>
 
 #include "commands.h"
+#include "input.h"
 #include "options.h"
 #include "platform/foundation/console.h"
-#include "platform/foundation/file_manager.h"
 #include "platform/foundation/json_writer.h"
 #include "platform/foundation/numbers.h"
 #include "platform/quartzcore/shape_layer.h"
@@ -122,19 +120,6 @@ class LayerWriter {
   std::vector<Level> open_;
 };
 
-Result<std::string> readStandardInput() {
-  std::string text;
-  while (std::cin && text.size() <= limits::kFileBytes) {
-    const std::size_t before = text.size();
-    text.resize(before + kChunk);
-    std::cin.read(text.data() + before, kChunk);
-    text.resize(before + static_cast<std::size_t>(std::cin.gcount()));
-  }
-  if (std::cin.bad()) return posixError(errno);
-  if (text.size() > limits::kFileBytes) return posixError(EFBIG);
-  return text;
-}
-
 void printLayers(std::string text) {
   const std::shared_ptr<SVGDocument> document = SVGDocument::parse(std::move(text));
   if (const std::shared_ptr<CALayer> layer = document->makeLayer())
@@ -160,7 +145,7 @@ int layers(int argc, char** argv) {
   setConsoleSink([](std::string_view line) { std::fwrite(line.data(), 1, line.size(), stderr); });
   int status = kExitFine;
   for (const std::string& name : parsed.positional) {
-    Result<std::string> text = name == "-" ? readStandardInput() : FileManager::readAtPath(name);
+    Result<std::string> text = readInput(name);
     if (text)
       printLayers(std::move(*text));
     else

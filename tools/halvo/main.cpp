@@ -3,6 +3,7 @@
 
 #include "commands.h"
 #include "options.h"
+#include "public/quellaro_halvo.h"
 
 namespace {
 
@@ -21,13 +22,30 @@ constexpr Command kCommands[] = {
     {"bench", "measure what it costs to show a cue's frames", halvo::bench},
     {"sheet", "draw a cue as a contact sheet", halvo::sheet},
     {"check", "tell what a cue holds that the player would trip over or ignore", halvo::check},
-    {"help", "print this", nullptr},
+    {"help", "print this, or what one command takes", nullptr},
 };
 
 void printHelp(std::FILE* file) {
   std::fputs("Usage: halvo COMMAND [arguments]\n\nCommands:\n", file);
   for (const Command& command : kCommands) std::fprintf(file, "  %-8s %s\n", command.name, command.summary);
-  std::fputs("\n'halvo COMMAND --help' tells more.\n", file);
+  std::fputs("\n'halvo COMMAND --help' tells more; 'halvo --version' prints the version.\n", file);
+}
+
+int run(const std::string& name, int argc, char** argv) {
+  for (const Command& command : kCommands)
+    if (command.name == name && command.run != nullptr) return command.run(argc, argv);
+  std::fprintf(stderr, "halvo: unknown command %s\nTry 'halvo --help'.\n", name.c_str());
+  return halvo::kExitUsage;
+}
+
+int help(int argc, char** argv) {
+  if (argc > 1) {
+    std::string option = "--help";
+    char* arguments[] = {argv[1], option.data(), nullptr};
+    return run(argv[1], 2, arguments);
+  }
+  printHelp(stdout);
+  return halvo::kExitFine;
 }
 
 }  // namespace
@@ -38,12 +56,10 @@ int main(int argc, char** argv) {
     return halvo::kExitUsage;
   }
   const std::string name = argv[1];
-  if (name == "--help" || name == "help") {
-    printHelp(stdout);
+  if (name == "--help" || name == "-h" || name == "help") return help(argc - 1, argv + 1);
+  if (name == "--version") {
+    std::printf("halvo %s\n", quellaro_halvo_version());
     return halvo::kExitFine;
   }
-  for (const Command& command : kCommands)
-    if (command.name == name && command.run != nullptr) return command.run(argc - 1, argv + 1);
-  std::fprintf(stderr, "halvo: unknown command %s\nTry 'halvo --help'.\n", name.c_str());
-  return halvo::kExitUsage;
+  return run(name, argc - 1, argv + 1);
 }

@@ -23,7 +23,7 @@ void printHelp(const CommandLine& commandLine) {
     rows.emplace_back((option.letter == '\0' ? "" : std::string{'-', option.letter, ',', ' '}) + "--" + option.name +
                           (option.value.empty() ? "" : " " + option.value),
                       option.help);
-  rows.emplace_back("--help", "print this and stop");
+  rows.emplace_back("-h, --help", "print this and stop");
   std::size_t width = 0;
   for (const auto& row : rows) width = std::max(width, row.first.size());
   for (const auto& [left, right] : rows)
@@ -46,7 +46,7 @@ Parsed parse(const CommandLine& commandLine, int argc, char** argv) {
     longOptions.push_back({known.name.c_str(), known.value.empty() ? no_argument : required_argument, nullptr,
                            kFirstOptionValue + static_cast<int>(i)});
   }
-  std::string letters = ":";
+  std::string letters = ":h";
   for (const Option& known : commandLine.options)
     if (known.letter != '\0') letters += std::string(1, known.letter) + (known.value.empty() ? "" : ":");
   longOptions.push_back({"help", no_argument, nullptr, kHelpValue});
@@ -58,7 +58,7 @@ Parsed parse(const CommandLine& commandLine, int argc, char** argv) {
   while (true) {
     int value = getopt_long(argc, argv, letters.c_str(), longOptions.data(), nullptr);
     if (value == -1) break;
-    if (value == kHelpValue) {
+    if (value == kHelpValue || value == 'h') {
       printHelp(commandLine);
       parsed.exitStatus = kExitFine;
       return parsed;

@@ -42,7 +42,7 @@ struct Parsed {
   std::optional<int> exitStatus;
 };
 
-// argv[0] is the command's name. "--help" is always understood.
+// argv[0] is the command's name. "--help" and "-h" are always understood.
 Parsed parse(const CommandLine& commandLine, int argc, char** argv);
 
 // Ready-made `apply` functions.

@@ -86,20 +86,21 @@ Result<SheetSource> readSheetSource(const std::string& path) {
   const bool isDirectory = FileManager::directoryExistsAtPath(path);
   const std::filesystem::path file =
       isDirectory ? std::filesystem::path(path) / "animation.json" : std::filesystem::path(path);
-  auto frames = readFrames(file.string());
-  if (!frames) return NSError{"halvo", 0, file.string() + ": " + frames.error().localizedDescription};
-  if (frames->texts.empty()) return NSError{"halvo", 0, file.string() + ": there are no frames"};
+  auto read = readFrames(file.string());
+  if (!read) return NSError{"halvo", 0, file.string() + ": " + read.error().localizedDescription};
+  const FrameTexts& frames = read->frames;
+  if (frames.texts.empty()) return NSError{"halvo", 0, file.string() + ": there are no frames"};
 
   SheetSource source;
   const std::filesystem::path named = std::filesystem::path(path).lexically_normal();
   source.name = isDirectory && !named.has_filename() ? named.parent_path().filename() : named.filename();
-  source.frames.assign(frames->texts.begin(), frames->texts.end());
-  if (isSvgDocument(file.string())) return source;
+  source.frames.assign(frames.texts.begin(), frames.texts.end());
+  if (read->isDocument) return source;
   // Beside an animation.json that was named by itself there need be nothing; in a cue directory, what is missing is
   // news.
-  const auto beside = [&](const char* name, void (*read)(SheetSource&, const std::string&)) {
+  const auto beside = [&](const char* name, void (*readInto)(SheetSource&, const std::string&)) {
     const std::string sibling = file.parent_path() / name;
-    if (isDirectory || FileManager::fileExistsAtPath(sibling)) read(source, sibling);
+    if (isDirectory || FileManager::fileExistsAtPath(sibling)) readInto(source, sibling);
   };
   beside("play_config.json", readTimes);
   beside("audio.mp3", readSound);

@@ -8,6 +8,7 @@
 #include "check/budget.h"
 #include "check/document.h"
 #include "frame_source.h"
+#include "input.h"
 #include "platform/foundation/file_manager.h"
 #include "platform/foundation/json_reader.h"
 #include "platform/foundation/numbers.h"
@@ -95,16 +96,15 @@ bool checkFrames(const std::string& path, const std::string& file, Report& repor
     report.add(findingIn(file, id, std::move(what)));
     return false;
   };
-  auto bytes = FileManager::readAtPath(path);
+  auto bytes = readInput(path);
   if (!bytes) return refuse(FindingId::Unreadable, bytes.error().localizedDescription);
-  const bool isDocument = isSvgDocument(path);
+  const bool isDocument = isSvgDocument(path, *bytes);
   if (!isDocument && bytes->size() > budget::kAnimationBytes)
     report.add(findingIn(file, FindingId::BudgetBytes,
                          std::to_string(bytes->size()) + " bytes, of " + std::to_string(budget::kAnimationBytes)));
   FrameTexts texts;
   if (isDocument) {
-    const auto kept = std::make_shared<const std::string>(std::move(*bytes));
-    texts = {kept, {*kept}, {}};
+    texts = framesOfDocument(std::move(*bytes));
   } else {
     auto decoded = decodeFrames(std::move(*bytes));
     if (!decoded) return refuse(FindingId::Json, decoded.error().localizedDescription);
