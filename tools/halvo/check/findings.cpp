@@ -48,7 +48,8 @@ constexpr FindingKind kKinds[] = {
     {HapticsLength, "haptics-length", kWarning, "is felt on after sound and animation have ended",
      "end the pattern with the cue"},
 
-    {Xml, "xml", kError, "reads no further; elements that are still open are lost", "write well-formed XML"},
+    {Xml, "xml", kError, "reads no further; elements that are still open are lost",
+     "write well-formed XML, with fewer or flatter elements where there are too many"},
     {NoSvg, "no-svg", kError, "shows nothing for as long as the frame lasts", "begin the frame with <svg>"},
     {Root, "root", kWarning, "shows what is in the frame all the same", "begin the frame with <svg>"},
     {Namespace, "namespace", kNote, "shows the frame all the same; other programs do not",
