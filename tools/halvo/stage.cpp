@@ -55,13 +55,13 @@ Stage::Stage(const StageOptions& options, Screen screen) {
 
 void Stage::turn() {
   MainQueue& queue = MainQueue::shared();
-  const bool ran = queue.drain();
-  if (window_) window_->refresh();
-  if (ran) return;
+  // In this order: what happens after the caller has looked at the queue wakes it up, but not once it is drained.
   if (window_)
     window_->wait();
   else
     queue.wait();
+  queue.drain();
+  if (window_) window_->refresh();
 }
 
 void Stage::setState(const std::string& state) {

@@ -34,7 +34,7 @@ class Stage {
 
   // Null when the play is to have none.
   const std::shared_ptr<quellaro::QLHalvoView>& view() const { return view_; }
-  // Runs what is due and shows what that has changed; sleeps when nothing was due.
+  // Sleeps until something is due or the queue may have become idle, runs what is due and shows what that has changed.
   void turn();
   bool isClosed() const { return window_ && window_->isClosed(); }
   // What is going on, for the window's title.

@@ -19,8 +19,7 @@ class Window {
 
   // Draws the view if it has changed.
   void refresh();
-  // Sleeps until the main queue has something to do or the window has been used, and sees to the latter. What the main
-  // queue had to do at once must be done.
+  // Sleeps until the main queue has something to do or the window has been used, and sees to the latter.
   void wait();
   // Somebody has closed it, or pressed Escape.
   bool isClosed() const;
