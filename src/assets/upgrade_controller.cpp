@@ -46,8 +46,14 @@ std::optional<std::string> baseAddress() {
 // What a process left behind that was killed in the middle of a write.
 void removeStrays(const std::string& directory) {
   for (std::string& name : FileManager::contentsOfDirectoryAtPath(directory))
-    if (std::find(kCueFiles.begin(), kCueFiles.end(), name) == kCueFiles.end())
-      HalvoFileManager::removeDirectoryIfExists(name.insert(0, directory + "/"));
+    if (std::any_of(kCueFiles.begin(), kCueFiles.end(),
+                    [&](const char* file) { return FileManager::isUnfinishedWrite(name, file); }))
+      FileManager::removeItemAtPath(name.insert(0, directory + "/"));
+}
+
+bool isComplete(const std::string& directory) {
+  return std::all_of(kCueFiles.begin(), kCueFiles.end(),
+                     [&](const char* file) { return FileManager::fileExistsAtPath(directory + "/" + file); });
 }
 
 std::string describeOptional(const std::optional<NSError>& error) {
@@ -211,7 +217,7 @@ void QLUpgradeController::receiveAsset(const std::string& fileName, const std::o
 bool QLUpgradeController::canActivate(const Check& check) const {
   return didRemoteUpgradeFound_ && !didAssetDownloadFailed_ && !check.hasFailedFile &&
          !check.stagingDirectory.empty() && latestSources_.at(check.cue) == check.source &&
-         HalvoUtility::cueVersion(check.cue) != check.source.version;
+         isComplete(check.stagingDirectory);
 }
 
 void QLUpgradeController::activateDownloadedAssets(const Check& check) {

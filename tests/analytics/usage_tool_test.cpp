@@ -66,7 +66,7 @@ TEST_F(UsageTool, ShowsBothFilesAsTheyWouldBeSentAndMakesNothing) {
   NSUserDefaults::standardUserDefaults().synchronize();
   const Ran text = halvo("usage" + places());
   EXPECT_EQ(text.status, 0);
-  for (const char* part : {"1 plays, 1 fine, 0 failed", "data=[{\"event\":\"old_played\""})
+  for (const char* part : {"1 play, 1 fine, 0 failed", "data=[{\"event\":\"old_played\""})
     EXPECT_NE(text.output.find(part), std::string::npos) << text.output;
 
   const Ran run = halvo("usage --json --environment secondary" + places());

@@ -222,6 +222,21 @@ TEST_F(Upgrade, DiscardedAssetsComeAgainWhateverTheirVersion) {
   EXPECT_EQ(HalvoUtility::cueVersion("quellaro"), "1");
 }
 
+TEST_F(Upgrade, WhatHasArrivedWholeIsInstalledWhateverElseLiesThere) {
+  publish("", "q/0");
+  writeFile(staging() / "other.txt", "kept");
+  writeFile(staging() / "audio.mp3.77-0.tmp", "of a write that was killed");
+  const auto controller = makeController();
+  controller->checkForUpgrade();
+  while (takePrinted().empty()) MainQueue::shared().drain();
+  // As when the cue is discarded meanwhile.
+  HalvoUtility::setCueVersion("quellaro", "");
+  driver_.settle();
+  auto expected = setOf("");
+  expected["other.txt"] = "kept";
+  EXPECT_EQ(filesOf(active() / "quellaro"), expected);
+}
+
 TEST_F(Upgrade, AControllerThatIsGoneChangesNothingMore) {
   publish("2", "q/2");
   makeController()->checkForUpgrade();

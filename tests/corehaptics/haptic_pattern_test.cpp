@@ -123,6 +123,8 @@ TEST(HapticPattern, WhatTheFormatDoesNotAllowIsNamed) {
       {R"({"Version": "1", "Pattern": []})", "At Version: a number was expected, but this is a string"},
       {R"({"Metadata": 1, "Pattern": []})", "At Metadata: an object was expected, but this is a number"},
       {R"({"Patern": [], "Pattern": []})", R"(At the top level: the key "Patern" is not allowed)"},
+      // What it says is printed, and is not to pass for another line.
+      {R"({"a\nplay: 800\u001b": 1})", R"(At the top level: the key "a?play: 800?" is not allowed)"},
   };
   for (const auto& [dictionary, message] : dictionaries) {
     const auto pattern = patternOf(dictionary);

@@ -45,6 +45,7 @@ TEST(FileManager, WritesAllOrNothingAndLeavesNothingBehind) {
   std::ifstream reader(path);
   EXPECT_FALSE(FileManager::writeAtomically("two", path));
   EXPECT_EQ(readFile(path), "two");
+  EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), "one") << "whoever reads it reads one whole file";
 
   // A disk that is full in the middle of a file.
@@ -173,6 +174,15 @@ TEST_F(UserDefaults, SetABrokenFileAside) {
   EXPECT_TRUE(defaults_.synchronize());
   EXPECT_EQ(readFile(file_), R"({"a":"b"})");
   EXPECT_EQ(readFile(file_.string() + ".unreadable"), "{broken");
+}
+
+TEST_F(UserDefaults, FollowNoLinkElsewhere) {
+  const fs::path elsewhere = directory_.path() / "elsewhere";
+  fs::create_directories(file_.parent_path());
+  fs::create_symlink(elsewhere, file_.string() + ".lock");
+  defaults_.setString("a", "b");
+  defaults_.synchronize();
+  EXPECT_FALSE(fs::exists(elsewhere));
 }
 
 TEST_F(UserDefaults, TwoProcessesLoseNothing) {

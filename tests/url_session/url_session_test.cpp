@@ -121,6 +121,7 @@ TEST(URLSession, DecodesWhatItOffersToDecode) {
 TEST(URLSession, EveryWayAnAnswerCanGoWrongIsAnErrorWithACode) {
   enum class Then { Close, Hang, SendOn };
   const std::string ok = "HTTP/1.1 200 OK\r\n";
+  const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
   const std::string moved = "HTTP/1.1 302 Found\r\nLocation: ";
   const std::string bomb = deflated(std::string(limits::kResponseBytes + 1, '0'), MAX_WBITS + 16);
   const struct {
@@ -128,6 +129,7 @@ TEST(URLSession, EveryWayAnAnswerCanGoWrongIsAnErrorWithACode) {
     Then then;
     std::optional<URLErrorCode> code;
     const char* text = "(no data)";
+    const char* more = "x";
   } cases[] = {
       {"HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\ngone", Then::Close, {}, "gone"},
       {ok + "Content-Encoding: gzip\r\n\r\n", Then::Close, {}},
@@ -143,6 +145,9 @@ TEST(URLSession, EveryWayAnAnswerCanGoWrongIsAnErrorWithACode) {
       {ok + "Content-Length: " + std::to_string(limits::kResponseBytes + 1) + "\r\n\r\n", Then::Hang,
        URLErrorCode::DataLengthExceedsMaximum},
       {ok + "Content-Encoding: gzip\r\n\r\n" + bomb, Then::Close, URLErrorCode::DataLengthExceedsMaximum},
+      {chunked + "3\r\nall\r\n0\r\nX: y\r\nServer-Timing: z\r\n\r\n", Then::Close, {}, "all"},
+      {chunked + "0\r\n", Then::SendOn, URLErrorCode::DataLengthExceedsMaximum, "(no data)", "X: y\r\n"},
+      {chunked + "3;a=", Then::SendOn, URLErrorCode::DataLengthExceedsMaximum},
       {moved + "/\r\n\r\n", Then::SendOn, URLErrorCode::HTTPTooManyRedirects},
       {moved + "/\r\nContent-Length: 0\r\n\r\n", Then::Close, URLErrorCode::HTTPTooManyRedirects},
       {moved + "file:///etc/passwd\r\nContent-Length: 0\r\n\r\n", Then::Close, URLErrorCode::UnsupportedURL},
@@ -152,7 +157,9 @@ TEST(URLSession, EveryWayAnAnswerCanGoWrongIsAnErrorWithACode) {
     const ScriptedServer server([&](const Request&, const Connection& connection) {
       connection.send(c.sent);
       if (c.then == Then::Hang) connection.hang();
-      while (c.then == Then::SendOn && connection.send(std::string(1 << 20, 'x'))) continue;
+      std::string more;
+      while (more.size() < 1 << 20) more += c.more;
+      while (c.then == Then::SendOn && connection.send(more)) continue;
     });
     const Answer answer = fetch(server.address() + "/", c.code == URLErrorCode::TimedOut ? 0.2 : 10);
     EXPECT_EQ(answer.code(), c.code) << (answer.error ? answer.error->description() : "");

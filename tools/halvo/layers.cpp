@@ -152,7 +152,6 @@ int layers(int argc, char** argv) {
       status = failure(name + ": " + text.error().localizedDescription);
   }
   setConsoleSink({});
-  if (std::fflush(stdout) != 0) status = failure("standard output cannot be written");
   return status;
 }
 

@@ -48,6 +48,13 @@ int help(int argc, char** argv) {
   return halvo::kExitFine;
 }
 
+// What could not be written is a failure, whatever the command has answered.
+int withOutputChecked(int status) {
+  const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  if (isWritten || status != halvo::kExitFine) return status;
+  return halvo::failure("standard output cannot be written");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -61,5 +68,5 @@ int main(int argc, char** argv) {
     std::printf("halvo %s\n", quellaro_halvo_version());
     return halvo::kExitFine;
   }
-  return run(name, argc - 1, argv + 1);
+  return withOutputChecked(run(name, argc - 1, argv + 1));
 }

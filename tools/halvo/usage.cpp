@@ -129,10 +129,10 @@ void printRecord(const MixpanelAggregatedCueEvent& record) {
       {"muted", counts.mutedPlayCount},
       {"with haptics", counts.hapticsPlayCount},
   };
-  std::printf("  %s version %s for %s: %lld plays, %lld fine, %lld failed", shown(counts.cueName).c_str(),
+  std::printf("  %s version %s for %s: %lld play%s, %lld fine, %lld failed", shown(counts.cueName).c_str(),
               shown(counts.cueVersion).c_str(), shown(counts.merchant->merchantName).c_str(),
-              static_cast<long long>(counts.totalCount), static_cast<long long>(counts.successCount),
-              static_cast<long long>(counts.failureCount));
+              static_cast<long long>(counts.totalCount), counts.totalCount == 1 ? "" : "s",
+              static_cast<long long>(counts.successCount), static_cast<long long>(counts.failureCount));
   for (const auto& [name, count] : failures)
     if (count > 0) std::printf("; %s: %lld", name, static_cast<long long>(count));
   std::printf("\n    from %s to %s\n", networkTimeText(counts.startDate).c_str(),

@@ -39,10 +39,12 @@ bool writeAll(int descriptor, std::string_view bytes) {
   return true;
 }
 
+constexpr std::string_view kTemporaryEnding = ".tmp";
+
 // Beside its target, so that the rename stays within one file system, and of this process and write alone.
 std::string temporaryNameFor(const std::string& path) {
   static std::atomic<unsigned> count{0};
-  return path + "." + std::to_string(getpid()) + "-" + std::to_string(count++) + ".tmp";
+  return path + "." + std::to_string(getpid()) + "-" + std::to_string(count++) + std::string(kTemporaryEnding);
 }
 
 // As many bytes as there are, `size` at most; why there are no more in `error`.
@@ -131,12 +133,20 @@ std::optional<NSError> FileManager::moveItemAtPath(const std::string& from, cons
   return posixError(errno);
 }
 
+bool FileManager::isUnfinishedWrite(std::string_view name, std::string_view fileName) {
+  if (!name.starts_with(fileName) || !name.ends_with(kTemporaryEnding)) return false;
+  if (name.size() < fileName.size() + kTemporaryEnding.size() + 2 || name[fileName.size()] != '.') return false;
+  name.remove_prefix(fileName.size() + 1);
+  name.remove_suffix(kTemporaryEnding.size());
+  return name.find_first_not_of("0123456789-") == std::string_view::npos;
+}
+
 std::optional<NSError> FileManager::writeAtomically(std::string_view bytes, const std::string& path) {
   if (!isUsable(path)) return posixError(EINVAL);
   const std::string temporary = temporaryNameFor(path);
   std::optional<NSError> problem;
   {
-    const FileDescriptor file(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+    const FileDescriptor file(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return posixError(errno);
     if (!writeAll(file.get(), bytes)) problem = posixError(errno);
   }

@@ -34,6 +34,8 @@ class FileManager {
   static std::optional<NSError> moveItemAtPath(const std::string& from, const std::string& to);
   // The file reads as before or as after, whenever the process is killed. It is not forced to the disk.
   static std::optional<NSError> writeAtomically(std::string_view bytes, const std::string& path);
+  // Whether the first is the name of what a killed write of a file with the second one's name leaves beside it.
+  static bool isUnfinishedWrite(std::string_view name, std::string_view fileName);
 };
 
 }  // namespace quellaro

@@ -3,17 +3,23 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/foundation/utf8.h"
+
 namespace quellaro {
 
 namespace {
 // The platform's code for a value that cannot be decoded into what was asked for.
 constexpr std::int64_t kCoderReadCorruptCode = 4864;
+// Keys of any length are part of it.
+constexpr std::size_t kLongestDescription = 500;
 }  // namespace
 
 void JSONDecoder::fail(const std::string& path, std::string_view problem) {
   if (error_) return;
-  error_ = NSError{"NSCocoaErrorDomain", kCoderReadCorruptCode,
-                   (path.empty() ? std::string("At the top level") : "At " + path) + ": " + std::string(problem)};
+  error_ =
+      NSError{"NSCocoaErrorDomain", kCoderReadCorruptCode,
+              printable((path.empty() ? std::string("At the top level") : "At " + path) + ": " + std::string(problem),
+                        kLongestDescription)};
 }
 
 bool JSONField::is(JSONType type) const {

@@ -20,6 +20,10 @@ inline constexpr std::size_t kXmlAttributes = 10'000;
 
 // The body of a response, decoded. Three times the heaviest honest animation.json.
 inline constexpr std::size_t kResponseBytes = std::size_t{128} << 20;
+// The lines behind a response's body; honest ones are a signature or a time. They would be kept in memory.
+inline constexpr std::size_t kTrailerBytes = std::size_t{64} << 10;
+// All that one connection carries, framing too, which a server can make as long as it likes.
+inline constexpr std::size_t kLineBytes = 2 * kResponseBytes;
 
 // Of one outline; what follows in its text is not read. Two characters can make a point of sixteen bytes; an honest
 // outline has tens of thousands.

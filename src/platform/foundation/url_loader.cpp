@@ -77,7 +77,7 @@ void URLLoader::run() {
     int running = 0;
     curl_multi_perform(multi_, &running);
     collect();
-    giveUpSilent(MonotonicClock{}.now());
+    giveUpHopeless(MonotonicClock{}.now());
     const int milliseconds = millisecondsToSleep();
     working.unlock();
     curl_multi_poll(multi_, nullptr, 0, milliseconds, nullptr);
@@ -120,13 +120,16 @@ void URLLoader::collect() {
   }
 }
 
-void URLLoader::giveUpSilent(double now) {
-  std::vector<const URLTransfer*> silent;
+void URLLoader::giveUpHopeless(double now) {
+  std::vector<std::pair<const URLTransfer*, URLErrorCode>> hopeless;
   for (const auto& transfer : transfers_) {
     transfer->noteActivity(now);
-    if (transfer->deadline() <= now) silent.push_back(transfer.get());
+    if (transfer->isEndless())
+      hopeless.emplace_back(transfer.get(), URLErrorCode::DataLengthExceedsMaximum);
+    else if (transfer->deadline() <= now)
+      hopeless.emplace_back(transfer.get(), URLErrorCode::TimedOut);
   }
-  for (const URLTransfer* transfer : silent) take(transfer)->fail(URLErrorCode::TimedOut);
+  for (const auto& [transfer, code] : hopeless) take(transfer)->fail(code);
 }
 
 int URLLoader::millisecondsToSleep() const {

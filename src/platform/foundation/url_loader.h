@@ -27,7 +27,7 @@ class URLLoader {
   void run();
   void admit();
   void collect();
-  void giveUpSilent(double now);
+  void giveUpHopeless(double now);
   std::unique_ptr<URLTransfer> take(const URLTransfer* transfer);
   int millisecondsToSleep() const;
 

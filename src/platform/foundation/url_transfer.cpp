@@ -181,11 +181,8 @@ void URLTransfer::setCallbacks() {
   curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, write);
   curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
 
-  // Each line of a head ends here, the empty one behind it too.
   curl_write_callback header = [](char* bytes, std::size_t, std::size_t count, void* self) {
-    const std::string_view line(bytes, count);
-    static_cast<URLTransfer*>(self)->head_ = line == "\r\n" || line == "\n" ? Head::Complete : Head::Begun;
-    return count;
+    return static_cast<URLTransfer*>(self)->receiveHeaderLine({bytes, count});
   };
   curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, header);
   curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
@@ -216,6 +213,18 @@ void URLTransfer::setCallbacks() {
   };
   curl_easy_setopt(handle, CURLOPT_CLOSESOCKETFUNCTION, closeSocket);
   curl_easy_setopt(handle, CURLOPT_CLOSESOCKETDATA, this);
+}
+
+// Each line of a head ends here, the empty one behind it too, and so does what may follow a body in chunks.
+std::size_t URLTransfer::receiveHeaderLine(std::string_view line) {
+  if (head_ == Head::Complete && !line.starts_with("HTTP/")) {
+    trailerBytes_ += line.size();
+    if (trailerBytes_ <= limits::kTrailerBytes) return line.size();
+    failure_ = URLErrorCode::DataLengthExceedsMaximum;
+    return 0;
+  }
+  head_ = line == "\r\n" || line == "\n" ? Head::Complete : Head::Begun;
+  return line.size();
 }
 
 std::size_t URLTransfer::receive(std::string_view bytes) {

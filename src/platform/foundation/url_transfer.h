@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/foundation/content_decoder.h"
+#include "platform/foundation/limits.h"
 #include "platform/foundation/url_session.h"
 
 namespace quellaro {
@@ -28,6 +29,8 @@ class URLTransfer {
 
   // Looks whether anything has passed on the line since the last look; `now` in seconds of the monotonic clock.
   void noteActivity(double now);
+  // Whether far more has passed on the line than any response takes.
+  bool isEndless() const { return lastLineState_.bytes > limits::kLineBytes; }
   // When the line will have been silent for too long.
   double deadline() const { return lastActivity_ + timeout_; }
 
@@ -58,6 +61,8 @@ class URLTransfer {
   void setCallbacks();
   void addHeaderLine(const std::string& line);
   LineState lineState() const;
+  // Each gives how much of it is welcome: all or nothing.
+  std::size_t receiveHeaderLine(std::string_view line);
   std::size_t receive(std::string_view bytes);
   std::optional<NSHTTPURLResponse> response() const;
   void complete(std::optional<std::string> data, std::optional<NSHTTPURLResponse> response,
@@ -75,6 +80,7 @@ class URLTransfer {
   std::vector<curl_socket_t> sockets_;
   std::uint64_t socketsSeen_ = 0;
   Head head_ = Head::None;
+  std::size_t trailerBytes_ = 0;
   std::string body_;
   std::optional<ContentDecoder> decoder_;
   // Why the transfer was broken off from this side.

@@ -27,7 +27,7 @@ constexpr std::chrono::milliseconds kLockRetry{2};
 
 // Held until the descriptor closes.
 FileDescriptor lockFile(const std::string& path) {
-  FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (!file) return file;
   const auto limit = std::chrono::steady_clock::now() + kLockPatience;
   while (flock(file.get(), LOCK_EX | LOCK_NB) != 0 && std::chrono::steady_clock::now() < limit)

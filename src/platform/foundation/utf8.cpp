@@ -9,7 +9,19 @@ namespace quellaro {
 
 namespace {
 
+// The only character whose lower case is two.
+constexpr char32_t kCapitalIWithDot = 0x130;
+
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
+// A control character of ASCII or of the block behind it, the latter by its two bytes.
+bool isControl(std::string_view text, std::size_t at) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  if (byte(at) < 0x20 || byte(at) == 0x7f) return true;
+  return byte(at) == 0xc2 && at + 1 < text.size() && byte(at + 1) < 0xa0;
+}
+
+bool continuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; }
 
 struct Sequence {
   // Absent for a malformed sequence; `length` is then the longest part of it that could have begun a character, at
@@ -113,12 +125,31 @@ std::string repairedUTF8(std::string_view text) {
   return repaired;
 }
 
+std::string printable(std::string_view text, std::size_t longest) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (result.size() >= longest && !continuesCharacter(text[i])) {
+      result += "...";
+      break;
+    }
+    if (isControl(text, i)) {
+      result += '?';
+      if (static_cast<unsigned char>(text[i]) == 0xc2) ++i;
+    } else {
+      result += text[i];
+    }
+  }
+  return repairedUTF8(result);
+}
+
 std::string lowercased(std::string_view text) {
   std::string lower;
   lower.reserve(text.size());
   while (!text.empty()) {
     const Sequence sequence = firstSequence(text);
-    if (sequence.character)
+    if (sequence.character == kCapitalIWithDot)
+      lower += "i\u0307";
+    else if (sequence.character)
       append(lower, lowercased(*sequence.character));
     else
       lower += text.substr(0, sequence.length);

@@ -10,6 +10,10 @@ bool isValidUTF8(std::string_view text);
 // The text with every malformed sequence replaced by U+FFFD: where text enters from a host, it becomes valid.
 std::string repairedUTF8(std::string_view text);
 
+// What comes from a file, to be shown to people: in one line and without anything that would change a terminal; cut
+// when it is longer than that.
+std::string printable(std::string_view text, std::size_t longest = 60);
+
 // Lower case as the platform has it, beyond ASCII too, and whatever locale the host has set.
 std::string lowercased(std::string_view text);
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/foundation/utf8.h"
-
 namespace halvo {
 
 namespace {
@@ -21,15 +19,6 @@ std::string keyOf(const Finding& finding) {
     key.append(1, '\0').append(*part);
   return key;
 }
-
-// A control character of ASCII or of the block behind it, the latter by its two bytes.
-bool isControl(std::string_view text, std::size_t at) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  if (byte(at) < 0x20 || byte(at) == 0x7f) return true;
-  return byte(at) == 0xc2 && at + 1 < text.size() && byte(at + 1) < 0xa0;
-}
-
-bool continuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; }
 
 }  // namespace
 
@@ -80,23 +69,6 @@ std::string rangesOf(const std::vector<std::size_t>& numbers) {
     i = last + 1;
   }
   return text;
-}
-
-std::string printable(std::string_view text, std::size_t longest) {
-  std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (result.size() >= longest && !continuesCharacter(text[i])) {
-      result += "...";
-      break;
-    }
-    if (isControl(text, i)) {
-      result += '?';
-      if (static_cast<unsigned char>(text[i]) == 0xc2) ++i;
-    } else {
-      result += text[i];
-    }
-  }
-  return quellaro::repairedUTF8(result);
 }
 
 }  // namespace halvo

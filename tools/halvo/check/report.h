@@ -9,8 +9,11 @@
 #include <vector>
 
 #include "check/findings.h"
+#include "platform/foundation/utf8.h"
 
 namespace halvo {
+
+using quellaro::printable;
 
 // Both from 1, columns in characters.
 struct TextPosition {
@@ -61,8 +64,5 @@ class Report {
 
 // "1-4, 7": ascending numbers, runs joined.
 std::string rangesOf(const std::vector<std::size_t>& numbers);
-
-// The text in one line and without anything that would change a terminal; cut when it is longer than that.
-std::string printable(std::string_view text, std::size_t longest = 60);
 
 }  // namespace halvo
