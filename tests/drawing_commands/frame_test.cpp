@@ -86,6 +86,8 @@ TEST_F(DrawingCommands, UnusableArgumentsAndFilesAreToldApart) {
       {"frame " + svg + " -o " + (directory_ / "absent/out.png").string(), 1, "absent/out.png"},
       {"bench " + svg + " --repeat 0", 2, "--repeat"},
       {"bench " + directory_.path().string(), 1, "animation.json"},
+      {"bench - < " + svg, 1, "pipe"},
+      {"--version > /dev/full", 1, ""},
       {"layers - < " + directory_.path().string(), 1, "directory"},
       {"layers - " + svg + " < " + svg, 0, "bounds"},
       {"layers /dev/zero", 1, "File too large"},

@@ -112,6 +112,7 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
       {"audio.mp3", nullptr, "audio.mp3: No such file"},
       {"audio.mp3", "", "audio.mp3: it is empty"},
       {"animation.json", R"(["<svg/>", "<svg>\n<g></svg>"])", "frame 2, line 2, column"},
+      {"animation.json", "<svg width='9' height='9'/>", "JSON"},
       {"signature_forte.ahap", "[]", "an object was expected"},
   };
   for (const auto& c : cases) {

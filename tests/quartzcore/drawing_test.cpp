@@ -174,6 +174,33 @@ TEST(Drawing, CurvesBeginAndEndAcrossTheirDirection) {
   }
 }
 
+// A handle that rounding has left tells no direction.
+TEST(Drawing, ACurveEndsAsIfItsTinyHandlesWereNone) {
+  const auto stroked = [](CGPoint firstHandle, CGPoint lastHandle) {
+    CGPath path;
+    path.moveTo({100, 240});
+    path.cubicTo(firstHandle, lastHandle, {380, 100});
+    CAShapeLayer layer;
+    layer.setPath(std::make_shared<CGPath>(path));
+    layer.setStrokeColor(kRed);
+    layer.setLineWidth(120);
+    return drawn(layer, 500, 350);
+  };
+  const auto greatestDifference = [](const Bitmap& a, const Bitmap& b) {
+    int greatest = 0;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i)
+      greatest =
+          std::max(greatest, std::abs(static_cast<int>(a.pixels[i] >> 24) - static_cast<int>(b.pixels[i] >> 24)));
+    return greatest;
+  };
+  const Bitmap start = stroked({100, 240}, {300, 240});
+  const Bitmap end = stroked({180, 240}, {380, 100});
+  for (const CGPoint off : {CGPoint{-0.001, 0}, CGPoint{0, 0.001}, CGPoint{0, -0.001}, CGPoint{0.001, 0.001}}) {
+    EXPECT_LT(greatestDifference(stroked({100 + off.x, 240 + off.y}, {300, 240}), start), 8) << off.x << ", " << off.y;
+    EXPECT_LT(greatestDifference(stroked({180, 240}, {380 + off.x, 100 + off.y}), end), 8) << off.x << ", " << off.y;
+  }
+}
+
 // Every number that makes trouble, in every place. The sanitizers judge; the picture may be anything.
 TEST(Drawing, AnyMixtureOfNumbersIsDrawnInTime) {
   const double numbers[] = {0,    -0.0, 1,     -1,   0.5,    20,      1e-308,   1e-30,     255.999,   1e4,

@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "frame_source.h"
 #include "frame_view.h"
+#include "input.h"
 #include "options.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
@@ -63,12 +64,15 @@ long peakKilobytes() {
 // Everything between the file and the pixels, one round at a time, as a play does it.
 class Benchmark {
  public:
-  Benchmark(std::string source, Size size)
-      : source_(std::move(source)), view_(makeView(size, QLHalvoBackground::black)), bitmap_(size.width, size.height) {}
+  Benchmark(std::string source, bool isCue, Size size)
+      : source_(std::move(source)),
+        isCue_(isCue),
+        view_(makeView(size, QLHalvoBackground::black)),
+        bitmap_(size.width, size.height) {}
 
   std::optional<NSError> round() {
     Result<FrameSource> source = FrameSource();
-    decode_.time([&] { source = readFrames(source_); });
+    decode_.time([&] { source = isCue_ ? readCueFrames(source_) : readFrames(source_); });
     if (!source) return source.error();
     std::vector<std::shared_ptr<const SVGDocument>> documents;
     parse_.time([&] { documents = parseFrames(std::move(source->frames)); });
@@ -98,6 +102,7 @@ class Benchmark {
 
  private:
   std::string source_;
+  bool isCue_;
   std::shared_ptr<QLHalvoView> view_;
   Bitmap bitmap_;
   Compositor compositor_;
@@ -128,10 +133,12 @@ int bench(int argc, char** argv) {
   if (parsed.exitStatus) return *parsed.exitStatus;
 
   std::string source = parsed.positional[0];
-  if (FileManager::directoryExistsAtPath(source)) source += "/animation.json";
+  if (isStream(source)) return failure(source + ": every round reads it again, which a pipe does not allow");
+  const bool isCue = FileManager::directoryExistsAtPath(source);
+  if (isCue) source += "/animation.json";
   // Standard output is for one line.
   setConsoleSink([](std::string_view line) { std::fwrite(line.data(), 1, line.size(), stderr); });
-  Benchmark benchmark(source, size);
+  Benchmark benchmark(source, isCue, size);
   for (std::int64_t i = 0; i < repeat; ++i)
     if (const auto error = benchmark.round()) return failure(source + ": " + error->localizedDescription);
   std::error_code unknown;

@@ -53,7 +53,8 @@ int check(int argc, char** argv) {
   commandLine.summary =
       "Reads a cue as the player does and tells everything that the player would trip over or silently ignore: where,\n"
       "what the player does with it, and what to do instead. SOURCE is a cue directory, an animation.json or an SVG\n"
-      "document (.svg). An error means that the cue will not play as meant, a warning that something is dropped or\n"
+      "document, as a file, a pipe or '-', standard input. An error means that the cue will not play as meant, a "
+      "warning that something is dropped or\n"
       "looks other than in a standard renderer; notes are good to know. docs/authoring.md shows every finding with an\n"
       "example. Exit status: 0 clean (notes at most), 1 errors or warnings, 2 unusable arguments.";
   commandLine.minimumPositional = commandLine.maximumPositional = 1;

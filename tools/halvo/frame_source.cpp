@@ -36,6 +36,12 @@ Result<FrameSource> readFrames(const std::string& path) {
   return FrameSource{std::move(*frames), false};
 }
 
+Result<FrameSource> readCueFrames(const std::string& path) {
+  auto frames = readFrameFile(path);
+  if (!frames) return frames.error();
+  return FrameSource{std::move(*frames), false};
+}
+
 bool canBeShown(const CGSize& size) {
   return std::isfinite(size.width) && std::isfinite(size.height) && size.width != 0 && size.height != 0;
 }

@@ -22,6 +22,8 @@ struct FrameSource {
   bool isDocument = false;
 };
 quellaro::Result<FrameSource> readFrames(const std::string& path);
+// Those of a cue: its animation.json as the player reads it.
+quellaro::Result<FrameSource> readCueFrames(const std::string& path);
 
 // Without a size there is nothing to stretch.
 bool canBeShown(const quellaro::CGSize& size);

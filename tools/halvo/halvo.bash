@@ -3,7 +3,7 @@ _halvo() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} tool=${COMP_WORDS[0]}
   local command=${COMP_WORDS[1]}
   COMPREPLY=()
-  if [ "$COMP_CWORD" -eq 1 ]; then
+  if [[ $COMP_CWORD -eq 1 || ( $COMP_CWORD -eq 2 && $command == help ) ]]; then
     mapfile -t COMPREPLY < <(compgen -W "--help --version $("$tool" --help 2>/dev/null | sed -n 's/^  \([a-z]*\) .*/\1/p')" -- "$current")
     return
   fi

@@ -18,12 +18,6 @@ using namespace quellaro;
 
 constexpr std::size_t kChunk = std::size_t{1} << 20;
 
-// The library itself opens nothing that could make it wait; somebody at a terminal may want to.
-bool isStream(const std::string& name) {
-  struct stat status {};
-  return stat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
-}
-
 Result<std::string> readToEnd(int file) {
   std::string text;
   while (text.size() <= limits::kFileBytes) {
@@ -39,8 +33,14 @@ Result<std::string> readToEnd(int file) {
 
 }  // namespace
 
+bool isStream(const std::string& name) {
+  struct stat status {};
+  return name == "-" || (stat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode));
+}
+
 Result<std::string> readInput(const std::string& name) {
   if (name == "-") return readToEnd(STDIN_FILENO);
+  // The library refuses streams, as they can make a reader wait.
   if (!isStream(name)) return FileManager::readAtPath(name);
   const FileDescriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file) return posixError(errno);

@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 #include "commands.h"
 #include "options.h"
@@ -39,7 +40,7 @@ int run(const std::string& name, int argc, char** argv) {
 }
 
 int help(int argc, char** argv) {
-  if (argc > 1) {
+  if (argc > 1 && std::string_view(argv[1]) != "help") {
     std::string option = "--help";
     char* arguments[] = {argv[1], option.data(), nullptr};
     return run(argv[1], 2, arguments);
@@ -48,25 +49,27 @@ int help(int argc, char** argv) {
   return halvo::kExitFine;
 }
 
-// What could not be written is a failure, whatever the command has answered.
-int withOutputChecked(int status) {
-  const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-  if (isWritten || status != halvo::kExitFine) return status;
-  return halvo::failure("standard output cannot be written");
+int version() {
+  std::printf("halvo %s\n", quellaro_halvo_version());
+  return halvo::kExitFine;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int dispatch(int argc, char** argv) {
   if (argc < 2) {
     printHelp(stderr);
     return halvo::kExitUsage;
   }
   const std::string name = argv[1];
   if (name == "--help" || name == "-h" || name == "help") return help(argc - 1, argv + 1);
-  if (name == "--version") {
-    std::printf("halvo %s\n", quellaro_halvo_version());
-    return halvo::kExitFine;
-  }
-  return withOutputChecked(run(name, argc - 1, argv + 1));
+  if (name == "--version") return version();
+  return run(name, argc - 1, argv + 1);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int status = dispatch(argc, argv);
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+  const int unwritten = halvo::failure("standard output cannot be written");
+  return status == halvo::kExitFine ? unwritten : status;
 }

@@ -6,6 +6,7 @@
 
 #include "assets/sdk_config.h"
 #include "frame_source.h"
+#include "input.h"
 #include "media/haptic_pattern_file.h"
 #include "platform/foundation/file_manager.h"
 
@@ -86,7 +87,7 @@ Result<SheetSource> readSheetSource(const std::string& path) {
   const bool isDirectory = FileManager::directoryExistsAtPath(path);
   const std::filesystem::path file =
       isDirectory ? std::filesystem::path(path) / "animation.json" : std::filesystem::path(path);
-  auto read = readFrames(file.string());
+  const auto read = isDirectory ? readCueFrames(file.string()) : readFrames(path);
   if (!read) return NSError{"halvo", 0, file.string() + ": " + read.error().localizedDescription};
   const FrameTexts& frames = read->frames;
   if (frames.texts.empty()) return NSError{"halvo", 0, file.string() + ": there are no frames"};
@@ -95,7 +96,7 @@ Result<SheetSource> readSheetSource(const std::string& path) {
   const std::filesystem::path named = std::filesystem::path(path).lexically_normal();
   source.name = isDirectory && !named.has_filename() ? named.parent_path().filename() : named.filename();
   source.frames.assign(frames.texts.begin(), frames.texts.end());
-  if (read->isDocument) return source;
+  if (read->isDocument || isStream(path)) return source;
   // Beside an animation.json that was named by itself there need be nothing; in a cue directory, what is missing is
   // news.
   const auto beside = [&](const char* name, void (*readInto)(SheetSource&, const std::string&)) {

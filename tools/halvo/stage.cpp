@@ -55,7 +55,8 @@ Stage::Stage(const StageOptions& options, Screen screen) {
 
 void Stage::turn() {
   MainQueue& queue = MainQueue::shared();
-  // In this order: what happens after the caller has looked at the queue wakes it up, but not once it is drained.
+  // First of all: what has come or ended since the caller looked has made the queue's descriptor readable, and draining
+  // would make it quiet again.
   if (window_)
     window_->wait();
   else

@@ -146,6 +146,7 @@ std::optional<NSError> FileManager::writeAtomically(std::string_view bytes, cons
   const std::string temporary = temporaryNameFor(path);
   std::optional<NSError> problem;
   {
+    // What is stored is nobody else's.
     const FileDescriptor file(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) return posixError(errno);
     if (!writeAll(file.get(), bytes)) problem = posixError(errno);

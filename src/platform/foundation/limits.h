@@ -22,8 +22,8 @@ inline constexpr std::size_t kXmlAttributes = 10'000;
 inline constexpr std::size_t kResponseBytes = std::size_t{128} << 20;
 // The lines behind a response's body; honest ones are a signature or a time. They would be kept in memory.
 inline constexpr std::size_t kTrailerBytes = std::size_t{64} << 10;
-// All that one connection carries, framing too, which a server can make as long as it likes.
-inline constexpr std::size_t kLineBytes = 2 * kResponseBytes;
+// All that a request's connections carry both ways, framing too, which a server can make as long as it likes.
+inline constexpr std::size_t kConnectionBytes = 2 * kResponseBytes;
 
 // Of one outline; what follows in its text is not read. Two characters can make a point of sixteen bytes; an honest
 // outline has tens of thousands.

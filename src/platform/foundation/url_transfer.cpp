@@ -215,7 +215,8 @@ void URLTransfer::setCallbacks() {
   curl_easy_setopt(handle, CURLOPT_CLOSESOCKETDATA, this);
 }
 
-// Each line of a head ends here, the empty one behind it too, and so does what may follow a body in chunks.
+// Each line of a head ends here, the empty one behind it too, and so does what may follow a body in chunks. Another
+// head, of the answer behind an interim one or a redirect, begins with the protocol, which cannot be a field's name.
 std::size_t URLTransfer::receiveHeaderLine(std::string_view line) {
   if (head_ == Head::Complete && !line.starts_with("HTTP/")) {
     trailerBytes_ += line.size();

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/foundation/content_decoder.h"
@@ -30,7 +31,7 @@ class URLTransfer {
   // Looks whether anything has passed on the line since the last look; `now` in seconds of the monotonic clock.
   void noteActivity(double now);
   // Whether far more has passed on the line than any response takes.
-  bool isEndless() const { return lastLineState_.bytes > limits::kLineBytes; }
+  bool isEndless() const { return lastLineState_.bytes > limits::kConnectionBytes; }
   // When the line will have been silent for too long.
   double deadline() const { return lastActivity_ + timeout_; }
 

@@ -27,6 +27,7 @@ constexpr std::chrono::milliseconds kLockRetry{2};
 
 // Held until the descriptor closes.
 FileDescriptor lockFile(const std::string& path) {
+  // A link is not followed: nothing is made elsewhere, and the write is done without the lock.
   FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (!file) return file;
   const auto limit = std::chrono::steady_clock::now() + kLockPatience;

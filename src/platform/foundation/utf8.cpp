@@ -18,7 +18,7 @@ constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 bool isControl(std::string_view text, std::size_t at) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   if (byte(at) < 0x20 || byte(at) == 0x7f) return true;
-  return byte(at) == 0xc2 && at + 1 < text.size() && byte(at + 1) < 0xa0;
+  return byte(at) == 0xc2 && at + 1 < text.size() && byte(at + 1) >= 0x80 && byte(at + 1) < 0xa0;
 }
 
 bool continuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; }

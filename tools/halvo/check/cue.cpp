@@ -10,6 +10,8 @@
 #include "check/haptics.h"
 #include "check/sound.h"
 #include "check/timing.h"
+#include "frame_source.h"
+#include "input.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/file_manager.h"
 
@@ -43,7 +45,8 @@ CueFacts checkDirectory(const std::string& directory, Report& report, const Chec
   const auto pathOf = [&](const char* name) { return directory + "/" + name; };
   CueFacts facts;
   const auto config = readConfig(pathOf(kPlayConfigFile), report);
-  const bool frames = checkFrames(pathOf(kAnimationFile), kAnimationFile, report, progress, facts.frames);
+  const bool frames = checkFrames(FileManager::readAtPath(pathOf(kAnimationFile)), false, kAnimationFile, report,
+                                  progress, facts.frames);
   if (config && frames) facts.animationEnd = checkTiming(*config, facts.frames, report);
   facts.soundEnd = checkSound(pathOf(kSoundFile), report);
   if (config && facts.soundEnd) *facts.soundEnd += std::max(0.0, config->soundDelayInMillis / 1000);
@@ -67,7 +70,8 @@ CueFacts checkSource(const std::string& source, Report& report, const CheckProgr
   setConsoleSink([](std::string_view) {});
   if (FileManager::directoryExistsAtPath(source)) return checkDirectory(source, report, progress);
   CueFacts facts;
-  checkFrames(source, source, report, progress, facts.frames);
+  const Result<std::string> text = readInput(source);
+  checkFrames(text, text && isSvgDocument(source, *text), source, report, progress, facts.frames);
   return facts;
 }
 

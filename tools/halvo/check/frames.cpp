@@ -8,8 +8,6 @@
 #include "check/budget.h"
 #include "check/document.h"
 #include "frame_source.h"
-#include "input.h"
-#include "platform/foundation/file_manager.h"
 #include "platform/foundation/json_reader.h"
 #include "platform/foundation/numbers.h"
 
@@ -90,27 +88,24 @@ class FramesCheck {
 
 }  // namespace
 
-bool checkFrames(const std::string& path, const std::string& file, Report& report, const CheckProgress& progress,
-                 std::size_t& frames) {
+bool checkFrames(const Result<std::string>& text, bool isDocument, const std::string& file, Report& report,
+                 const CheckProgress& progress, std::size_t& frames) {
   const auto refuse = [&](FindingId id, std::string what) {
     report.add(findingIn(file, id, std::move(what)));
     return false;
   };
-  auto bytes = readInput(path);
-  if (!bytes) return refuse(FindingId::Unreadable, bytes.error().localizedDescription);
-  const bool isDocument = isSvgDocument(path, *bytes);
-  if (!isDocument && bytes->size() > budget::kAnimationBytes)
+  if (!text) return refuse(FindingId::Unreadable, text.error().localizedDescription);
+  if (!isDocument && text->size() > budget::kAnimationBytes)
     report.add(findingIn(file, FindingId::BudgetBytes,
-                         std::to_string(bytes->size()) + " bytes, of " + std::to_string(budget::kAnimationBytes)));
+                         std::to_string(text->size()) + " bytes, of " + std::to_string(budget::kAnimationBytes)));
   FrameTexts texts;
   if (isDocument) {
-    texts = framesOfDocument(std::move(*bytes));
+    texts = framesOfDocument(*text);
   } else {
-    auto decoded = decodeFrames(std::move(*bytes));
+    auto decoded = decodeFrames(*text);
     if (!decoded) return refuse(FindingId::Json, decoded.error().localizedDescription);
     texts = std::move(*decoded);
-    if (texts.texts.empty())
-      return refuse(FindingId::NoFrames, whyNoFrames(FileManager::contentsAtPath(path).value_or("")));
+    if (texts.texts.empty()) return refuse(FindingId::NoFrames, whyNoFrames(*text));
   }
   frames = texts.texts.size();
   FramesCheck(texts, file, isDocument, report).run(progress);

@@ -53,8 +53,8 @@ Box visibleBox(const Affine& transform, const PixelRect& area) {
   return finite ? box : Box{-kFarAway, -kFarAway, kFarAway, kFarAway};
 }
 
-// A stroke that reaches far beyond all there is shows nothing else when it is wider still, but its edges would lose the
-// digits of where it is.
+// Beyond this a wider stroke covers the same pixels, and its far corners would leave its edges too few digits near
+// them.
 double widthThatShows(double lineWidth, const Box& outline, const Box& visible) {
   constexpr double kFarBeyond = 1000;
   const double width = std::max(outline.maxX, visible.maxX) - std::min(outline.minX, visible.minX);

@@ -20,11 +20,11 @@ double cross(CGPoint a, CGPoint b) { return a.x * b.y - a.y * b.x; }
 bool isZero(CGPoint way) { return dot(way, way) == 0; }
 CGPoint unit(CGPoint way) { return way * (1 / std::sqrt(dot(way, way))); }
 
-// Control points may lie on one another.
-CGPoint firstWay(std::initializer_list<CGPoint> ways) {
+// Control points may lie on one another, or so near that rounding has made their direction.
+CGPoint firstWay(std::initializer_list<CGPoint> ways, double tolerance) {
   for (const CGPoint way : ways)
-    if (!isZero(way)) return way;
-  return {};
+    if (dot(way, way) > tolerance * tolerance) return way;
+  return *(ways.end() - 1);
 }
 
 // Arcs that show no corners need no finer steps than these, however wide the line.
@@ -61,7 +61,8 @@ void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
   const CGPoint begin = current_;
   // The curve begins with a join like any segment, or the outline's end; the corners between its chords are no joins.
   Corner corner = Corner::Join;
-  if (const CGPoint tangent = firstWay({control1 - begin, control2 - begin, to - begin}); !isZero(tangent)) {
+  if (const CGPoint tangent = firstWay({control1 - begin, control2 - begin, to - begin}, tolerance_);
+      !isZero(tangent)) {
     if (!first_) {
       beginWith(segmentAlong(unit(tangent), 0));
       corner = Corner::WithinCurve;
@@ -76,7 +77,7 @@ void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
         segmentTo(end, corner);
         corner = Corner::WithinCurve;
       });
-  if (const CGPoint tangent = firstWay({to - control2, to - control1, to - begin}); !isZero(tangent))
+  if (const CGPoint tangent = firstWay({to - control2, to - control1, to - begin}, tolerance_); !isZero(tangent))
     endTangent_ = unit(tangent);
 }
 
