@@ -118,12 +118,10 @@ int bench(int argc, char** argv) {
   CommandLine commandLine;
   commandLine.usage = "bench SOURCE [options]";
   commandLine.summary =
-      "Measures what it costs to show a cue's frames. SOURCE is a cue directory or an animation.json. Prints one line "
-      "of\n"
-      "JSON: how many frames, the file's bytes, and for each frame the CPU time in microseconds of reading and "
-      "decoding\n"
-      "the file, parsing the text, building and destroying layers, and drawing them; medians of K rounds. Then the\n"
-      "program's peak memory.";
+      "Measures what it costs to show a cue's frames. SOURCE is a cue directory or an animation.json. Prints one\n"
+      "line of JSON: how many frames, the file's bytes, and for each frame the CPU time in microseconds of reading\n"
+      "and decoding the file, parsing the text, building and destroying layers, and drawing them; medians of K\n"
+      "rounds. Then the program's peak memory.";
   commandLine.minimumPositional = commandLine.maximumPositional = 1;
   commandLine.options = {
       {"size", "WxH", "size of the view in pixels (480x480)", setSize(size)},

@@ -52,14 +52,11 @@ int check(int argc, char** argv) {
   commandLine.usage = "check SOURCE [--json]";
   commandLine.summary =
       "Reads a cue as the player does and tells everything that the player would trip over or silently ignore: where,\n"
-      "what the player does with it, and what to do instead. SOURCE is a cue directory, or an animation.json or an "
-      "SVG\n"
-      "document, as a file, a pipe or '-', standard input. An error means that the cue will not play as meant, a "
-      "warning\n"
-      "that something is dropped or looks other than in a standard renderer; notes are good to know. "
-      "docs/authoring.md\n"
-      "shows every finding with an example. Exit status: 0 clean (notes at most), 1 errors or warnings, 2 unusable\n"
-      "arguments.";
+      "what the player does with it, and what to do instead. SOURCE is a cue directory, or an animation.json or an\n"
+      "SVG document, as a file, a pipe or '-', standard input. An error means that the cue will not play as meant, a\n"
+      "warning that something is dropped or looks other than in a standard renderer; notes are good to know.\n"
+      "docs/authoring.md shows every finding with an example. Exit status: 0 clean (notes at most), 1 errors or\n"
+      "warnings, 2 unusable arguments.";
   commandLine.minimumPositional = commandLine.maximumPositional = 1;
   commandLine.options = {{"json", "", "print one JSON object instead, for machines", setFlag(json)}};
   const Parsed parsed = parse(commandLine, argc, argv);

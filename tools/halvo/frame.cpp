@@ -19,11 +19,9 @@ int frame(int argc, char** argv) {
   CommandLine commandLine;
   commandLine.usage = "frame SOURCE -o OUT.png [options]";
   commandLine.summary =
-      "Draws one frame as the view would show it. SOURCE is an SVG document or an animation.json, as a file, a pipe "
-      "or\n"
-      "'-', standard input. Exit status: 0 when the picture is written, 1 when SOURCE cannot be read or the picture "
-      "not\n"
-      "be written, 2 for unusable arguments.";
+      "Draws one frame as the view would show it. SOURCE is an SVG document or an animation.json, as a file, a pipe\n"
+      "or '-', standard input. Exit status: 0 when the picture is written, 1 when SOURCE cannot be read or the\n"
+      "picture not be written, 2 for unusable arguments.";
   commandLine.minimumPositional = commandLine.maximumPositional = 1;
   commandLine.options = {
       {"output", "OUT.png", "the picture to write", setText(output), 'o'},

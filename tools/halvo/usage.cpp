@@ -165,9 +165,8 @@ int usage(int argc, char** argv) {
   CommandLine commandLine;
   commandLine.usage = "usage [options]";
   commandLine.summary =
-      "Prints the usage records that are stored, and what would be sent. Sends nothing and makes nothing. Exit "
-      "status:\n"
-      "0, or 1 when a file of records cannot be read.";
+      "Prints the usage records that are stored, and what would be sent. Sends nothing and makes nothing.\n"
+      "Exit status: 0, or 1 when a file of records cannot be read.";
   commandLine.options = {
       {"environment", "NAME", "primary or secondary: whose token is shown (primary)",
        [&](const std::string& name) { return chooseEnvironment(name, environment); }},
