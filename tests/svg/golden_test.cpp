@@ -1,10 +1,12 @@
-// The layer trees that 'halvo layers' prints.
+// The layer trees that 'halvo layers' prints, and some of the pictures that 'halvo frame' draws of them.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 
+#include "drawing_commands/read_png.h"
 #include "drawing_commands/run_tool.h"
+#include "quartzcore/pictures.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {
@@ -19,9 +21,16 @@ std::string withALineForEachLayer(std::string json) {
   return json;
 }
 
-// Each golden/NAME.svg has its layer tree beside it in golden/NAME.json. QUELLARO_RECORD=1 writes the trees anew.
-TEST(Golden, LayerTrees) {
+// Where another compiler rounds otherwise.
+constexpr Tolerance kRounding{0.01, 2};
+
+// Each golden/NAME.svg has its layer tree beside it in golden/NAME.json, and some have their picture in
+// golden/NAME.png. QUELLARO_RECORD=1 writes anew what is there.
+TEST(Golden, LayerTreesAndPictures) {
   const bool record = std::getenv("QUELLARO_RECORD") != nullptr;
+  const TemporaryDirectory directory;
+  const std::string drawn = directory / "drawn.png";
+  std::size_t pictures = 0;
   std::size_t documents = 0;
   for (const fs::directory_entry& entry : fs::directory_iterator(QUELLARO_TEST_DATA "/golden")) {
     const fs::path& path = entry.path();
@@ -36,8 +45,18 @@ TEST(Golden, LayerTrees) {
       writeFile(expected, text);
     else
       EXPECT_EQ(text, readFile(expected)) << path;
+
+    const fs::path picture = fs::path(path).replace_extension(".png");
+    if (!fs::exists(picture)) continue;
+    ++pictures;
+    ASSERT_EQ(halvo("frame --size 100x100 --background white -o " + drawn + " " + path.string()).status, 0);
+    if (record)
+      writeFile(picture, readFile(drawn));
+    else
+      expectSamePicture(path.stem(), readPng(picture), readPng(drawn), kRounding);
   }
   EXPECT_GT(documents, 0U);
+  EXPECT_GT(pictures, 0U);
 }
 
 TEST(Layers, StandardOutputHoldsTheTreesAlone) {
