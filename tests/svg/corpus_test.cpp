@@ -14,7 +14,8 @@
 namespace quellaro {
 namespace {
 
-// Every text that a fuzz driver starts from, or has once found something with, through every reader of text.
+// Every text that a fuzz driver starts from, or has once found something with, through every reader of text, and as a
+// document cut off at every byte.
 TEST(Corpus, NothingBreaks) {
   setConsoleSink([](std::string_view) {});
   std::size_t files = 0;
@@ -24,6 +25,7 @@ TEST(Corpus, NothingBreaks) {
     const std::string text = readFile(entry.path());
     const auto document = SVGDocument::parse(text);
     const auto layer = document->makeLayer();
+    for (std::size_t size = 0; size < text.size(); ++size) SVGDocument::parse(text.substr(0, size))->makeLayer();
     EXPECT_EQ(layer != nullptr, document->viewbox().has_value()) << entry.path();
     const XMLAttribute attribute{"d", text};
     const SVGPath path("path", XMLAttributes({&attribute, 1}));
