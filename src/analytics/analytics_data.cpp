@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "analytics/reporting_period.h"
-#include "assets/file_manager.h"
-#include "assets/utility.h"
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/limits.h"
+#include "assets/halvo_file_manager.h"
+#include "assets/halvo_utility.h"
+#include "platform/foundation/memory/limits.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace quellaro {
 

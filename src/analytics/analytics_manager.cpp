@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/foundation/application.h"
-#include "platform/foundation/utf8.h"
+#include "platform/foundation/text/utf8.h"
 
 namespace quellaro {
 

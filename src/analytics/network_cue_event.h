@@ -6,7 +6,7 @@
 
 #include "analytics/aggregated_cue_event.h"
 #include "platform/foundation/date.h"
-#include "platform/foundation/json_writer.h"
+#include "platform/foundation/json/json_writer.h"
 #include "types/halvo_enums.h"
 
 namespace quellaro {

@@ -4,8 +4,8 @@
 
 #include "assets/http_manager.h"
 #include "platform/foundation/application.h"
-#include "platform/foundation/json_writer.h"
-#include "platform/foundation/user_defaults.h"
+#include "platform/foundation/json/json_writer.h"
+#include "platform/foundation/storage/user_defaults.h"
 #include "platform/foundation/uuid.h"
 
 namespace quellaro {

@@ -3,8 +3,7 @@
 #include <map>
 #include <utility>
 
-#include "assets/file_manager.h"
-#include "platform/foundation/shared_object.h"
+#include "assets/halvo_file_manager.h"
 
 namespace quellaro {
 
@@ -42,7 +41,7 @@ void UsageLedger::proceed(std::optional<PendingUpload> upload, std::unique_lock<
     if (upload) {
       lock.unlock();
       // Only the outcome keeps the upload, and with it the manager whose play comes after it.
-      auto pending = makeSharedObject<PendingUpload>(std::move(*upload));
+      auto pending = std::make_shared<PendingUpload>(std::move(*upload));
       const bool started = pending->start(
           [ledger = shared_from_this(), pending](bool success) { ledger->uploadEnded(*pending, success); });
       if (started) return;

@@ -4,15 +4,14 @@
 #include <atomic>
 #include <utility>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
+#include "assets/halvo_utility.h"
 #include "assets/http_manager.h"
-#include "assets/utility.h"
 #include "platform/dispatch/clock.h"
-#include "platform/foundation/bundle.h"
 #include "platform/foundation/console.h"
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/shared_object.h"
-#include "platform/foundation/url.h"
+#include "platform/foundation/network/url.h"
+#include "platform/foundation/storage/bundle.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace quellaro {
 
@@ -69,9 +68,9 @@ std::shared_ptr<QLUpgradeController> QLUpgradeController::make() {
 void QLUpgradeController::checkForUpgrade() {
   const std::optional<std::string> base = baseAddress();
   if (!base) return;
-  const auto check = makeSharedObject<Check>(
+  const auto check = std::make_shared<Check>(
       Check{.baseAddress = *base, .cue = preparingHalvoCue_.value_or(""), .stagingDirectory = {}, .source = {}});
-  const auto group = makeSharedObject<DispatchGroup>();
+  const auto group = std::make_shared<DispatchGroup>();
   group->enter();
   didRemoteUpgradeFound_ = false;
   if (HalvoUtility::lastUpgradeTime() + kSecondsBetweenFetches < secondsSince1970())

@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "analytics_fixture.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 
 namespace quellaro {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "analytics/api_response.h"
 #include "analytics_fixture.h"
-#include "platform/foundation/user_defaults.h"
+#include "platform/foundation/storage/user_defaults.h"
 
 namespace quellaro {
 namespace {

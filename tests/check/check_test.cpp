@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "check/check_tool.h"
-#include "platform/foundation/json_writer.h"
+#include "platform/foundation/json/json_writer.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {

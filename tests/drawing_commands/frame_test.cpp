@@ -3,7 +3,7 @@
 
 #include "drawing_commands/read_png.h"
 #include "drawing_commands/run_tool.h"
-#include "platform/foundation/json_reader.h"
+#include "platform/foundation/json/json_reader.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {

@@ -1,4 +1,4 @@
-#include "platform/foundation/xml_parser.h"
+#include "platform/foundation/xml/xml_parser.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "foundation/xml_oracle.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 
 namespace quellaro {
 namespace {

@@ -8,7 +8,7 @@
 #include "platform/quartzcore/shape_layer.h"
 #include "quartzcore/cairo_renderer.h"
 #include "quartzcore/pictures.h"
-#include "svg/path.h"
+#include "svg/path_data.h"
 
 namespace quellaro {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "platform/foundation/json_decoder.h"
-#include "platform/foundation/json_writer.h"
+#include "platform/foundation/json/json_decoder.h"
+#include "platform/foundation/json/json_writer.h"
 #include "types/component_status.h"
 #include "types/halvo_enums.h"
 #include "types/halvo_status.h"

@@ -1,4 +1,4 @@
-#include "platform/foundation/url_session.h"
+#include "platform/foundation/network/url_session.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 #include "support/nginx_server.h"
 #include "support/scripted_server.h"
 #include "url_session/fetch.h"

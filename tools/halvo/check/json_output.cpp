@@ -1,5 +1,5 @@
 #include "check/output.h"
-#include "platform/foundation/json_writer.h"
+#include "platform/foundation/json/json_writer.h"
 
 namespace halvo {
 
