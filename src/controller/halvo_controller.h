@@ -6,7 +6,6 @@
 #include <string>
 
 #include "types/component_status.h"
-#include "types/export.h"
 #include "types/halvo_enums.h"
 #include "types/halvo_status.h"
 #include "types/merchant.h"
@@ -34,7 +33,7 @@ class QLHalvoController : public std::enable_shared_from_this<QLHalvoController>
  public:
   using Status = ComponentStatus;
 
-  QLHALVO_EXPORT static std::shared_ptr<QLHalvoController> make();
+  static std::shared_ptr<QLHalvoController> make();
   // With others in the place of its players, its upgrades, its haptics and its analytics.
   static std::shared_ptr<QLHalvoController> make(HalvoCollaborators collaborators);
 
@@ -42,14 +41,13 @@ class QLHalvoController : public std::enable_shared_from_this<QLHalvoController>
   // Loads the cue's configuration and assets, then answers 800, 901, 902, 903 or 909, once, on the main queue; a cue
   // that is prepared already is answered with 800 inside this call. Cue names that differ only in "_", "-", blanks and
   // letter case name one cue. Afterwards looks for a newer version of the cue, which a later play picks up.
-  QLHALVO_EXPORT void prepare(QLHalvoType type, const std::string& halvoCue, QLHalvoEnvironment environment,
-                              std::shared_ptr<const QLHalvoMerchant> merchant, bool isHapticsEnabled,
-                              HalvoCompletion completion);
+  void prepare(QLHalvoType type, const std::string& halvoCue, QLHalvoEnvironment environment,
+               std::shared_ptr<const QLHalvoMerchant> merchant, bool isHapticsEnabled, HalvoCompletion completion);
 
   // playWith:completion:
   // Plays the prepared cue, its animation in the view. Answers 904 or 908 inside this call; everything else, once, on
   // the main queue when the last part has ended. The next play may start when the completion has returned.
-  QLHALVO_EXPORT void play(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion);
+  void play(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion);
 
   // preparedHalvoCue, setPreparedHalvoCue:
   // Normalised name of the cue of the last successful prepare.

@@ -6,7 +6,6 @@
 #include <system_error>
 
 #include "platform/foundation/error.h"
-#include "types/export.h"
 
 namespace quellaro {
 
@@ -42,15 +41,15 @@ enum class QLHalvoStatus : std::int64_t {
 inline constexpr std::string_view QLHalvoStatusDomain = "QuellaroHalvo.QLHalvoStatus";
 
 // Nothing for a raw value that names no case.
-QLHALVO_EXPORT std::optional<QLHalvoStatus> halvoStatusFromRawValue(std::int64_t rawValue);
+std::optional<QLHalvoStatus> halvoStatusFromRawValue(std::int64_t rawValue);
 // The case as it is spelled above; "unknown" for a value that is none. Ended by a zero, as the sentence is.
-QLHALVO_EXPORT std::string_view nameOf(QLHalvoStatus status);
+std::string_view nameOf(QLHalvoStatus status);
 // A sentence for a person.
-QLHALVO_EXPORT std::string_view sentenceOf(QLHalvoStatus status);
-QLHALVO_EXPORT NSError errorOf(QLHalvoStatus status);
+std::string_view sentenceOf(QLHalvoStatus status);
+NSError errorOf(QLHalvoStatus status);
 
-QLHALVO_EXPORT const std::error_category& halvoStatusCategory();
-QLHALVO_EXPORT std::error_code make_error_code(QLHalvoStatus status);
+const std::error_category& halvoStatusCategory();
+std::error_code make_error_code(QLHalvoStatus status);
 
 }  // namespace quellaro
 

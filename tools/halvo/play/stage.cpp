@@ -47,7 +47,7 @@ Stage::Stage(const StageOptions& options, Screen screen) {
     std::string problem;
     window_ = Window::open(view_, options.size, problem);
     isWithoutDisplay_ = !window_;
-    if (isWithoutDisplay_) failure("there is no display, so the view is drawn into memory: " + problem);
+    if (isWithoutDisplay_) tell("there is no display, so the view is drawn into memory: " + problem);
   }
   if (!window_ || options.recordDirectory) recorder_ = std::make_unique<Recorder>(view_, options.recordDirectory);
   if (isWithoutDisplay_) recorder_->keepContactSheet();
@@ -71,7 +71,7 @@ void Stage::setState(const std::string& state) {
 
 bool Stage::finish() {
   const auto problem = recorder_ ? recorder_->finish() : std::nullopt;
-  if (problem) failure(problem->localizedDescription);
+  if (problem) tell(problem->localizedDescription);
   if (isWithoutDisplay_) leaveContactSheet();
   return !problem;
 }
@@ -80,7 +80,7 @@ void Stage::leaveContactSheet() const {
   const std::string path = cacheDirectory() + "/halvo/last_play.png";
   auto problem = FileManager::createDirectoryAtPath(cacheDirectory() + "/halvo");
   if (!problem) problem = recorder_->writeContactSheet(path);
-  failure(problem ? "no contact sheet of what was shown: " + problem->localizedDescription : "what was shown: " + path);
+  tell(problem ? "no contact sheet of what was shown: " + problem->localizedDescription : "what was shown: " + path);
 }
 
 }  // namespace halvo

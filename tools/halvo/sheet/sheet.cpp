@@ -36,10 +36,10 @@ int sheet(int argc, char** argv) {
   if (!source) return failure(source.error().localizedDescription);
   const SheetLayout layout = layOut(source->frames.size(), source->duration() > 0, source->times.has_value(),
                                     source->sound.has_value(), source->haptics.has_value());
-  for (const std::string& note : source->notes) failure(note);
+  for (const std::string& note : source->notes) tell(note);
   if (layout.step > 1)
-    failure(std::to_string(source->frames.size()) + " frames are many: one in " + std::to_string(layout.step) +
-            " is shown");
+    tell(std::to_string(source->frames.size()) + " frames are many: one in " + std::to_string(layout.step) +
+         " is shown");
   const quellaro::Bitmap picture = SheetDrawing(*source, layout, background).draw();
   if (const auto error = writePng(picture, output)) return failure(output + ": " + error->localizedDescription);
   return kExitFine;

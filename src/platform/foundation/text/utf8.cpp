@@ -23,13 +23,6 @@ bool isControl(std::string_view text, std::size_t at) {
 
 bool continuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; }
 
-struct Sequence {
-  // Absent for a malformed sequence; `length` is then the longest part of it that could have begun a character, at
-  // least 1.
-  std::optional<char32_t> character;
-  std::size_t length;
-};
-
 // The smallest and largest second byte that a lead byte allows: what keeps out overlong forms, surrogates and
 // characters beyond U+10FFFF.
 struct SecondByte {
@@ -52,7 +45,21 @@ SecondByte secondByteAfter(std::uint8_t lead) {
   }
 }
 
-Sequence firstSequence(std::string_view text) {
+// Part of the C library itself, so it is there on every machine and no setlocale() of the host reaches it.
+locale_t unicodeLocale() {
+  static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  return locale;
+}
+
+char32_t lowercased(char32_t character) {
+  if (character < 0x80) return character >= 'A' && character <= 'Z' ? character + ('a' - 'A') : character;
+  if (unicodeLocale() == nullptr) return character;
+  return static_cast<char32_t>(towlower_l(static_cast<wint_t>(character), unicodeLocale()));
+}
+
+}  // namespace
+
+UTF8Sequence firstUTF8Sequence(std::string_view text) {
   const auto byteAt = [&](std::size_t index) { return static_cast<std::uint8_t>(text[index]); };
   const std::uint8_t lead = byteAt(0);
   if (lead < 0x80) return {lead, 1};
@@ -67,7 +74,7 @@ Sequence firstSequence(std::string_view text) {
   return {character, length};
 }
 
-void append(std::string& out, char32_t character) {
+void appendUTF8(std::string& out, char32_t character) {
   const auto put = [&](char32_t byte) { out += static_cast<char>(byte); };
   if (character < 0x80) {
     put(character);
@@ -86,20 +93,6 @@ void append(std::string& out, char32_t character) {
   }
 }
 
-// Part of the C library itself, so it is there on every machine and no setlocale() of the host reaches it.
-locale_t unicodeLocale() {
-  static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  return locale;
-}
-
-char32_t lowercased(char32_t character) {
-  if (character < 0x80) return character >= 'A' && character <= 'Z' ? character + ('a' - 'A') : character;
-  if (unicodeLocale() == nullptr) return character;
-  return static_cast<char32_t>(towlower_l(static_cast<wint_t>(character), unicodeLocale()));
-}
-
-}  // namespace
-
 bool isValidUTF8(std::string_view text) {
   for (std::size_t i = 0; i < text.size();) {
     // Nearly all text is ASCII.
@@ -107,7 +100,7 @@ bool isValidUTF8(std::string_view text) {
       ++i;
       continue;
     }
-    const Sequence sequence = firstSequence(text.substr(i));
+    const UTF8Sequence sequence = firstUTF8Sequence(text.substr(i));
     if (!sequence.character) return false;
     i += sequence.length;
   }
@@ -118,7 +111,7 @@ std::string repairedUTF8(std::string_view text) {
   std::string repaired;
   repaired.reserve(text.size());
   while (!text.empty()) {
-    const Sequence sequence = firstSequence(text);
+    const UTF8Sequence sequence = firstUTF8Sequence(text);
     repaired += sequence.character ? text.substr(0, sequence.length) : kReplacement;
     text.remove_prefix(sequence.length);
   }
@@ -146,11 +139,11 @@ std::string lowercased(std::string_view text) {
   std::string lower;
   lower.reserve(text.size());
   while (!text.empty()) {
-    const Sequence sequence = firstSequence(text);
+    const UTF8Sequence sequence = firstUTF8Sequence(text);
     if (sequence.character == kCapitalIWithDot)
       lower += "i\u0307";
     else if (sequence.character)
-      append(lower, lowercased(*sequence.character));
+      appendUTF8(lower, lowercased(*sequence.character));
     else
       lower += text.substr(0, sequence.length);
     text.remove_prefix(sequence.length);

@@ -1,9 +1,23 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace quellaro {
+
+// What a text begins with.
+struct UTF8Sequence {
+  // Absent for a malformed sequence; `length` is then the longest part of it that could have begun a character, at
+  // least 1.
+  std::optional<char32_t> character;
+  std::size_t length;
+};
+// The text must not be empty.
+UTF8Sequence firstUTF8Sequence(std::string_view text);
+// `character` must be one of Unicode's.
+void appendUTF8(std::string& out, char32_t character);
 
 bool isValidUTF8(std::string_view text);
 

@@ -7,6 +7,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "platform/foundation/text/utf8.h"
+
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -61,38 +63,9 @@ bool isCharacter(char32_t code) {
 
 Character characterAt(const char* p, const char* end) {
   if (p == end) return {};
-  const auto byte = [p](std::size_t i) { return static_cast<unsigned char>(p[i]); };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return isCharacter(lead) ? Character{lead, 1} : Character{};
-  const std::size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (lead < 0xC2 || lead > 0xF4 || static_cast<std::size_t>(end - p) < size) return {};
-  char32_t code = lead & (0x7FU >> size);
-  for (std::size_t i = 1; i < size; ++i) {
-    if ((byte(i) & 0xC0U) != 0x80) return {};
-    code = code << 6 | (byte(i) & 0x3FU);
-  }
-  constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
-  return code >= kSmallest[size] && isCharacter(code) ? Character{code, size} : Character{};
-}
-
-void appendUtf8(std::string& text, char32_t code) {
-  const auto put = [&text](char32_t byte) { text += static_cast<char>(byte); };
-  const auto tail = [&put, code](unsigned shift) { put(0x80 | ((code >> shift) & 0x3F)); };
-  if (code < 0x80) {
-    put(code);
-  } else if (code < 0x800) {
-    put(0xC0 | code >> 6);
-    tail(0);
-  } else if (code < 0x10000) {
-    put(0xE0 | code >> 12);
-    tail(6);
-    tail(0);
-  } else {
-    put(0xF0 | code >> 18);
-    tail(12);
-    tail(6);
-    tail(0);
-  }
+  const UTF8Sequence sequence = firstUTF8Sequence({p, static_cast<std::size_t>(end - p)});
+  if (!sequence.character || !isCharacter(*sequence.character)) return {};
+  return {*sequence.character, sequence.length};
 }
 
 const char* skipName(const char* p, const char* end) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 
 // What XML 1.0 (fifth edition) says about characters, over text that is meant to be UTF-8.
 namespace quellaro::xml {
@@ -17,7 +16,6 @@ struct Character {
 };
 Character characterAt(const char* p, const char* end);
 bool isCharacter(char32_t code);
-void appendUtf8(std::string& text, char32_t code);
 
 // Where the name that starts at `p` ends; `p` when there is none.
 const char* skipName(const char* p, const char* end);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/foundation/memory/limits.h"
+#include "platform/foundation/text/utf8.h"
 #include "platform/foundation/xml/xml_characters.h"
 
 namespace quellaro {
@@ -201,7 +202,7 @@ bool NSXMLParser::characterReference(std::string* decoded) {
   if (p == digits || p == end_ || *p != ';' || !xml::isCharacter(code))
     return fail("a character reference that is not closed or names no character");
   at_ = p + 1;
-  if (decoded != nullptr) xml::appendUtf8(*decoded, code);
+  if (decoded != nullptr) appendUTF8(*decoded, code);
   return true;
 }
 
