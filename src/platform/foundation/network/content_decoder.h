@@ -11,7 +11,8 @@
 namespace quellaro {
 
 // Undoes the content encoding of a response as it arrives, and counts what comes out: a small response that unpacks
-// to an endless one ends at the limit.
+// to an endless one ends at the limit. (libcurl's own decoding hands on a truncated stream as if it were whole, and
+// refuses a stream of two members.)
 class ContentDecoder {
  public:
   // `encoding` as the response names it: gzip, deflate, identity, or nothing. `limit` in bytes, decoded.
