@@ -3,14 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
-#include <system_error>
-
-#include "platform/foundation/error.h"
 
 namespace quellaro {
 
-// What a prepare or a play has come to. It is also an error code of the standard library's, in the category named
-// QLHalvoStatusDomain; every value counts as an error there, so a host compares with the values it accepts.
+// What a prepare or a play has come to.
 enum class QLHalvoStatus : std::int64_t {
   // prepare: every required part is ready. play: every part has played.
   success = 800,
@@ -46,12 +42,4 @@ std::optional<QLHalvoStatus> halvoStatusFromRawValue(std::int64_t rawValue);
 std::string_view nameOf(QLHalvoStatus status);
 // A sentence for a person.
 std::string_view sentenceOf(QLHalvoStatus status);
-NSError errorOf(QLHalvoStatus status);
-
-const std::error_category& halvoStatusCategory();
-std::error_code make_error_code(QLHalvoStatus status);
-
 }  // namespace quellaro
-
-template <>
-struct std::is_error_code_enum<quellaro::QLHalvoStatus> : std::true_type {};
