@@ -168,6 +168,23 @@ TEST(URLSession, EveryWayAnAnswerCanGoWrongIsAnErrorWithACode) {
   }
 }
 
+TEST(URLSession, CurlsNumbersMeanTheSameWhateverItsVersion) {
+  const std::pair<int, URLErrorCode> cases[] = {{1, URLErrorCode::UnsupportedURL},
+                                                {6, URLErrorCode::CannotFindHost},
+                                                {7, URLErrorCode::CannotConnectToHost},
+                                                {8, URLErrorCode::BadServerResponse},
+                                                {28, URLErrorCode::TimedOut},
+                                                {35, URLErrorCode::SecureConnectionFailed},
+                                                {56, URLErrorCode::NetworkConnectionLost},
+                                                {60, URLErrorCode::ServerCertificateUntrusted},
+                                                {63, URLErrorCode::DataLengthExceedsMaximum},
+                                                {97, URLErrorCode::CannotConnectToHost},
+                                                {100, URLErrorCode::DataLengthExceedsMaximum},
+                                                {101, URLErrorCode::SecureConnectionFailed},
+                                                {9999, URLErrorCode::Unknown}};
+  for (const auto& [result, code] : cases) EXPECT_EQ(urlErrorCodeOfCurl(result), code) << result;
+}
+
 TEST(URLSession, ASlowTransferThatIsAliveLivesOn) {
   const ScriptedServer server([](const Request&, const Connection& connection) {
     for (const char c : std::string("HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc")) {

@@ -29,6 +29,9 @@ enum class URLErrorCode : std::int64_t {
   ServerCertificateNotYetValid = -1204,
 };
 
+// What a result of curl's (CURLcode) means, by its number: of whichever curl is there when the program runs.
+URLErrorCode urlErrorCodeOfCurl(int result);
+
 // With the platform's sentence for the code, and in brackets what more is known.
 NSError urlError(URLErrorCode code, std::string_view detail = {});
 

@@ -11,6 +11,7 @@
 
 #include "platform/dispatch/clock.h"
 #include "platform/foundation/memory/limits.h"
+#include "platform/foundation/network/url_error.h"
 
 namespace quellaro {
 
@@ -37,45 +38,17 @@ URLErrorCode codeOfCertificate(long verifyResult) {
   return URLErrorCode::ServerCertificateUntrusted;
 }
 
-// An address that is not supported is a redirect's, as the first one is looked at in advance; without a header it is an
-// answer that is no HTTP.
+// What curl's result means where that depends on how far the transfer came.
 URLErrorCode codeOf(CURLcode result, CURL* handle, bool hasAnswered) {
-  switch (result) {
-    case CURLE_UNSUPPORTED_PROTOCOL:
-      return hasAnswered ? URLErrorCode::UnsupportedURL : URLErrorCode::BadServerResponse;
-    case CURLE_URL_MALFORMAT:
-      return URLErrorCode::BadURL;
-    case CURLE_COULDNT_RESOLVE_HOST:
-    case CURLE_COULDNT_RESOLVE_PROXY:
-      return URLErrorCode::CannotFindHost;
-    case CURLE_COULDNT_CONNECT:
-      return URLErrorCode::CannotConnectToHost;
-    case CURLE_OPERATION_TIMEDOUT:
-      return URLErrorCode::TimedOut;
-    case CURLE_TOO_MANY_REDIRECTS:
-      return URLErrorCode::HTTPTooManyRedirects;
-    case CURLE_FILESIZE_EXCEEDED:
-      return URLErrorCode::DataLengthExceedsMaximum;
-    case CURLE_GOT_NOTHING:
-    case CURLE_PARTIAL_FILE:
-    case CURLE_SEND_ERROR:
-    case CURLE_RECV_ERROR:
-      return URLErrorCode::NetworkConnectionLost;
-    case CURLE_WEIRD_SERVER_REPLY:
-    case CURLE_HTTP2:
-    case CURLE_BAD_CONTENT_ENCODING:
-      return URLErrorCode::BadServerResponse;
-    case CURLE_PEER_FAILED_VERIFICATION: {
-      long verifyResult = 0;
-      curl_easy_getinfo(handle, CURLINFO_SSL_VERIFYRESULT, &verifyResult);
-      return codeOfCertificate(verifyResult);
-    }
-    case CURLE_SSL_CONNECT_ERROR:
-    case CURLE_SSL_CACERT_BADFILE:
-      return URLErrorCode::SecureConnectionFailed;
-    default:
-      return URLErrorCode::Unknown;
+  // The first address is looked at in advance, so that one that is not supported is a redirect's; without a header it
+  // is an answer that is no HTTP.
+  if (result == CURLE_UNSUPPORTED_PROTOCOL && !hasAnswered) return URLErrorCode::BadServerResponse;
+  if (result == CURLE_PEER_FAILED_VERIFICATION) {
+    long verifyResult = 0;
+    curl_easy_getinfo(handle, CURLINFO_SSL_VERIFYRESULT, &verifyResult);
+    return codeOfCertificate(verifyResult);
   }
+  return urlErrorCodeOfCurl(static_cast<int>(result));
 }
 
 }  // namespace
