@@ -61,7 +61,7 @@ Bitmap bruteForce(const Contours& contours, int width, int height) {
     }
     for (int x = 0; x < width; ++x) {
       const int covered = (hits[static_cast<std::size_t>(x)] * 255 + 128) / (kSamples * kSamples);
-      bitmap.row(y)[x] = static_cast<std::uint32_t>(covered) << 24;
+      bitmap.row(y)[x] = static_cast<std::uint32_t>(covered) * 0x01010101;
     }
   }
   return bitmap;

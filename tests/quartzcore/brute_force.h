@@ -14,7 +14,7 @@ using Contours = std::vector<std::vector<CGPoint>>;
 // meet. All pieces turn the same way.
 Contours strokePieces(const Contours& lines, double width);
 
-// Black where the contours wind around the place, by 16 x 16 samples of each pixel.
+// White where the contours wind around the place, by 16 x 16 samples of each pixel.
 Bitmap bruteForce(const Contours& contours, int width, int height);
 
 }  // namespace quellaro

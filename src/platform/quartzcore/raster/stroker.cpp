@@ -187,9 +187,9 @@ void StrokeSink::turnOutside(Side& side, CGPoint at, const Segment& from, const 
 void StrokeSink::extend(Side& side, CGPoint to) {
   const CGPoint mapped = toArea_.map(to);
   if (side.isRight)
-    rasterizer_.clippedEdge(mapped, side.reached);
+    rasterizer_.clippedEdge(side.run, mapped, side.reached);
   else
-    rasterizer_.clippedEdge(side.reached, mapped);
+    rasterizer_.clippedEdge(side.run, side.reached, mapped);
   side.reached = mapped;
 }
 
@@ -198,9 +198,9 @@ void StrokeSink::endOpen() {
   turnIntoEnd();
   extend(left_, current_ + last_.normal);
   extend(right_, current_ - last_.normal);
-  rasterizer_.clippedEdge(left_.reached, right_.reached);
-  rasterizer_.clippedEdge(right_.start, left_.start);
-  first_.reset();
+  rasterizer_.clippedEdge(left_.run, left_.reached, right_.reached);
+  rasterizer_.clippedEdge(left_.run, right_.start, left_.start);
+  finishSides(false);
 }
 
 void StrokeSink::endClosed() {
@@ -208,6 +208,12 @@ void StrokeSink::endClosed() {
   turn(current_, last_, *first_, Corner::WithinCurve);
   extend(left_, start_ + first_->normal);
   extend(right_, start_ - first_->normal);
+  finishSides(true);
+}
+
+void StrokeSink::finishSides(bool isRing) {
+  rasterizer_.finish(left_.run, isRing);
+  rasterizer_.finish(right_.run, isRing);
   first_.reset();
 }
 

@@ -41,6 +41,7 @@ class StrokeSink {
     CGPoint start;
     CGPoint reached;
     bool isRight = false;
+    Rasterizer::Run run;
   };
 
   Segment segmentAlong(CGPoint direction, double length) const;
@@ -56,6 +57,7 @@ class StrokeSink {
   void extend(Side& side, CGPoint to);
   void endOpen();
   void endClosed();
+  void finishSides(bool isRing);
 
   Rasterizer& rasterizer_;
   Affine toArea_;
