@@ -17,6 +17,9 @@ inline constexpr std::size_t kFrames = 100'000;
 inline constexpr std::size_t kXmlElements = 2'000'000;
 inline constexpr std::size_t kXmlDepth = 1'500'000;
 inline constexpr std::size_t kXmlAttributes = 10'000;
+// Declared in a document type; drawing programs declare ten addresses. And what all references to them grow to.
+inline constexpr std::size_t kXmlEntities = 64;
+inline constexpr std::size_t kXmlEntityBytes = std::size_t{64} << 10;
 
 // The body of a response, decoded. Three times the heaviest honest animation.json.
 inline constexpr std::size_t kResponseBytes = std::size_t{128} << 20;

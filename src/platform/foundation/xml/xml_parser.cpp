@@ -183,7 +183,7 @@ bool NSXMLParser::reference(std::string* decoded) {
     if (decoded != nullptr) *decoded += character;
     return true;
   }
-  return fail("'&' that begins none of the five entities");
+  return entityReference(decoded);
 }
 
 bool NSXMLParser::characterReference(std::string* decoded) {

@@ -34,8 +34,10 @@ struct XMLError {
 
 // A strict, non-validating reader of one XML 1.0 document in UTF-8, whatever encoding its declaration claims. Nothing
 // is copied but attribute values that differ from what is written: with references, or with tabs and line ends, which
-// arrive as blanks. No namespaces. A document type is passed over, so that the only entities are the five predefined
-// ones and nothing ever expands. Any mistake ends the parse; what was told before stays told. Uses no recursion.
+// arrive as blanks. No namespaces. Of a document type only the general entities are read whose value is text: no
+// markup, no other entity. So nothing expands twice, and limits::kXmlEntityBytes bounds what references grow to; a
+// reference to anything else is a mistake. Any mistake ends the parse; what was told before stays told. Uses no
+// recursion.
 class NSXMLParser {
  public:
   // Lists of attributes and decoded values go into the arena.
@@ -70,6 +72,9 @@ class NSXMLParser {
   bool documentTypeSubset();
   bool documentTypeDeclaration();
   bool quotedLiteral();
+  bool entityDeclaration();
+  bool entityText(std::string_view literal, std::string& text);
+  bool entityReference(std::string* decoded);
   bool pseudoAttribute(std::string_view name, std::string_view& value);
   [[gnu::cold]] bool reference(std::string* decoded);
   bool characterReference(std::string* decoded);
@@ -93,6 +98,13 @@ class NSXMLParser {
   std::string decoded_;
   std::size_t elements_ = 0;
   bool typeSeen_ = false;
+  struct Entity {
+    std::string_view name;
+    std::optional<std::string> text;  // absent: not one to be replaced
+  };
+  std::vector<Entity> entities_;
+  bool entitiesKnown_ = true;  // a parameter entity may declare what nobody reads
+  std::size_t entityBytes_ = 0;
   std::optional<XMLError> error_;
 };
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/foundation/memory/limits.h"
 #include "platform/foundation/xml/xml_characters.h"
 #include "platform/foundation/xml/xml_parser.h"
 
@@ -100,6 +101,7 @@ bool NSXMLParser::documentTypeSubset() {
       fine = processingInstruction();
     } else if (skip("%")) {
       std::string_view entity;
+      entitiesKnown_ = false;
       fine = name(entity) && (skip(";") || fail("';' is missing after an entity's name"));
     } else {
       fine = documentTypeDeclaration();
@@ -108,11 +110,13 @@ bool NSXMLParser::documentTypeSubset() {
   }
 }
 
-// Passed over: only quotes are looked at, to find the end.
+// Passed over but for entities: only quotes are looked at, to find the end.
 bool NSXMLParser::documentTypeDeclaration() {
+  const bool isEntity = at("<!ENTITY");
   if (!skip("<!ELEMENT") && !skip("<!ATTLIST") && !skip("<!ENTITY") && !skip("<!NOTATION"))
     return fail("not a declaration of a document type");
   if (!skipSpaces()) return fail("a blank is missing in a declaration");
+  if (isEntity && !entityDeclaration()) return false;
   while (at_ != end_ && *at_ != '<') {
     if (skip(">")) return true;
     if (!(*at_ == '"' || *at_ == '\'' ? quotedLiteral() : character())) return false;
@@ -124,6 +128,60 @@ bool NSXMLParser::quotedLiteral() {
   if (!at("\"") && !at("'")) return fail("a quoted text is missing");
   const char quote = *at_++;
   return through({&quote, 1}, "a quoted text is not closed");
+}
+
+// A name and a quoted value; what is declared otherwise stays unknown.
+bool NSXMLParser::entityDeclaration() {
+  const char* const start = at_;
+  at_ = xml::skipName(at_, end_);
+  const std::string_view name(start, static_cast<std::size_t>(at_ - start));
+  if (name.empty() || !skipSpaces() || !(at("\"") || at("'"))) return true;
+  const char* const value = at_ + 1;
+  if (!quotedLiteral()) return false;
+  // The first declaration of a name counts.
+  const auto known = std::find_if(entities_.begin(), entities_.end(), [&](const Entity& e) { return e.name == name; });
+  if (!entitiesKnown_ || known != entities_.end()) return true;
+  if (entities_.size() == limits::kXmlEntities) return fail("too many entities");
+  std::string text;
+  const bool isText = entityText({value, static_cast<std::size_t>(at_ - 1 - value)}, text);
+  entities_.push_back({name, isText ? std::optional(std::move(text)) : std::nullopt});
+  return true;
+}
+
+// As it arrives in an attribute's value; gives whether it is text.
+bool NSXMLParser::entityText(std::string_view literal, std::string& text) {
+  for (std::size_t i = 0; i < literal.size();) {
+    if (literal.substr(i, 2) == "&#") {
+      const char* const after = at_;
+      at_ = literal.data() + i;
+      const bool fine = characterReference(&text) && text.back() != '<' && text.back() != '&';
+      i = static_cast<std::size_t>(at_ - literal.data());
+      at_ = after;
+      error_.reset();
+      if (!fine) return false;
+    } else if (literal[i] == '<' || literal[i] == '&' || literal[i] == '%') {
+      return false;
+    } else {
+      text += literal[i];
+      i += literal.substr(i, 2) == "\r\n" ? 2 : 1;
+    }
+    if (xml::isSpace(text.back())) text.back() = ' ';
+  }
+  return true;
+}
+
+bool NSXMLParser::entityReference(std::string* decoded) {
+  const char* const start = at_ + 1;
+  const char* const close = xml::skipName(start, end_);
+  const std::string_view name(start, static_cast<std::size_t>(close - start));
+  const auto entity = std::find_if(entities_.begin(), entities_.end(), [&](const Entity& e) { return e.name == name; });
+  if (close == end_ || *close != ';' || entity == entities_.end() || !entity->text)
+    return fail("'&' that begins none of the five entities, nor one whose text is declared");
+  entityBytes_ += entity->text->size();
+  if (entityBytes_ > limits::kXmlEntityBytes) return fail("entities grow too long");
+  if (decoded != nullptr) *decoded += *entity->text;
+  at_ = close + 1;
+  return true;
 }
 
 }  // namespace quellaro
