@@ -42,14 +42,6 @@ std::optional<std::string> baseAddress() {
   return std::nullopt;
 }
 
-// What a process left behind that was killed in the middle of a write.
-void removeStrays(const std::string& directory) {
-  for (std::string& name : FileManager::contentsOfDirectoryAtPath(directory))
-    if (std::any_of(kCueFiles.begin(), kCueFiles.end(),
-                    [&](const char* file) { return FileManager::isUnfinishedWrite(name, file); }))
-      FileManager::removeItemAtPath(name.insert(0, directory + "/"));
-}
-
 bool isComplete(const std::string& directory) {
   return std::all_of(kCueFiles.begin(), kCueFiles.end(),
                      [&](const char* file) { return FileManager::fileExistsAtPath(directory + "/" + file); });
@@ -222,7 +214,7 @@ bool QLUpgradeController::canActivate(const Check& check) const {
 void QLUpgradeController::activateDownloadedAssets(const Check& check) {
   const std::optional<std::string> active = HalvoFileManager::activeDirectory(check.cue);
   if (!active) return;
-  removeStrays(check.stagingDirectory);
+  FileManager::removeUnfinishedWrites(check.stagingDirectory);
   HalvoFileManager::removeDirectoryIfExists(*active);
   HalvoFileManager::moveItem(check.stagingDirectory, *active);
   HalvoUtility::setCueVersion(check.cue, check.source.version);

@@ -22,7 +22,7 @@ TEST_F(Upgrade, InstallsWhatTheStoreListsAndThenKeepsQuietForAWeek) {
   publish("7", "q/7");
   installActive("1");
   writeFile(staging() / "audio.mp3", "of an earlier attempt");
-  writeFile(staging() / "audio.mp3.4711-0.tmp", "of a process that was killed");
+  writeFile(staging() / "audio.mp3.4711-0.halvo-unfinished", "of a process that was killed");
   const auto controller = makeController();
   controller->checkForUpgrade();
   EXPECT_FALSE(controller->didRemoteUpgradeFound());
@@ -225,7 +225,7 @@ TEST_F(Upgrade, DiscardedAssetsComeAgainWhateverTheirVersion) {
 TEST_F(Upgrade, WhatHasArrivedWholeIsInstalledWhateverElseLiesThere) {
   publish("", "q/0");
   writeFile(staging() / "other.txt", "kept");
-  writeFile(staging() / "audio.mp3.77-0.tmp", "of a write that was killed");
+  writeFile(staging() / "audio.mp3.77-0.halvo-unfinished", "of a write that was killed");
   const auto controller = makeController();
   controller->checkForUpgrade();
   while (takePrinted().empty()) MainQueue::shared().drain();

@@ -1,0 +1,36 @@
+#include "support/failing_memory.h"
+
+#include <atomic>
+#include <climits>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<long> left = LONG_MAX;
+
+void* allocate(std::size_t size) noexcept {
+  return left.load(std::memory_order_relaxed) != LONG_MAX && left-- == 0 ? nullptr : std::malloc(size);
+}
+
+}  // namespace
+
+// These stand before the standard library's.
+#pragma GCC visibility push(default)
+void* operator new(std::size_t size) {
+  void* const memory = allocate(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#pragma GCC visibility pop
+
+namespace quellaro {
+
+FailingAllocation::FailingAllocation(long others) { left = others; }
+
+bool FailingAllocation::end() { return left.exchange(LONG_MAX) < 0; }
+
+}  // namespace quellaro
