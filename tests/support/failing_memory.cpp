@@ -1,16 +1,27 @@
 #include "support/failing_memory.h"
 
+#include <pthread.h>
+
 #include <atomic>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
 
 std::atomic<long> left = LONG_MAX;
 
+std::atomic<pthread_t> tested;
+
+bool isTested() {
+  char name[16] = "";
+  return pthread_equal(tested, pthread_self()) != 0 ||
+         (pthread_getname_np(pthread_self(), name, sizeof name) == 0 && std::strcmp(name, "URLSession") == 0);
+}
+
 void* allocate(std::size_t size) noexcept {
-  return left.load(std::memory_order_relaxed) != LONG_MAX && left-- == 0 ? nullptr : std::malloc(size);
+  return left != LONG_MAX && isTested() && left-- == 0 ? nullptr : std::malloc(size);
 }
 
 }  // namespace
@@ -29,7 +40,10 @@ void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace quellaro {
 
-FailingAllocation::FailingAllocation(long others) { left = others; }
+FailingAllocation::FailingAllocation(long others) {
+  tested = pthread_self();
+  left = others;
+}
 
 bool FailingAllocation::end() { return left.exchange(LONG_MAX) < 0; }
 

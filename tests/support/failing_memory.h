@@ -2,7 +2,8 @@
 
 namespace quellaro {
 
-// Lets one allocation of the program fail: the one that comes after so many others, on any thread, counted from here.
+// Lets one allocation fail: the one that comes after so many others, on this thread and the network's, counted from
+// here. Whoever plays the network in a test is spared.
 class FailingAllocation {
  public:
   explicit FailingAllocation(long others);

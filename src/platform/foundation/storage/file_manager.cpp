@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <ftw.h>
 #include <stdio.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -32,6 +33,10 @@ std::optional<NSError> errorOf(const std::error_code& code) {
   return posixError(code.value());
 }
 
+// While a directory is removed.
+constexpr int kOpenDirectories = 16;
+
+// What the standard library offers for directories ends the process when memory has run out.
 struct CloseDirectory {
   void operator()(DIR* directory) const { closedir(directory); }
 };
@@ -148,7 +153,6 @@ Result<std::string> FileManager::readAtPath(const std::string& path, std::size_t
 std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::string& path) {
   std::vector<std::string> names;
   if (!isUsable(path)) return names;
-  // The standard library's iterator ends the process when memory has run out.
   const std::unique_ptr<DIR, CloseDirectory> directory(opendir(path.c_str()));
   while (const dirent* const entry = directory ? readdir(directory.get()) : nullptr) {
     const std::string_view name = entry->d_name;
@@ -166,9 +170,13 @@ std::optional<NSError> FileManager::createDirectoryAtPath(const std::string& pat
 
 std::optional<NSError> FileManager::removeItemAtPath(const std::string& path) {
   if (!isUsable(path)) return posixError(EINVAL);
-  std::error_code code;
-  if (fs::remove_all(path, code) == 0 && !code) return posixError(ENOENT);
-  return errorOf(code);
+  const auto removeOne = [](const char* item, const struct stat*, int kind, FTW*) {
+    const bool isDirectory = kind == FTW_DP || kind == FTW_DNR;
+    return unlinkat(AT_FDCWD, item, isDirectory ? AT_REMOVEDIR : 0) == 0 ? 0 : errno;
+  };
+  const int result = nftw(path.c_str(), removeOne, kOpenDirectories, FTW_DEPTH | FTW_PHYS);
+  if (result == 0) return std::nullopt;
+  return posixError(result > 0 ? result : errno);
 }
 
 std::optional<NSError> FileManager::moveItemAtPath(const std::string& from, const std::string& to) {
