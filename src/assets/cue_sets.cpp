@@ -75,10 +75,12 @@ void CueSets::install(const Staged& staged, const std::string& cueName) {
 void CueSets::discard(const std::string& cueName) {
   const std::optional<std::string> active = HalvoFileManager::activeDirectory(cueName);
   const std::optional<std::string> discarded = HalvoFileManager::stagingDirectory(cueName + kDiscarded);
-  if (!active || !discarded || !FileManager::fileExistsAtPath(*active)) return;
+  if (!active || !discarded) return;
+  // What a killed process has left.
+  HalvoFileManager::removeDirectoryIfExists(*discarded);
+  if (!FileManager::fileExistsAtPath(*active)) return;
   // Out of the way as a whole: half a set that a killed process leaves would be played from.
   HalvoFileManager::createDirectoryIfNeeded(discarded->substr(0, discarded->rfind('/')));
-  HalvoFileManager::removeDirectoryIfExists(*discarded);
   HalvoFileManager::removeDirectoryIfExists(move(*active, *discarded) ? *discarded : *active);
 }
 

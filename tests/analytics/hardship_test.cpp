@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdlib>
 
 #include "analytics_fixture.h"
 #include "platform/foundation/storage/user_defaults.h"
-#include "support/failing_memory.h"
+#include "support/hardship/failing_changes.h"
+#include "support/hardship/failing_memory.h"
 
 namespace quellaro {
 namespace {
@@ -104,6 +108,45 @@ TEST_F(Hardship, WhicheverAllocationFailsLaterPlaysCountAndNothingCountsTwice) {
       EXPECT_GT(n, 50);
       break;
     }
+}
+
+TEST_F(Hardship, KilledAtWhicheverChangeOfTheFileSystemNothingIsLostOrCountsTwice) {
+  MixpanelAnalyticsServiceProvider::loadDistinctID();
+  // What the process that is killed has seen accepted.
+  auto* const accepted = static_cast<long long*>(
+      mmap(nullptr, sizeof(long long), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+  for (const Situation& situation : kSituations)
+    for (long n = 0;; ++n) {
+      SCOPED_TRACE(std::string(situation.name) + ", change " + std::to_string(n));
+      ASSERT_LT(n, 100);
+      arrange(situation);
+      *accepted = 0;
+      const pid_t child = fork();
+      if (child == 0) {
+        const FailingChanges failing(n, true);
+        play("old");
+        while (endpoint_.open() > 0) {
+          if (situation.answer == std::string(kAccepted)) *accepted += playsSent(endpoint_.oldestBody());
+          endpoint_.answer(situation.answer);
+        }
+        _exit(0);
+      }
+      int status = 0;
+      ASSERT_EQ(waitpid(child, &status, 0), child);
+      const bool wasKilled = WIFSIGNALED(status);
+      play("old");
+      answerAll(kAccepted);
+      const long long plays = *accepted + delivered_ + playsStored();
+      EXPECT_GE(plays, wasKilled ? 3 : 4) << "the play that was being counted may be missing, and nothing else";
+      // What was accepted when the process was killed, before it could be noted, is sent again.
+      EXPECT_LE(plays, 4 + (wasKilled ? *accepted : 0));
+      expectNothingLeftBehind();
+      ASSERT_FALSE(HasFailure());
+      if (wasKilled) continue;
+      EXPECT_GT(n, 2);
+      break;
+    }
+  munmap(accepted, sizeof(long long));
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "assets/upgrade_fixture.h"
-#include "support/failing_memory.h"
+#include "support/hardship/failing_memory.h"
 
 namespace quellaro {
 namespace {

@@ -1,4 +1,4 @@
-#include "support/failing_memory.h"
+#include "support/hardship/failing_memory.h"
 
 #include <pthread.h>
 
