@@ -36,6 +36,15 @@ std::string HalvoFileManager::assetsDirectoryPath(const std::optional<std::strin
   return NSBundle::library().bundlePath();
 }
 
+std::optional<std::string> HalvoFileManager::versionConfig() {
+  return FileManager::contentsAtPath(assetsDirectoryPath(std::nullopt) + "/" + kVersionConfigFile);
+}
+
+std::optional<std::string> HalvoFileManager::versionConfigOrBuiltIn() {
+  if (std::optional<std::string> active = versionConfig()) return active;
+  return FileManager::contentsAtPath(NSBundle::library().bundlePath() + "/" + kVersionConfigFile);
+}
+
 std::optional<std::string> HalvoFileManager::libraryFileURL(const std::string& name) {
   std::optional<std::string> path = NSSearchPathForLibraryDirectory();
   if (path) *path += name;

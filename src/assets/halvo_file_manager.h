@@ -23,6 +23,11 @@ class HalvoFileManager {
   // <Library>/halvo_assets_active, with "/" and the cue's name when one is given, when there is anything at that path;
   // the library's bundle otherwise. There is no fallback file by file.
   static std::string assetsDirectoryPath(const std::optional<std::string>& cueName);
+  // The "version_config.json" that a check for upgrades reads: that of the active assets, or the bundle's while there
+  // are none.
+  static std::optional<std::string> versionConfig();
+  // The one that a prepare reads: the bundle's, too, when that of the active assets cannot be read.
+  static std::optional<std::string> versionConfigOrBuiltIn();
   // The path of the Library directory with the name appended as it is (names begin with "/"); nothing without a
   // Library.
   static std::optional<std::string> libraryFileURL(const std::string& name);

@@ -10,22 +10,10 @@
 #include "media/haptics_feedback_error.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
-#include "platform/foundation/storage/bundle.h"
 #include "platform/foundation/storage/file_manager.h"
 #include "types/cue_name.h"
 
 namespace quellaro {
-
-namespace {
-
-// The copy that was fetched last; the built-in one while there is none.
-std::optional<std::string> readVersionConfig() {
-  const std::string path = HalvoFileManager::assetsDirectoryPath(std::nullopt) + "/" + kVersionConfigFile;
-  if (auto contents = FileManager::contentsAtPath(path)) return contents;
-  return FileManager::contentsAtPath(NSBundle::library().bundlePath() + "/" + kVersionConfigFile);
-}
-
-}  // namespace
 
 void QLHalvoController::prepare(QLHalvoType type, const std::string& halvoCue, QLHalvoEnvironment environment,
                                 std::shared_ptr<const QLHalvoMerchant> merchant, bool isHapticsEnabled,
@@ -62,6 +50,8 @@ void QLHalvoController::runPrepareSequence(QLHalvoType type, HalvoCompletion com
   animationStatus_ = needsAnimation ? Status::Not_Ready : Status::Not_Required;
   soundStatus_ = needsSound ? Status::Not_Ready : Status::Not_Required;
 
+  UpgradeControlling* const upgrade = upgradeController();
+  const FileLock reading = upgrade != nullptr ? upgrade->beginReading(*preparingHalvoCue_) : FileLock();
   versionConfigStatus_ = loadVersionConfig() ? Status::Ready : Status::Error;
   isPreparedHalvoCueValid_ =
       halvoVersionConfig_ && halvoVersionConfig_->cues && halvoVersionConfig_->cues->contains(*preparingHalvoCue_);
@@ -78,7 +68,7 @@ void QLHalvoController::runPrepareSequence(QLHalvoType type, HalvoCompletion com
 
 bool QLHalvoController::loadVersionConfig() {
   setVersionConfig(nullptr);
-  std::optional<std::string> bytes = readVersionConfig();
+  std::optional<std::string> bytes = HalvoFileManager::versionConfigOrBuiltIn();
   if (!bytes) return false;
   const auto entries = decodeVersionConfigs(std::move(*bytes));
   if (!entries) return false;

@@ -69,8 +69,9 @@ UsageFile readUsageFile(const std::string& path, QLHalvoEnvironment environment,
 QLHalvoAnalyticsInfo currentSettings(bool libraryExists) {
   std::optional<std::string> json;
   if (libraryExists)
-    json = FileManager::contentsAtPath(HalvoFileManager::assetsDirectoryPath(std::nullopt) + "/" + kVersionConfigFile);
-  if (!json) json = FileManager::contentsAtPath(NSBundle::library().bundlePath() + "/" + kVersionConfigFile);
+    json = HalvoFileManager::versionConfigOrBuiltIn();
+  else
+    json = FileManager::contentsAtPath(NSBundle::library().bundlePath() + "/" + kVersionConfigFile);
   if (!json) return {};
   const auto entries = decodeVersionConfigs(std::move(*json));
   if (!entries) return {};

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <new>
 #include <type_traits>
 
 #include "platform/foundation/memory/large_memory.h"
@@ -207,11 +208,14 @@ Result<JSONDocument> JSONDocument::parse(std::string bytes) {
   auto content = std::make_unique<Content>();
   content->bytes = std::move(bytes);
   content->bytes.reserve(content->bytes.size() + simdjson::SIMDJSON_PADDING);
-  if (content->document.allocate(length) == simdjson::SUCCESS)
+  simdjson::error_code error = content->document.allocate(length);
+  if (error == simdjson::SUCCESS) {
     preferLargePages(content->document.string_buf.get(), length);
-  const simdjson::error_code error =
-      content->parser.parse_into_document(content->document, content->bytes.data() + start, length, false)
-          .get(content->root);
+    error = content->parser.parse_into_document(content->document, content->bytes.data() + start, length, false)
+                .get(content->root);
+  }
+  // Nothing is wrong with the text.
+  if (error == simdjson::MEMALLOC) throw std::bad_alloc();
   if (error != simdjson::SUCCESS) return unreadable(simdjson::error_message(error));
   // Only the tape and the strings are needed from here on.
   content->parser = dom::parser();

@@ -49,4 +49,7 @@ inline constexpr std::size_t kHapticControlPoints = 512;
 // are 64 MB.
 inline constexpr std::size_t kUsageFileBytes = std::size_t{64} << 20;
 
+// Plays that wait to be counted while an answer is awaited or another process keeps the files. More are not counted.
+inline constexpr std::size_t kWaitingPlays = 10'000;
+
 }  // namespace quellaro::limits

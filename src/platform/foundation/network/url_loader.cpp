@@ -6,7 +6,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <system_error>
+#include <exception>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -19,6 +20,27 @@ namespace {
 // Far longer than the thread ever works without sleeping; only there so that nothing can hold up an exit.
 constexpr std::chrono::seconds kLongestWaitAtExit{1};
 constexpr double kLongestSleep = 3600;  // seconds
+
+// A completion is owed, however long memory is short.
+template <class Work>
+void insist(const Work& work) {
+  constexpr std::chrono::milliseconds kPause{10};
+  while (true) {
+    try {
+      return work();
+    } catch (const std::bad_alloc&) {
+      std::this_thread::sleep_for(kPause);
+    }
+  }
+}
+
+bool isPrepared(URLTransfer& transfer) {
+  try {
+    return transfer.prepare();
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
 
 void freezeAtExit() { URLLoader::shared().freeze(); }
 
@@ -57,7 +79,7 @@ bool URLLoader::startThread() {
   try {
     std::thread([this] { run(); }).detach();
     isRunning_ = true;
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {
     isRunning_ = false;
   }
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
@@ -86,25 +108,26 @@ void URLLoader::run() {
 }
 
 void URLLoader::admit() {
-  std::vector<std::unique_ptr<URLTransfer>> incoming;
+  Transfers incoming;
   {
     const std::lock_guard lock(mutex_);
     incoming.swap(incoming_);
   }
-  for (std::unique_ptr<URLTransfer>& transfer : incoming) {
-    if (!transfer->prepare() || curl_multi_add_handle(multi_, transfer->handle()) != CURLM_OK)
-      transfer->fail(URLErrorCode::Unknown);
-    else
-      transfers_.push_back(std::move(transfer));
+  while (!incoming.empty()) {
+    URLTransfer& transfer = *incoming.front();
+    if (!isPrepared(transfer) || curl_multi_add_handle(multi_, transfer.handle()) != CURLM_OK) {
+      insist([&] { transfer.fail(URLErrorCode::Unknown); });
+      incoming.pop_front();
+    } else {
+      transfers_.splice(transfers_.end(), incoming, incoming.begin());
+    }
   }
 }
 
-std::unique_ptr<URLTransfer> URLLoader::take(const URLTransfer* transfer) {
-  const auto found =
-      std::find_if(transfers_.begin(), transfers_.end(), [&](const auto& known) { return known.get() == transfer; });
-  std::unique_ptr<URLTransfer> taken = std::move(*found);
-  transfers_.erase(found);
-  curl_multi_remove_handle(multi_, taken->handle());
+URLLoader::Transfers URLLoader::take(Transfers::iterator transfer) {
+  Transfers taken;
+  taken.splice(taken.end(), transfers_, transfer);
+  curl_multi_remove_handle(multi_, taken.front()->handle());
   return taken;
 }
 
@@ -114,22 +137,25 @@ void URLLoader::collect() {
     if (message->msg != CURLMSG_DONE) continue;
     // The message does not outlive the handle's place in the multi.
     const CURLcode result = message->data.result;
-    URLTransfer* transfer = nullptr;
-    curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
-    take(transfer)->finish(result);
+    const CURL* const handle = message->easy_handle;
+    const auto found = std::find_if(transfers_.begin(), transfers_.end(),
+                                    [&](const auto& transfer) { return transfer->handle() == handle; });
+    const Transfers taken = take(found);
+    insist([&] { taken.front()->finish(result); });
   }
 }
 
 void URLLoader::giveUpHopeless(double now) {
-  std::vector<std::pair<const URLTransfer*, URLErrorCode>> hopeless;
-  for (const auto& transfer : transfers_) {
-    transfer->noteActivity(now);
-    if (transfer->isEndless())
-      hopeless.emplace_back(transfer.get(), URLErrorCode::DataLengthExceedsMaximum);
-    else if (transfer->deadline() <= now)
-      hopeless.emplace_back(transfer.get(), URLErrorCode::TimedOut);
+  for (auto next = transfers_.begin(); next != transfers_.end();) {
+    const auto current = next++;
+    URLTransfer& transfer = **current;
+    transfer.noteActivity(now);
+    const bool isLate = transfer.deadline() <= now;
+    if (!isLate && !transfer.isEndless()) continue;
+    const URLErrorCode code = transfer.isEndless() ? URLErrorCode::DataLengthExceedsMaximum : URLErrorCode::TimedOut;
+    const Transfers taken = take(current);
+    insist([&] { transfer.fail(code); });
   }
-  for (const auto& [transfer, code] : hopeless) take(transfer)->fail(code);
 }
 
 int URLLoader::millisecondsToSleep() const {

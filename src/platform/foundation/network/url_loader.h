@@ -2,9 +2,9 @@
 
 #include <curl/curl.h>
 
+#include <list>
 #include <memory>
 #include <mutex>
-#include <vector>
 
 #include "platform/foundation/network/url_transfer.h"
 
@@ -28,19 +28,21 @@ class URLLoader {
   void admit();
   void collect();
   void giveUpHopeless(double now);
-  std::unique_ptr<URLTransfer> take(const URLTransfer* transfer);
+  using Transfers = std::list<std::unique_ptr<URLTransfer>>;
+  Transfers take(Transfers::iterator transfer);
   int millisecondsToSleep() const;
 
   std::mutex mutex_;
   bool isRunning_ = false;
   CURLM* multi_ = nullptr;  // there before the thread is
-  std::vector<std::unique_ptr<URLTransfer>> incoming_;
+  // Lists: from its start on, a transfer takes no memory to move on.
+  Transfers incoming_;
 
   // Held by the thread whenever it does more than sleep.
   std::timed_mutex working_;
   bool isFrozen_ = false;  // the exiting thread's own
   // The thread's own.
-  std::vector<std::unique_ptr<URLTransfer>> transfers_;
+  Transfers transfers_;
 };
 
 }  // namespace quellaro

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 #include "platform/dispatch/clock.h"
@@ -56,7 +57,7 @@ URLErrorCode codeOf(CURLcode result, CURL* handle, bool hasAnswered) {
 URLTransfer::URLTransfer(URLRequest request, MainQueue& queue, URLSessionCompletion completion)
     : request_(std::move(request)),
       queue_(&queue),
-      completion_(std::move(completion)),
+      outcome_(std::make_shared<Outcome>(Outcome{std::move(completion), {}, {}, {}})),
       activity_(queue.beginActivity()),
       certificateFile_(environmentValue("SSL_CERT_FILE")),
       certificateDirectory_(environmentValue("SSL_CERT_DIR")),
@@ -144,7 +145,6 @@ void URLTransfer::setSecurity() {
 
 void URLTransfer::setCallbacks() {
   CURL* const handle = handle_.get();
-  curl_easy_setopt(handle, CURLOPT_PRIVATE, this);
   curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, detail_.data());
 
   curl_write_callback write = [](char* bytes, std::size_t, std::size_t count, void* self) {
@@ -171,11 +171,7 @@ void URLTransfer::setCallbacks() {
   curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
 
   curl_opensocket_callback open = [](void* self, curlsocktype, curl_sockaddr* address) -> curl_socket_t {
-    const int descriptor = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
-    if (descriptor < 0) return CURL_SOCKET_BAD;
-    static_cast<URLTransfer*>(self)->sockets_.push_back(descriptor);
-    ++static_cast<URLTransfer*>(self)->socketsSeen_;
-    return descriptor;
+    return static_cast<URLTransfer*>(self)->openSocket(*address);
   };
   curl_easy_setopt(handle, CURLOPT_OPENSOCKETFUNCTION, open);
   curl_easy_setopt(handle, CURLOPT_OPENSOCKETDATA, this);
@@ -200,7 +196,18 @@ std::size_t URLTransfer::receiveHeaderLine(std::string_view line) {
   return line.size();
 }
 
-std::size_t URLTransfer::receive(std::string_view bytes) {
+curl_socket_t URLTransfer::openSocket(const curl_sockaddr& address) try {
+  sockets_.reserve(sockets_.size() + 1);
+  const int descriptor = socket(address.family, address.socktype | SOCK_CLOEXEC, address.protocol);
+  if (descriptor < 0) return CURL_SOCKET_BAD;
+  sockets_.push_back(descriptor);
+  ++socketsSeen_;
+  return descriptor;
+} catch (const std::bad_alloc&) {
+  return CURL_SOCKET_BAD;
+}
+
+std::size_t URLTransfer::receive(std::string_view bytes) try {
   if (!decoder_) {
     curl_header* encoding = nullptr;
     const bool isEncoded =
@@ -211,6 +218,9 @@ std::size_t URLTransfer::receive(std::string_view bytes) {
   }
   failure_ = decoder_->append(bytes, body_);
   return failure_ ? 0 : bytes.size();
+} catch (const std::bad_alloc&) {
+  failure_ = URLErrorCode::Unknown;
+  return 0;
 }
 
 URLTransfer::LineState URLTransfer::lineState() const {
@@ -242,37 +252,28 @@ std::optional<NSHTTPURLResponse> URLTransfer::response() const {
 }
 
 void URLTransfer::finish(CURLcode result) {
-  if (result == CURLE_OK && decoder_) failure_ = decoder_->finish();
+  if (decoder_ && result == CURLE_OK) failure_ = decoder_->finish();
   // A head that breaks off would otherwise pass for an answer without a body.
   if (result == CURLE_OK && head_ != Head::Complete) failure_ = URLErrorCode::NetworkConnectionLost;
-  if (failure_)
-    fail(*failure_);
-  else if (result != CURLE_OK)
-    fail(codeOf(result, handle_.get(), head_ != Head::None),
-         detail_[0] != '\0' ? detail_.data() : curl_easy_strerror(result));
-  else if (body_.empty())
-    complete(std::nullopt, response(), std::nullopt);
-  else
-    complete(std::move(body_), response(), std::nullopt);
+  if (failure_) return fail(*failure_);
+  if (result != CURLE_OK)
+    return fail(codeOf(result, handle_.get(), head_ != Head::None),
+                detail_[0] != '\0' ? detail_.data() : curl_easy_strerror(result));
+  outcome_->response = response();
+  if (!body_.empty()) outcome_->data = std::move(body_);
+  complete();
 }
 
 void URLTransfer::fail(URLErrorCode code, std::string_view detail) {
   const std::string reason =
       detail.empty() ? request_.url.absoluteString() : request_.url.absoluteString() + ": " + std::string(detail);
-  complete(std::nullopt, response(), urlError(failure_.value_or(code), reason));
+  outcome_->response = response();
+  outcome_->error = urlError(failure_.value_or(code), reason);
+  complete();
 }
 
-void URLTransfer::complete(std::optional<std::string> data, std::optional<NSHTTPURLResponse> response,
-                           std::optional<NSError> error) {
-  struct Outcome {
-    URLSessionCompletion completion;
-    std::optional<std::string> data;
-    std::optional<NSHTTPURLResponse> response;
-    std::optional<NSError> error;
-  };
-  auto outcome = std::make_shared<Outcome>(
-      Outcome{std::exchange(completion_, nullptr), std::move(data), std::move(response), std::move(error)});
-  queue_->async([outcome = std::move(outcome)] {
+void URLTransfer::complete() {
+  queue_->async([outcome = outcome_] {
     if (outcome->completion)
       outcome->completion(std::move(outcome->data), std::move(outcome->response), std::move(outcome->error));
   });

@@ -35,7 +35,8 @@ class URLTransfer {
   // When the line will have been silent for too long.
   double deadline() const { return lastActivity_ + timeout_; }
 
-  // Each queues the completion; to be called once. The first is for a transfer that came to its end.
+  // Each queues the completion. The first is for a transfer that came to its end. One that throws bad_alloc has to be
+  // called again.
   void finish(CURLcode result);
   void fail(URLErrorCode code, std::string_view detail = {});
 
@@ -62,16 +63,25 @@ class URLTransfer {
   void setCallbacks();
   void addHeaderLine(const std::string& line);
   LineState lineState() const;
+  // What curl calls; nothing may be thrown through it.
+  curl_socket_t openSocket(const curl_sockaddr& address);
   // Each gives how much of it is welcome: all or nothing.
   std::size_t receiveHeaderLine(std::string_view line);
   std::size_t receive(std::string_view bytes);
   std::optional<NSHTTPURLResponse> response() const;
-  void complete(std::optional<std::string> data, std::optional<NSHTTPURLResponse> response,
-                std::optional<NSError> error);
+  void complete();
+
+  // What the completion is told, made in advance.
+  struct Outcome {
+    URLSessionCompletion completion;
+    std::optional<std::string> data;
+    std::optional<NSHTTPURLResponse> response;
+    std::optional<NSError> error;
+  };
 
   URLRequest request_;
   MainQueue* queue_;
-  URLSessionCompletion completion_;
+  std::shared_ptr<Outcome> outcome_;
   PendingActivity activity_;
   std::string certificateFile_;
   std::string certificateDirectory_;

@@ -1,12 +1,16 @@
 #include "platform/foundation/storage/file_manager.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <ftw.h>
 #include <stdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
 #include "platform/foundation/memory/large_memory.h"
@@ -29,6 +33,14 @@ std::optional<NSError> errorOf(const std::error_code& code) {
   return posixError(code.value());
 }
 
+// While a directory is removed.
+constexpr int kOpenDirectories = 16;
+
+// What the standard library offers for directories ends the process when memory has run out.
+struct CloseDirectory {
+  void operator()(DIR* directory) const { closedir(directory); }
+};
+
 bool writeAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = write(descriptor, bytes.data(), bytes.size());
@@ -39,13 +51,52 @@ bool writeAll(int descriptor, std::string_view bytes) {
   return true;
 }
 
-constexpr std::string_view kTemporaryEnding = ".tmp";
+// Nobody else's files end like this.
+constexpr std::string_view kUnfinishedEnding = ".halvo-unfinished";
 
-// Beside its target, so that the rename stays within one file system, and of this process and write alone.
-std::string temporaryNameFor(const std::string& path) {
-  static std::atomic<unsigned> count{0};
-  return path + "." + std::to_string(getpid()) + "-" + std::to_string(count++) + std::string(kTemporaryEnding);
-}
+// The file that a write begins, beside its target, so that the rename stays within one file system. It is locked as
+// long as it is being written, which tells it from what a killed process has left, and goes when the write fails.
+class UnfinishedFile {
+ public:
+  explicit UnfinishedFile(const std::string& target) : target_(target) {
+    for (int attempt = 0; attempt < kAttempts && collides(); ++attempt) continue;
+  }
+  UnfinishedFile(const UnfinishedFile&) = delete;
+  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+  ~UnfinishedFile() {
+    if (descriptor_) unlink(name_.c_str());
+  }
+
+  explicit operator bool() const { return static_cast<bool>(descriptor_); }
+  int descriptor() const { return descriptor_.get(); }
+  bool becomeTarget() {
+    if (rename(name_.c_str(), target_.c_str()) != 0) return false;
+    descriptor_ = FileDescriptor();
+    return true;
+  }
+
+ private:
+  static constexpr int kAttempts = 100;
+
+  // Whether another name has to be tried: another process may have the same id where it lives, or take the file for
+  // left behind before it is locked.
+  bool collides() {
+    static std::atomic<unsigned> count{0};
+    name_ = target_ + "." + std::to_string(getpid()) + "-" + std::to_string(count++) + std::string(kUnfinishedEnding);
+    // What is stored is nobody else's.
+    FileDescriptor file(open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file) return errno == EEXIST;
+    struct stat status {};
+    if (flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return true;
+    if (fstat(file.get(), &status) == 0 && status.st_nlink == 0) return true;
+    descriptor_ = std::move(file);
+    return false;
+  }
+
+  const std::string& target_;
+  std::string name_;
+  FileDescriptor descriptor_;
+};
 
 // As many bytes as there are, `size` at most; why there are no more in `error`.
 std::size_t readAll(int file, char* into, std::size_t size, int& error) {
@@ -101,10 +152,12 @@ Result<std::string> FileManager::readAtPath(const std::string& path, std::size_t
 
 std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::string& path) {
   std::vector<std::string> names;
-  std::error_code code;
   if (!isUsable(path)) return names;
-  for (fs::directory_iterator entry(path, code), end; !code && entry != end; entry.increment(code))
-    names.push_back(entry->path().filename().string());
+  const std::unique_ptr<DIR, CloseDirectory> directory(opendir(path.c_str()));
+  while (const dirent* const entry = directory ? readdir(directory.get()) : nullptr) {
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") names.emplace_back(name);
+  }
   return names;
 }
 
@@ -117,9 +170,13 @@ std::optional<NSError> FileManager::createDirectoryAtPath(const std::string& pat
 
 std::optional<NSError> FileManager::removeItemAtPath(const std::string& path) {
   if (!isUsable(path)) return posixError(EINVAL);
-  std::error_code code;
-  if (fs::remove_all(path, code) == 0 && !code) return posixError(ENOENT);
-  return errorOf(code);
+  const auto removeOne = [](const char* item, const struct stat*, int kind, FTW*) {
+    const bool isDirectory = kind == FTW_DP || kind == FTW_DNR;
+    return unlinkat(AT_FDCWD, item, isDirectory ? AT_REMOVEDIR : 0) == 0 ? 0 : errno;
+  };
+  const int result = nftw(path.c_str(), removeOne, kOpenDirectories, FTW_DEPTH | FTW_PHYS);
+  if (result == 0) return std::nullopt;
+  return posixError(result > 0 ? result : errno);
 }
 
 std::optional<NSError> FileManager::moveItemAtPath(const std::string& from, const std::string& to) {
@@ -133,27 +190,21 @@ std::optional<NSError> FileManager::moveItemAtPath(const std::string& from, cons
   return posixError(errno);
 }
 
-bool FileManager::isUnfinishedWrite(std::string_view name, std::string_view fileName) {
-  if (!name.starts_with(fileName) || !name.ends_with(kTemporaryEnding)) return false;
-  if (name.size() < fileName.size() + kTemporaryEnding.size() + 2 || name[fileName.size()] != '.') return false;
-  name.remove_prefix(fileName.size() + 1);
-  name.remove_suffix(kTemporaryEnding.size());
-  return name.find_first_not_of("0123456789-") == std::string_view::npos;
+void FileManager::removeUnfinishedWrites(const std::string& directory) {
+  for (std::string& name : contentsOfDirectoryAtPath(directory)) {
+    if (!name.ends_with(kUnfinishedEnding)) continue;
+    name.insert(0, directory + "/");
+    const FileDescriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (file && flock(file.get(), LOCK_EX | LOCK_NB) == 0) unlink(name.c_str());
+  }
 }
 
 std::optional<NSError> FileManager::writeAtomically(std::string_view bytes, const std::string& path) {
   if (!isUsable(path)) return posixError(EINVAL);
-  const std::string temporary = temporaryNameFor(path);
-  std::optional<NSError> problem;
-  {
-    // What is stored is nobody else's.
-    const FileDescriptor file(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!file) return posixError(errno);
-    if (!writeAll(file.get(), bytes)) problem = posixError(errno);
-  }
-  if (!problem && rename(temporary.c_str(), path.c_str()) != 0) problem = posixError(errno);
-  if (problem) unlink(temporary.c_str());
-  return problem;
+  removeUnfinishedWrites(path.substr(0, path.rfind('/')));
+  UnfinishedFile file(path);
+  if (!file || !writeAll(file.descriptor(), bytes) || !file.becomeTarget()) return posixError(errno);
+  return std::nullopt;
 }
 
 }  // namespace quellaro

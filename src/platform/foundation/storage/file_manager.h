@@ -32,10 +32,11 @@ class FileManager {
   static std::optional<NSError> removeItemAtPath(const std::string& path);
   // Fails when something is at the destination.
   static std::optional<NSError> moveItemAtPath(const std::string& from, const std::string& to);
-  // The file reads as before or as after, whenever the process is killed. It is not forced to the disk.
+  // The file reads as before or as after, whenever the process is killed. It is not forced to the disk. What killed
+  // writes have left in the directory goes.
   static std::optional<NSError> writeAtomically(std::string_view bytes, const std::string& path);
-  // Whether the first is the name of what a killed write of a file with the second one's name leaves beside it.
-  static bool isUnfinishedWrite(std::string_view name, std::string_view fileName);
+  // What writes have left in a directory whose processes were killed; not what is being written.
+  static void removeUnfinishedWrites(const std::string& directory);
 };
 
 }  // namespace quellaro

@@ -1,40 +1,21 @@
 #include "platform/foundation/storage/user_defaults.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <thread>
+#include <new>
 #include <utility>
 
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/application.h"
 #include "platform/foundation/json/json_reader.h"
 #include "platform/foundation/json/json_writer.h"
-#include "platform/foundation/storage/file_descriptor.h"
+#include "platform/foundation/storage/file_lock.h"
 #include "platform/foundation/storage/file_manager.h"
 
 namespace quellaro {
 
 namespace {
-
-// How long a write waits for another process to finish its own. A process that holds the lock for longer hangs, and
-// waiting on would make this one hang with it; the write is then done without the lock.
-constexpr std::chrono::milliseconds kLockPatience{1000};
-constexpr std::chrono::milliseconds kLockRetry{2};
-
-// Held until the descriptor closes.
-FileDescriptor lockFile(const std::string& path) {
-  // A link is not followed: nothing is made elsewhere, and the write is done without the lock.
-  FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-  if (!file) return file;
-  const auto limit = std::chrono::steady_clock::now() + kLockPatience;
-  while (flock(file.get(), LOCK_EX | LOCK_NB) != 0 && std::chrono::steady_clock::now() < limit)
-    std::this_thread::sleep_for(kLockRetry);
-  return file;
-}
 
 // Nothing when there is a file that is no JSON object.
 std::optional<std::map<std::string, std::string>> readValues(const std::string& path) {
@@ -83,8 +64,8 @@ void NSUserDefaults::followLibrary() {
   if (path_.empty()) return;
   const FileVersion version = versionOf(path_);
   if (version == version_) return;
-  version_ = version;
   stored_ = readValues(path_).value_or(Values{});
+  version_ = version;
 }
 
 std::optional<std::string> NSUserDefaults::valueForKey(const std::string& key) {
@@ -123,14 +104,19 @@ void NSUserDefaults::setValue(const std::string& key, std::string json) {
   const std::lock_guard lock(mutex_);
   followLibrary();
   pending_[key] = std::move(json);
-  if (std::exchange(idleHandlerSet_, true)) return;
+  if (idleHandlerSet_) return;
   MainQueue::shared().setIdleHandler([] { standardUserDefaults().synchronize(); });
   std::atexit([] { standardUserDefaults().synchronize(); });
+  idleHandlerSet_ = true;
 }
 
 bool NSUserDefaults::synchronize() {
   const std::lock_guard lock(mutex_);
-  return write();
+  try {
+    return write();
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
 }
 
 bool NSUserDefaults::write() {
@@ -138,7 +124,8 @@ bool NSUserDefaults::write() {
   if (path_.empty()) return false;
   const std::string directory = path_.substr(0, path_.rfind('/'));
   if (FileManager::createDirectoryAtPath(directory)) return false;
-  const FileDescriptor lock = lockFile(path_ + ".lock");
+  // Not to be had in time: written all the same, as what was told to be stored would be lost otherwise.
+  const std::optional<FileLock> lock = FileLock::take(path_ + ".lock");
   std::optional<Values> values = readValues(path_);
   // A file that cannot be understood is kept for whoever wants to look.
   if (!values) rename(path_.c_str(), (path_ + ".unreadable").c_str());
