@@ -15,7 +15,10 @@ std::string placeOf(const Finding& finding);
 // Whether standard output is a terminal whose user likes colours.
 bool wantsColor();
 
-// For people: each finding, and a line that sums up.
+// For people: each finding.
+std::string findingsText(const Report& report, bool withColor);
+
+// The same, and a line that sums up.
 std::string reportText(const std::string& source, const Report& report, const CueFacts& facts, bool withColor);
 
 // For machines: one JSON object on one line. Keys are only ever added, those of a command's own by `more`.

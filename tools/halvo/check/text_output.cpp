@@ -103,10 +103,16 @@ std::string placeOf(const Finding& finding) {
   return place;
 }
 
-std::string reportText(const std::string& source, const Report& report, const CueFacts& facts, bool withColor) {
+std::string findingsText(const Report& report, bool withColor) {
   Writer writer(withColor);
   for (const FindingGroup* group : report.groups()) writer.write(*group);
   if (report.leftOut() > 0) writer.write(counted(report.leftOut(), "further finding") + " left out\n\n");
+  return writer.take();
+}
+
+std::string reportText(const std::string& source, const Report& report, const CueFacts& facts, bool withColor) {
+  Writer writer(withColor);
+  writer.write(findingsText(report, withColor));
   writer.write(source + ": ");
   const std::size_t errors = report.count(Severity::Error);
   const std::size_t warnings = report.count(Severity::Warning);

@@ -31,11 +31,8 @@ class Import {
     if (why) failure("not imported: " + placeOf(*why) + ": " + why->what);
     // People have just been told.
     if (why && options_.json) report_.add(std::move(*why));
-    std::string text;
-    if (options_.json)
-      text = importJson(outcome_, report_);
-    else if (outcome_.isWritten || !report_.groups().empty())
-      text = importText(outcome_, report_, wantsColor());
+    const std::string text =
+        options_.json ? importJson(outcome_, report_) : importText(outcome_, report_, wantsColor());
     std::fwrite(text.data(), 1, text.size(), stdout);
     return outcome_.isWritten ? kExitFine : kExitFailure;
   }

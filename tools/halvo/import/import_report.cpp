@@ -61,9 +61,9 @@ void writeFrame(JSONWriter& json, std::size_t number, const FrameFigures& frame)
 }  // namespace
 
 std::string importText(const Outcome& outcome, const Report& report, bool withColor) {
-  std::string text = reportText((outcome.isWritten ? "written to " : "not written to ") + outcome.target, report,
-                                outcome.facts, withColor);
-  if (!outcome.frames.empty()) text += framesText(outcome.frames);
+  if (!outcome.isWritten) return findingsText(report, withColor);
+  std::string text =
+      reportText("written to " + outcome.target, report, outcome.facts, withColor) + framesText(outcome.frames);
   if (outcome.sound && outcome.sound->loudness)
     text += formatted("    sound   %.1f LUFS, true peak %.1f dB\n", *outcome.sound->loudness, outcome.sound->truePeak);
   return text;
