@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "import/art/display_list.h"
+#include "import/art/import_frame.h"
+
+namespace halvo::art {
+
+// What a drawing script draws, multiplied by `scale`.
+std::variant<DisplayList, ArtError> readScript(std::string_view script, double scale, std::vector<ArtNote>& notes);
+
+}  // namespace halvo::art
