@@ -5,31 +5,15 @@
 
 #include <filesystem>
 #include <set>
+#include <stdexcept>
 #include <string>
-#include <vector>
 
+#include "check/told.h"
 #include "drawing_commands/run_tool.h"
 #include "platform/foundation/json_reader.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {
-
-// What `--json` tells.
-struct Told {
-  int status = -1;
-  std::string output;
-  std::set<std::string> ids;
-};
-
-inline Told toldBy(const std::string& command, const std::string& before = "") {
-  const Ran ran = run(before + QUELLARO_HALVO_TOOL " " + command + " --json 2>/dev/null; exit $?");
-  Told told{ran.status, ran.output, {}};
-  const auto document = JSONDocument::parse(ran.output);
-  if (!document) return told;
-  for (const JSONValue& finding : document->root().member("findings")->elements())
-    told.ids.emplace(*finding.member("id")->string());
-  return told;
-}
 
 // A directory with a folder of frames, in which cues are made.
 class Importing : public testing::Test {
@@ -50,8 +34,8 @@ class Importing : public testing::Test {
   Ran import(const std::string& arguments, const std::string& before = "") const {
     return run(in() + before + QUELLARO_HALVO_TOOL " import " + arguments);
   }
-  Told toldByImport(const std::string& arguments) const { return toldBy("import " + arguments, in()); }
-  Told toldByCheck(const std::string& cue = "cue") const { return toldBy("check " + cue, in()); }
+  Checked toldByImport(const std::string& arguments) const { return told("import --json " + arguments, in()); }
+  Checked toldByCheck() const { return told("check --json cue", in()); }
 
   JSONDocument config() const {
     auto document = JSONDocument::parse(readFile(directory_ / "cue/play_config.json"));

@@ -115,7 +115,8 @@ TEST_F(ImportingSounds, EveryFormIsEncodedStartsInTimeAndKeepsItsLength) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    const Told told = toldByImport("frames -o cue --replace --sound " + sound(c.name, tone(c.format, 1, 0.3), c.form));
+    const Checked told =
+        toldByImport("frames -o cue --replace --sound " + sound(c.name, tone(c.format, 1, 0.3), c.form));
     EXPECT_EQ(told.status, 0) << told.output;
     EXPECT_THAT(told.ids, ElementsAre());
     const Samples mp3 = heard();
@@ -180,7 +181,8 @@ TEST_F(ImportingSounds, LoudnessIsReachedUnlessPeaksForbidIt) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    const Told told = toldByImport("frames --fps 30 -o cue --replace --sound " + c.name + " --loudness " + c.loudness);
+    const Checked told =
+        toldByImport("frames --fps 30 -o cue --replace --sound " + c.name + " --loudness " + c.loudness);
     EXPECT_EQ(told.status, 0) << told.output;
     std::set<std::string> ids = told.ids;
     ids.erase("fitted");

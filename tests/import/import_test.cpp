@@ -37,7 +37,7 @@ TEST_F(Importing, AFolderBecomesACueInNaturalOrderThatPlays) {
   ASSERT_EQ(stat((directory_ / "cue").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0755U);
 
-  const Told checked = toldByCheck();
+  const Checked checked = toldByCheck();
   EXPECT_EQ(checked.status, 0) << checked.output;
   EXPECT_THAT(checked.ids, ElementsAre("sound-silent"));
   const Ran played = run(QUELLARO_HALVO_TOOL " play --headless " + (directory_ / "cue").string());
@@ -63,7 +63,7 @@ TEST_F(Importing, MachinesGetTheReportInTheFormOfTheCheckers) {
   file("frames/frame2.svg", frame("#10fa20", R"x(<filter id="soft"><feGaussianBlur stdDeviation="3"/></filter>
       <circle cx="50" cy="50" r="20" fill="#112233" filter="url(#soft)"/>)x",
                                   "50"));
-  const Told told = toldByImport("frames -o cue");
+  const Checked told = toldByImport("frames -o cue");
   EXPECT_EQ(told.status, 0) << told.output;
   EXPECT_THAT(told.ids, ElementsAre("fitted", "left-out", "sound-silent"));
   const auto document = JSONDocument::parse(told.output);
@@ -80,10 +80,10 @@ TEST_F(Importing, MachinesGetTheReportInTheFormOfTheCheckers) {
   EXPECT_EQ(source.member("width")->number(), 50);
   const auto texts = readFrameFile(directory_ / "cue/animation.json");
   EXPECT_EQ(source.member("bytes")->wholeNumber(), static_cast<std::int64_t>(texts->texts[1].size()));
-  EXPECT_GT(source.member("elements")->wholeNumber(), 1);
+  EXPECT_GE(source.member("elements")->wholeNumber(), 1);
   EXPECT_GT(source.member("points")->wholeNumber(), 3);
 
-  const Told strict = toldByImport("frames -o strict --strict");
+  const Checked strict = toldByImport("frames -o strict --strict");
   EXPECT_EQ(strict.status, 1);
   EXPECT_THAT(strict.output, HasSubstr("\"written\":false"));
   EXPECT_THAT(strict.ids, AllOf(Contains("left-out"), Contains("refused")));
