@@ -30,7 +30,9 @@ std::variant<ArtFrame, ArtError> importFrame(std::string_view bytes, const ArtOp
   result.width = script.width;
   result.height = script.height;
   const double scale = options.side / art::kScriptSide;
-  auto read = art::readScript(script.text, scale, result.notes);
+  const art::Matrix toFrame =
+      quellaro::concat(art::inverse(art::kScriptTurn), art::Matrix{scale, 0, 0, scale, 0, 0});
+  auto read = art::readScript(script.text, toFrame, result.notes);
   if (auto* error = std::get_if<ArtError>(&read)) return std::move(*error);
 
   art::PassContext context;

@@ -140,22 +140,27 @@ Contour ellipse(Point centre, Point x, Point y) {
 }
 
 bool isRectangle(const Outline& outline, Box& box) {
+  // Rounding in steps of the drawing library's is no slant.
+  constexpr double kLevel = 1e-3;
   if (outline.size() != 1) return false;
   const Contour& contour = outline[0];
   const std::size_t count = contour.segments.size();
-  if (count != 3 && !(count == 4 && contour.end() == contour.start)) return false;
-  const Point corners[] = {contour.start, contour.segments[0].end, contour.segments[1].end, contour.segments[2].end};
-  for (std::size_t i = 0; i < 4; ++i) {
-    if (i < count && !contour.segments[i].isLine) return false;
-    const Point way = corners[(i + 1) % 4] - corners[i];
-    if (way.x != 0 && way.y != 0) return false;
-  }
+  const auto near = [](double a, double b) { return std::fabs(a - b) < kLevel; };
+  const auto meet = [&](Point a, Point b) { return near(a.x, b.x) && near(a.y, b.y); };
+  if (count != 3 && !(count == 4 && meet(contour.end(), contour.start))) return false;
   box = boundsOf(outline);
   const auto isCorner = [&](Point p) {
-    return (p.x == box.minX || p.x == box.maxX) && (p.y == box.minY || p.y == box.maxY);
+    return (near(p.x, box.minX) || near(p.x, box.maxX)) && (near(p.y, box.minY) || near(p.y, box.maxY));
   };
-  return isCorner(corners[0]) && isCorner(corners[1]) && isCorner(corners[2]) && isCorner(corners[3]) &&
-         !(corners[0] == corners[2]) && !(corners[1] == corners[3]);
+  Point at = contour.start;
+  bool isLevel = true;
+  for (const Segment& segment : contour.segments) {
+    const bool isEdge = near(at.x, segment.end.x) != near(at.y, segment.end.y);
+    isLevel = isLevel && segment.isLine && isEdge && isCorner(segment.end);
+    at = segment.end;
+  }
+  const bool goesRound = !meet(contour.start, contour.segments[1].end);
+  return isLevel && goesRound && isCorner(contour.start);
 }
 
 }  // namespace halvo::art

@@ -36,7 +36,8 @@ struct ScriptContext {
   Matrix matrix;
   Outline path;
   Rule rule = Rule::NonZero;
-  StrokeStyle stroke;
+  // What a new context begins with.
+  StrokeStyle stroke{2, LineCap::Butt, LineJoin::Miter, 10, {}, 0, {}};
   bool blends = false;
   std::shared_ptr<ScriptPattern> source = std::make_shared<ScriptPattern>();
   std::vector<std::shared_ptr<const Clip>> clips;

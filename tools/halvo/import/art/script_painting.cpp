@@ -7,8 +7,8 @@ namespace halvo::art {
 namespace {
 
 // First from the frame's units to the script's, then what the pattern says.
-Matrix fromFrame(const Matrix& pattern, double scale) {
-  return quellaro::concat(Matrix{1 / scale, 0, 0, 1 / scale, 0, 0}, pattern);
+Matrix fromFrame(const Matrix& pattern, const Matrix& toFrame) {
+  return quellaro::concat(inverse(toFrame), pattern);
 }
 
 bool isIdentity(const Matrix& m) {
@@ -29,7 +29,7 @@ std::optional<Paint> ScriptPainting::paintOf(const ScriptContext& context) const
     if (gradient->stops.empty()) return std::nullopt;
     Gradient result = *gradient;
     result.spread = pattern.spread;
-    result.toGradient = fromFrame(pattern.matrix, scale);
+    result.toGradient = fromFrame(pattern.matrix, toFrame);
     return result;
   }
   const ScriptSurface& surface = *std::get<SurfacePattern>(pattern.source).surface;
@@ -37,10 +37,10 @@ std::optional<Paint> ScriptPainting::paintOf(const ScriptContext& context) const
     leaveOut("image", "pixels are left out");
     return std::nullopt;
   }
-  // The picture has been read in the frame's units already.
-  return Pattern{std::make_shared<const DisplayList>(surface.list), surface.width * scale, surface.height * scale,
-                 pattern.spread != Spread::None,
-                 quellaro::concat(fromFrame(pattern.matrix, scale), Matrix{scale, 0, 0, scale, 0, 0})};
+  auto picture = std::make_shared<DisplayList>();
+  for (const Item& item : surface.list.items) picture->items.push_back(mapped(item, inverse(toFrame)));
+  return Pattern{std::move(picture), surface.width, surface.height, pattern.spread != Spread::None,
+                 fromFrame(pattern.matrix, toFrame)};
 }
 
 void ScriptPainting::add(const ScriptContext& context, Shape shape) const {
@@ -51,17 +51,17 @@ void ScriptPainting::add(const ScriptContext& context, Shape shape) const {
 void ScriptPainting::fill(const ScriptContext& context) const {
   std::optional<Paint> paint = paintOf(context);
   if (!paint || context.path.empty()) return;
-  add(context, {mapped(context.path, {scale, 0, 0, scale, 0, 0}), context.rule, std::nullopt, *std::move(paint), false});
+  add(context, {mapped(context.path, toFrame), context.rule, std::nullopt, *std::move(paint), false});
 }
 
 void ScriptPainting::stroke(const ScriptContext& context) const {
   std::optional<Paint> paint = paintOf(context);
   if (!paint || context.path.empty()) return;
   StrokeStyle style = context.stroke;
-  style.pen = quellaro::concat(context.matrix, Matrix{scale, 0, 0, scale, 0, 0});
+  style.pen = quellaro::concat(context.matrix, toFrame);
   style.pen.tx = style.pen.ty = 0;
   add(context,
-      {mapped(context.path, {scale, 0, 0, scale, 0, 0}), context.rule, std::move(style), *std::move(paint), false});
+      {mapped(context.path, toFrame), context.rule, std::move(style), *std::move(paint), false});
 }
 
 void ScriptPainting::addPicture(const ScriptContext& context, double opacity) const {
@@ -72,7 +72,7 @@ void ScriptPainting::addPicture(const ScriptContext& context, double opacity) co
   if (surface.list.items.empty()) return;
   Group group{surface.list, opacity, std::nullopt};
   if (!isIdentity(pattern.matrix)) {
-    Shape shape{rectangle({0, 0, context.target->width * scale, context.target->height * scale}), Rule::NonZero,
+    Shape shape{mapped(rectangle({0, 0, context.target->width, context.target->height}), toFrame), Rule::NonZero,
                 std::nullopt, *paintOf(context), false};
     group.members = {{{std::move(shape), {}}}};
   }
@@ -103,7 +103,7 @@ void ScriptPainting::mask(const ScriptContext& context, const ScriptPattern& thr
 
 void ScriptPainting::clip(ScriptContext& context) const {
   context.clips.push_back(
-      std::make_shared<const Clip>(Clip{mapped(context.path, {scale, 0, 0, scale, 0, 0}), context.rule}));
+      std::make_shared<const Clip>(Clip{mapped(context.path, toFrame), context.rule}));
 }
 
 }  // namespace halvo::art

@@ -10,7 +10,7 @@ namespace halvo::art {
 
 struct ScriptPainting {
   // From the script's units to the frame's.
-  double scale;
+  Matrix toFrame;
   std::vector<ArtNote>& notes;
 
   void fill(const ScriptContext& context) const;

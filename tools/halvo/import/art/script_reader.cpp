@@ -18,7 +18,7 @@ namespace {
 // to the stack is not known either.
 class ScriptReader {
  public:
-  ScriptReader(double scale, std::vector<ArtNote>& notes) : painting_{scale, notes} {}
+  ScriptReader(const Matrix& toFrame, std::vector<ArtNote>& notes) : painting_{toFrame, notes} {}
 
   std::variant<DisplayList, ArtError> read(std::string_view script) {
     while (const std::optional<Token> token = nextToken(script))
@@ -580,8 +580,9 @@ bool ScriptReader::resetClip() {
 
 }  // namespace
 
-std::variant<DisplayList, ArtError> readScript(std::string_view script, double scale, std::vector<ArtNote>& notes) {
-  return ScriptReader(scale, notes).read(script);
+std::variant<DisplayList, ArtError> readScript(std::string_view script, const Matrix& toFrame,
+                                              std::vector<ArtNote>& notes) {
+  return ScriptReader(toFrame, notes).read(script);
 }
 
 }  // namespace halvo::art

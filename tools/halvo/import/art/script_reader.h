@@ -9,7 +9,8 @@
 
 namespace halvo::art {
 
-// What a drawing script draws, multiplied by `scale`.
-std::variant<DisplayList, ArtError> readScript(std::string_view script, double scale, std::vector<ArtNote>& notes);
+// What a drawing script draws, brought into the frame's units.
+std::variant<DisplayList, ArtError> readScript(std::string_view script, const Matrix& toFrame,
+                                              std::vector<ArtNote>& notes);
 
 }  // namespace halvo::art

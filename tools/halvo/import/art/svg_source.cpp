@@ -114,10 +114,14 @@ std::variant<DrawingScript, ArtError> drawSvg(std::string_view document) {
   script.viewport = {viewport.x, viewport.y, viewport.x + viewport.width, viewport.y + viewport.height};
   const Device device(cairo_script_create_for_stream(append, &script.text));
   const Surface surface(
-      cairo_script_surface_create(device.get(), CAIRO_CONTENT_COLOR_ALPHA, kScriptSide, kScriptSide));
+      cairo_script_surface_create(device.get(), CAIRO_CONTENT_COLOR_ALPHA, 2 * kScriptSide, 2 * kScriptSide));
   GError* raw = nullptr;
   {
     const Context context(cairo_create(surface.get()));
+    cairo_matrix_t turned{};
+    cairo_matrix_init(&turned, kScriptTurn.a, kScriptTurn.b, kScriptTurn.c, kScriptTurn.d, kScriptTurn.tx,
+                      kScriptTurn.ty);
+    cairo_set_matrix(context.get(), &turned);
     rsvg_handle_render_document(&handle, context.get(), &viewport, &raw);
   }
   const Error error(raw);

@@ -19,7 +19,11 @@ struct DrawingScript {
 };
 
 // The library keeps coordinates in steps of 1/256, so that it is asked for a large picture.
-inline constexpr double kScriptSide = 8192;
+inline constexpr double kScriptSide = 32768;
+
+// Everything in the script is turned by this. The library has ways of its own for paths of level and upright lines,
+// which take fills of one rule for the other's, and give up on some.
+inline constexpr Matrix kScriptTurn{0.8, 0.6, -0.6, 0.8, 0.6 * kScriptSide, 0};
 
 // Follows no reference to other files or addresses.
 std::variant<DrawingScript, ArtError> drawSvg(std::string_view document);
