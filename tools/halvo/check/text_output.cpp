@@ -45,7 +45,7 @@ class Writer {
 
  private:
   static std::string titleOf(const Finding& finding) {
-    const std::string what = finding.what + (finding.howFar.empty() ? "" : ", " + finding.howFar);
+    std::string what = finding.what + (finding.howFar.empty() ? "" : ", " + finding.howFar);
     if (finding.element.empty()) return what;
     const std::string id = finding.elementId.empty() ? "" : " id=\"" + finding.elementId + "\"";
     const std::string tag = "<" + finding.element + id + ">";

@@ -29,7 +29,7 @@ std::optional<double> readDecimal(const std::string& text) {
 }
 
 // A decimal number within the bounds, both included, which `set` takes.
-Apply decimal(double least, double most, std::function<void(double)> set) {
+Apply decimal(double least, double most, const std::function<void(double)>& set) {
   return [=](const std::string& text) -> std::optional<std::string> {
     const std::optional<double> number = readDecimal(text);
     if (!number || *number < least || *number > most) {
@@ -44,7 +44,7 @@ Apply decimal(double least, double most, std::function<void(double)> set) {
   };
 }
 
-Apply whole(int least, int most, std::function<void(int)> set) {
+Apply whole(int least, int most, const std::function<void(int)>& set) {
   return [=](const std::string& text) -> std::optional<std::string> {
     std::int64_t number = 0;
     if (auto problem = setNumber(number, least, most)(text)) return problem;

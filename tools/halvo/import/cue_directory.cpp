@@ -49,7 +49,9 @@ std::optional<std::string> whyNoCue(const std::string& directory) {
   const std::vector<std::string> names = FileManager::contentsOfDirectoryAtPath(directory);
   for (const std::string& name : names) {
     struct stat status {};
-    const bool isFile = lstat((directory + "/" + name).c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    std::string path = directory;
+    path.append("/").append(name);
+    const bool isFile = lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
     if (!isFile || !isCueFile(name)) return printable(name) + " in it is no file of a cue";
   }
   for (const char* const needed : {kPlayConfigFile, kAnimationFile})
