@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace halvo::art {
 
@@ -50,6 +51,17 @@ struct Profile {
 };
 
 constexpr int kPlaces = 16;
+
+// What lets so little through is laid in bands: where veils meet an outline's edge, they make it harder than one does.
+constexpr double kOpaque = 0.97;
+
+// A line of the ramp where it becomes opaque, or ceases to be.
+std::vector<std::pair<RampPoint, RampPoint>> split(const RampPoint& a, const RampPoint& b) {
+  if ((a.colour.alpha < kOpaque) == (b.colour.alpha < kOpaque)) return {{a, b}};
+  const double s = (kOpaque - a.colour.alpha) / (b.colour.alpha - a.colour.alpha);
+  const RampPoint middle{a.t + (b.t - a.t) * s, between(a.colour, b.colour, s)};
+  return {{a, middle}, {middle, b}};
+}
 
 bool sameColour(const Colour& a, const Colour& b) { return distance(a, b) < 1; }
 
@@ -106,6 +118,8 @@ std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const st
       result.push_back({from, to});
   };
   for (std::size_t i = 0; i + 1 < places.size(); ++i) {
+    // From one line to the next.
+    if (i % (kPlaces + 1) == kPlaces) continue;
     const double a = amount[i] - level;
     const double b = amount[i + 1] - level;
     const double from = places[i].t;
@@ -135,6 +149,14 @@ void addVeils(const std::vector<RampPoint>& places, const Profile& profile, int 
   }
 }
 
+// How much of the ramp changes.
+double changingLength(const std::vector<RampPoint>& ramp) {
+  double sum = 0;
+  for (std::size_t i = 0; i + 1 < ramp.size(); i += 2)
+    if (!(ramp[i].colour == ramp[i + 1].colour)) sum += ramp[i + 1].t - ramp[i].t;
+  return sum;
+}
+
 }  // namespace
 
 std::optional<std::vector<RampPoint>> rampOf(const Gradient& gradient, const Stretch& shown) {
@@ -152,8 +174,31 @@ std::optional<std::vector<RampPoint>> rampOf(const Gradient& gradient, const Str
   return within(ramp, shown);
 }
 
-bool isOpaque(const std::vector<RampPoint>& ramp) {
-  return std::all_of(ramp.begin(), ramp.end(), [](const RampPoint& point) { return point.colour.alpha >= 0.995; });
+RampParts partsOf(const std::vector<RampPoint>& ramp, double overlap) {
+  RampParts parts;
+  const auto addSheer = [&](const RampPoint& a, const RampPoint& b) {
+    if (a.t < b.t) parts.sheer.insert(parts.sheer.end(), {a, b});
+  };
+  const auto endOpaque = [&] {
+    if (parts.opaque.empty() || parts.opaque.back().empty()) return;
+    const RampPoint last = parts.opaque.back().back();
+    addSheer({last.t - overlap, last.colour}, last);
+    parts.opaque.emplace_back();
+  };
+  for (std::size_t i = 0; i + 1 < ramp.size(); i += 2) {
+    for (const auto& [a, b] : split(ramp[i], ramp[i + 1])) {
+      if (std::min(a.colour.alpha, b.colour.alpha) < kOpaque - 1e-9) {
+        endOpaque();
+        addSheer(a, b);
+        continue;
+      }
+      if (parts.opaque.empty()) parts.opaque.emplace_back();
+      if (parts.opaque.back().empty() && a.t > ramp.front().t) addSheer(a, {a.t + overlap, a.colour});
+      parts.opaque.back().insert(parts.opaque.back().end(), {a, b});
+    }
+  }
+  std::erase_if(parts.opaque, [](const auto& part) { return part.empty(); });
+  return parts;
 }
 
 std::vector<Band> bandsOf(const std::vector<RampPoint>& ramp, const Fineness& fineness) {
@@ -182,10 +227,12 @@ std::vector<Band> bandsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
 }
 
 std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fineness) {
+  if (ramp.empty()) return {};
   const std::vector<RampPoint> places = sampled(ramp);
   const std::vector<Profile> profiles = profilesOf(ramp, places);
   std::vector<Veil> veils;
-  const int most = std::max(1, fineness.most / static_cast<int>(std::max<std::size_t>(1, profiles.size())));
+  const double seen = std::min<double>(fineness.most, changingLength(ramp) * fineness.mostPerUnit);
+  const int most = std::max(1, static_cast<int>(seen / static_cast<double>(std::max<std::size_t>(1, profiles.size()))));
   for (const Profile& profile : profiles) {
     const auto [low, high] = std::minmax_element(profile.amount.begin(), profile.amount.end());
     if (*high < 0.5 / 255) continue;
