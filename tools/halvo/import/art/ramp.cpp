@@ -134,17 +134,44 @@ std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const st
   return result;
 }
 
+// The player multiplies colours by alpha in steps of 1/255, and so does it with what is below. Each veil makes up for
+// the rounding of those before it, or their errors would add up to another colour.
+class VeilLayer {
+ public:
+  explicit VeilLayer(const Colour& colour) : wanted_{colour.red, colour.green, colour.blue} {}
+
+  double laid() const { return laid_; }
+  // The colour that brings the veils laid so far to that alpha; nothing where it is too near.
+  std::optional<Colour> next(double alpha) {
+    const double own = laid_ < 1 ? std::round(255 * (1 - (1 - alpha) / (1 - laid_))) / 255 : 0;
+    if (own <= 0) return std::nullopt;
+    laid_ = 1 - (1 - laid_) * (1 - own);
+    double shown[3];
+    for (int i = 0; i < 3; ++i) {
+      const double missing = wanted_[i] * laid_ - sum_[i] * (1 - own);
+      const double step = std::clamp(std::round(missing * 255) / 255, 0.0, own);
+      sum_[i] = sum_[i] * (1 - own) + step;
+      shown[i] = step / own;
+    }
+    return Colour{shown[0], shown[1], shown[2], own};
+  }
+
+ private:
+  double wanted_[3];
+  // Of the veils so far, multiplied by their alpha.
+  double sum_[3] = {};
+  double laid_ = 0;
+};
+
 void addVeils(const std::vector<RampPoint>& places, const Profile& profile, int count, std::vector<Veil>& veils) {
   const double most = *std::max_element(profile.amount.begin(), profile.amount.end());
-  double laid = 0;
+  VeilLayer layer(profile.colour);
   for (int k = 1; k <= count; ++k) {
     const double wanted = most * k / count;
-    // Alpha comes in steps of 1/255: the next veil makes up for the rounding of this one.
-    const double own = laid >= 1 ? 0 : std::round(255 * (1 - (1 - wanted) / (1 - laid))) / 255;
-    if (own <= 0) continue;
-    Veil veil{whereAtLeast(places, profile.amount, (laid + wanted) / 2), profile.colour};
-    veil.colour.alpha = own;
-    laid = 1 - (1 - laid) * (1 - own);
+    const double level = (layer.laid() + wanted) / 2;
+    const auto colour = layer.next(wanted);
+    if (!colour) continue;
+    Veil veil{whereAtLeast(places, profile.amount, level), *colour};
     if (!veil.where.empty()) veils.push_back(std::move(veil));
   }
 }
@@ -241,7 +268,7 @@ std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
       veil.colour.alpha = *high;
       veils.push_back(std::move(veil));
     } else {
-      addVeils(places, profile, std::clamp(static_cast<int>(std::ceil(*high * 255 / fineness.step)), 1, most), veils);
+      addVeils(places, profile, std::clamp(static_cast<int>(std::ceil(*high * 255 / (2 * fineness.step))), 1, most), veils);
     }
   }
   return veils;
