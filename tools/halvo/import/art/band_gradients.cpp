@@ -70,10 +70,18 @@ class Bander {
     }
     if (ramp->empty()) return addPlain(shape.outline, gradient.stops.front().colour);
     const Fineness fineness = finenessOf(shape.outline, field, context_);
-    if (isOpaque(*ramp))
-      addBands(shape.outline, field, bandsOf(*ramp, fineness), name);
-    else
-      addVeils(shape.outline, field, veilsOf(*ramp, fineness), fineness, name);
+    const double overlap = kOverlap * context_.frame.side / field.unitsPerStep();
+    const RampParts parts = partsOf(*ramp, overlap);
+    if (parts.sheer.empty() && parts.opaque.size() == 1)
+      return addBands(shape.outline, field, bandsOf(parts.opaque[0], fineness), name);
+    addVeils(shape.outline, field, veilsOf(parts.sheer, fineness), fineness, name);
+    for (const std::vector<RampPoint>& part : parts.opaque)
+      for (const Band& band : bandsOf(part, fineness)) {
+        const bool isLast = band.where.to >= part.back().t;
+        const Stretch where{band.where.from, isLast ? band.where.to : band.where.to + overlap};
+        result_.push_back({field.within(shape.outline, {where}), band.colour, std::nullopt, false});
+        result_.back().colour.alpha = 1;
+      }
   }
 
   void addPlain(const Outline& outline, const Colour& colour) {

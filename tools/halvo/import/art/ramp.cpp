@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace halvo::art {
 
@@ -50,6 +51,17 @@ struct Profile {
 };
 
 constexpr int kPlaces = 16;
+
+// What lets so little through is laid in bands: where veils meet an outline's edge, they make it harder than one does.
+constexpr double kOpaque = 0.97;
+
+// A line of the ramp where it becomes opaque, or ceases to be.
+std::vector<std::pair<RampPoint, RampPoint>> split(const RampPoint& a, const RampPoint& b) {
+  if ((a.colour.alpha < kOpaque) == (b.colour.alpha < kOpaque)) return {{a, b}};
+  const double s = (kOpaque - a.colour.alpha) / (b.colour.alpha - a.colour.alpha);
+  const RampPoint middle{a.t + (b.t - a.t) * s, between(a.colour, b.colour, s)};
+  return {{a, middle}, {middle, b}};
+}
 
 bool sameColour(const Colour& a, const Colour& b) { return distance(a, b) < 1; }
 
@@ -106,6 +118,8 @@ std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const st
       result.push_back({from, to});
   };
   for (std::size_t i = 0; i + 1 < places.size(); ++i) {
+    // From one line to the next.
+    if (i % (kPlaces + 1) == kPlaces) continue;
     const double a = amount[i] - level;
     const double b = amount[i + 1] - level;
     const double from = places[i].t;
@@ -120,19 +134,54 @@ std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const st
   return result;
 }
 
+// The player multiplies colours by alpha in steps of 1/255, and so does it with what is below. Each veil makes up for
+// the rounding of those before it, or their errors would add up to another colour.
+class VeilLayer {
+ public:
+  explicit VeilLayer(const Colour& colour) : wanted_{colour.red, colour.green, colour.blue} {}
+
+  double laid() const { return laid_; }
+  // The colour that brings the veils laid so far to that alpha; nothing where it is too near.
+  std::optional<Colour> next(double alpha) {
+    const double own = laid_ < 1 ? std::round(255 * (1 - (1 - alpha) / (1 - laid_))) / 255 : 0;
+    if (own <= 0) return std::nullopt;
+    laid_ = 1 - (1 - laid_) * (1 - own);
+    double shown[3];
+    for (int i = 0; i < 3; ++i) {
+      const double missing = wanted_[i] * laid_ - sum_[i] * (1 - own);
+      const double step = std::clamp(std::round(missing * 255) / 255, 0.0, own);
+      sum_[i] = sum_[i] * (1 - own) + step;
+      shown[i] = step / own;
+    }
+    return Colour{shown[0], shown[1], shown[2], own};
+  }
+
+ private:
+  double wanted_[3];
+  // Of the veils so far, multiplied by their alpha.
+  double sum_[3] = {};
+  double laid_ = 0;
+};
+
 void addVeils(const std::vector<RampPoint>& places, const Profile& profile, int count, std::vector<Veil>& veils) {
   const double most = *std::max_element(profile.amount.begin(), profile.amount.end());
-  double laid = 0;
+  VeilLayer layer(profile.colour);
   for (int k = 1; k <= count; ++k) {
     const double wanted = most * k / count;
-    // Alpha comes in steps of 1/255: the next veil makes up for the rounding of this one.
-    const double own = laid >= 1 ? 0 : std::round(255 * (1 - (1 - wanted) / (1 - laid))) / 255;
-    if (own <= 0) continue;
-    Veil veil{whereAtLeast(places, profile.amount, (laid + wanted) / 2), profile.colour};
-    veil.colour.alpha = own;
-    laid = 1 - (1 - laid) * (1 - own);
+    const double level = (layer.laid() + wanted) / 2;
+    const auto colour = layer.next(wanted);
+    if (!colour) continue;
+    Veil veil{whereAtLeast(places, profile.amount, level), *colour};
     if (!veil.where.empty()) veils.push_back(std::move(veil));
   }
+}
+
+// How much of the ramp changes.
+double changingLength(const std::vector<RampPoint>& ramp) {
+  double sum = 0;
+  for (std::size_t i = 0; i + 1 < ramp.size(); i += 2)
+    if (!(ramp[i].colour == ramp[i + 1].colour)) sum += ramp[i + 1].t - ramp[i].t;
+  return sum;
 }
 
 }  // namespace
@@ -152,8 +201,31 @@ std::optional<std::vector<RampPoint>> rampOf(const Gradient& gradient, const Str
   return within(ramp, shown);
 }
 
-bool isOpaque(const std::vector<RampPoint>& ramp) {
-  return std::all_of(ramp.begin(), ramp.end(), [](const RampPoint& point) { return point.colour.alpha >= 0.995; });
+RampParts partsOf(const std::vector<RampPoint>& ramp, double overlap) {
+  RampParts parts;
+  const auto addSheer = [&](const RampPoint& a, const RampPoint& b) {
+    if (a.t < b.t) parts.sheer.insert(parts.sheer.end(), {a, b});
+  };
+  const auto endOpaque = [&] {
+    if (parts.opaque.empty() || parts.opaque.back().empty()) return;
+    const RampPoint last = parts.opaque.back().back();
+    addSheer({last.t - overlap, last.colour}, last);
+    parts.opaque.emplace_back();
+  };
+  for (std::size_t i = 0; i + 1 < ramp.size(); i += 2) {
+    for (const auto& [a, b] : split(ramp[i], ramp[i + 1])) {
+      if (std::min(a.colour.alpha, b.colour.alpha) < kOpaque - 1e-9) {
+        endOpaque();
+        addSheer(a, b);
+        continue;
+      }
+      if (parts.opaque.empty()) parts.opaque.emplace_back();
+      if (parts.opaque.back().empty() && a.t > ramp.front().t) addSheer(a, {a.t + overlap, a.colour});
+      parts.opaque.back().insert(parts.opaque.back().end(), {a, b});
+    }
+  }
+  std::erase_if(parts.opaque, [](const auto& part) { return part.empty(); });
+  return parts;
 }
 
 std::vector<Band> bandsOf(const std::vector<RampPoint>& ramp, const Fineness& fineness) {
@@ -182,10 +254,12 @@ std::vector<Band> bandsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
 }
 
 std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fineness) {
+  if (ramp.empty()) return {};
   const std::vector<RampPoint> places = sampled(ramp);
   const std::vector<Profile> profiles = profilesOf(ramp, places);
   std::vector<Veil> veils;
-  const int most = std::max(1, fineness.most / static_cast<int>(std::max<std::size_t>(1, profiles.size())));
+  const double seen = std::min<double>(fineness.most, changingLength(ramp) * fineness.mostPerUnit);
+  const int most = std::max(1, static_cast<int>(seen / static_cast<double>(std::max<std::size_t>(1, profiles.size()))));
   for (const Profile& profile : profiles) {
     const auto [low, high] = std::minmax_element(profile.amount.begin(), profile.amount.end());
     if (*high < 0.5 / 255) continue;
@@ -194,7 +268,7 @@ std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
       veil.colour.alpha = *high;
       veils.push_back(std::move(veil));
     } else {
-      addVeils(places, profile, std::clamp(static_cast<int>(std::ceil(*high * 255 / fineness.step)), 1, most), veils);
+      addVeils(places, profile, std::clamp(static_cast<int>(std::ceil(*high * 255 / (2 * fineness.step))), 1, most), veils);
     }
   }
   return veils;

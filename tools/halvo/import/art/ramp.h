@@ -21,7 +21,12 @@ struct Stretch {
 // gradient comes back too often to be told.
 std::optional<std::vector<RampPoint>> rampOf(const Gradient& gradient, const Stretch& shown);
 
-bool isOpaque(const std::vector<RampPoint>& ramp);
+// The parts of a ramp that let nothing through, and the others. Those go on below the former for `overlap`.
+struct RampParts {
+  std::vector<std::vector<RampPoint>> opaque;
+  std::vector<RampPoint> sheer;
+};
+RampParts partsOf(const std::vector<RampPoint>& ramp, double overlap);
 
 struct Fineness {
   // Between neighbours, of 255.
