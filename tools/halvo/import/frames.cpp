@@ -1,5 +1,6 @@
 #include "import/frames.h"
 
+#include <exception>
 #include <new>
 #include <utility>
 
@@ -29,6 +30,8 @@ Art importFile(const std::string& file, const ArtOptions& options) {
     return importFrame(*bytes, options);
   } catch (const std::bad_alloc&) {
     return ArtError{std::nullopt, "there is not enough memory for it"};
+  } catch (const std::exception& problem) {
+    return ArtError{std::nullopt, problem.what()};
   }
 }
 

@@ -6,7 +6,9 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace halvo {
@@ -24,17 +26,40 @@ class OrderedWork {
 
   void run(const Take& take) {
     std::vector<std::jthread> threads;
-    for (std::size_t i = 0; i < std::min(count_, cores()); ++i) threads.emplace_back([this] { work(); });
+    const Stop stop(*this);
+    begin(threads);
     for (std::size_t i = 0; i < count_; ++i)
       if (!take(i, next())) break;
-    const std::lock_guard lock(mutex_);
-    isStopped_ = true;
-    changed_.notify_all();
   }
 
  private:
+  // However the calling thread leaves, the others do not wait for it, as it does for them.
+  class Stop {
+   public:
+    explicit Stop(OrderedWork& work) : work_(work) {}
+    Stop(const Stop&) = delete;
+    Stop& operator=(const Stop&) = delete;
+    ~Stop() {
+      const std::lock_guard lock(work_.mutex_);
+      work_.isStopped_ = true;
+      work_.changed_.notify_all();
+    }
+
+   private:
+    OrderedWork& work_;
+  };
+
   static std::size_t cores() { return std::max(1U, std::thread::hardware_concurrency()); }
   static std::size_t window() { return 4 * cores(); }
+
+  void begin(std::vector<std::jthread>& threads) {
+    try {
+      while (threads.size() < std::min(count_, cores())) threads.emplace_back([this] { work(); });
+    } catch (const std::system_error&) {
+      // With fewer it takes longer.
+      if (threads.empty()) throw;
+    }
+  }
 
   void work() {
     std::unique_lock lock(mutex_);
