@@ -33,8 +33,6 @@ Item mapped(Item item, const Matrix& matrix) {
   }
   auto group = std::make_shared<Group>(*std::get<std::shared_ptr<Group>>(item.what));
   for (Item& member : group->members.items) member = mapped(std::move(member), matrix);
-  if (group->mask)
-    for (Item& member : group->mask->items) member = mapped(std::move(member), matrix);
   item.what = std::move(group);
   return item;
 }

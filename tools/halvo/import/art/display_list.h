@@ -94,8 +94,6 @@ struct DisplayList {
 struct Group {
   DisplayList members;
   double opacity = 1;
-  // Shows through where this is light, by the brightness of its colours.
-  std::optional<DisplayList> mask;
 };
 
 // What is left for the writer: a fill, or a stroke as the player draws it.

@@ -16,7 +16,6 @@ DisplayList rewriteShapes(DisplayList list, const Rewrite& rewrite) {
     if (auto* group = std::get_if<std::shared_ptr<Group>>(&item.what)) {
       auto copy = std::make_shared<Group>(**group);
       copy->members = rewriteShapes(std::move(copy->members), rewrite);
-      if (copy->mask) copy->mask = rewriteShapes(*std::move(copy->mask), rewrite);
       result.items.push_back({std::move(copy), std::move(item.clips)});
     } else {
       rewrite(std::move(item), result.items);

@@ -70,7 +70,7 @@ void ScriptPainting::addPicture(const ScriptContext& context, double opacity) co
   if (surface.isImage) return leaveOut("image", "pixels are left out");
   if (context.blends) notes.push_back({ArtLoss::Approximated, "mix-blend-mode", "drawn without mixing", ""});
   if (surface.list.items.empty()) return;
-  Group group{surface.list, opacity, std::nullopt};
+  Group group{surface.list, opacity};
   if (!isIdentity(pattern.matrix)) {
     Shape shape{mapped(rectangle({0, 0, context.target->width, context.target->height}), toFrame), Rule::NonZero,
                 std::nullopt, *paintOf(context), false};
@@ -94,7 +94,7 @@ void ScriptPainting::mask(const ScriptContext& context, const ScriptPattern& thr
     apart.clips.clear();
     paint(apart);
     context.target->list.items.push_back(
-        {std::make_shared<Group>(Group{apart.target->list, colour->alpha, std::nullopt}), context.clips});
+        {std::make_shared<Group>(Group{apart.target->list, colour->alpha}), context.clips});
     return;
   }
   leaveOut("mask", "a mask of pixels is left out, and what it masks is drawn whole");

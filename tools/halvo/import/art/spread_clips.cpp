@@ -19,7 +19,7 @@ DisplayList spread(const DisplayList& list, const Clips& outer) {
     Clips clips = outer;
     clips.insert(clips.end(), item.clips.begin(), item.clips.end());
     if (const auto* group = std::get_if<std::shared_ptr<Group>>(&item.what)) {
-      auto copy = std::make_shared<Group>(Group{spread((*group)->members, clips), (*group)->opacity, std::nullopt});
+      auto copy = std::make_shared<Group>(Group{spread((*group)->members, clips), (*group)->opacity});
       result.items.push_back({std::move(copy), {}});
       continue;
     }

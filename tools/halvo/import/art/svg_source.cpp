@@ -23,12 +23,12 @@ using Surface = std::unique_ptr<cairo_surface_t, Release<cairo_surface_destroy>>
 using Context = std::unique_ptr<cairo_t, Release<cairo_destroy>>;
 using Error = std::unique_ptr<GError, Release<g_error_free>>;
 
+// The library keeps coordinates in steps of 1/256, so that it is asked for a large picture.
+constexpr double kScriptSide = 32768;
+constexpr double kScriptSideOfText = 4096;
+
 // A small file can ask for any number of copies of a part of itself.
 constexpr std::size_t kMostScript = std::size_t{256} << 20;
-
-struct Size {
-  double width = 0, height = 0;
-};
 
 cairo_status_t append(void* closure, const unsigned char* bytes, unsigned int count) {
   auto& text = *static_cast<std::string*>(closure);
@@ -75,8 +75,8 @@ double inPixels(const RsvgLength& length) {
 }
 
 // Of the viewport: its width and height, completed by the view box. Not positive where there is none.
-Size sizeOf(RsvgHandle& handle) {
-  Size size;
+SourceSize sizeOf(RsvgHandle& handle) {
+  SourceSize size;
   if (rsvg_handle_get_intrinsic_size_in_pixels(&handle, &size.width, &size.height)) return size;
   gboolean hasWidth = FALSE, hasHeight = FALSE, hasBox = FALSE;
   RsvgLength width{}, height{};
@@ -99,30 +99,32 @@ std::variant<Handle, ArtError> read(std::string_view document) {
 
 }  // namespace
 
-std::variant<DrawingScript, ArtError> drawSvg(std::string_view document) {
+std::variant<SourceSize, ArtError> sizeOfSvg(std::string_view document) {
   auto reading = read(document);
   if (auto* error = std::get_if<ArtError>(&reading)) return std::move(*error);
-  RsvgHandle& handle = *std::get<Handle>(reading);
-  const Size size = sizeOf(handle);
+  const SourceSize size = sizeOf(*std::get<Handle>(reading));
   if (!(size.width > 0 && size.height > 0 && std::isfinite(size.width) && std::isfinite(size.height)))
     return ArtError{std::nullopt, "the document has no size: its width, height or viewBox are missing or 0"};
+  return size;
+}
 
-  DrawingScript script{{}, size.width, size.height, {}};
-  const double scale = kScriptSide / std::max(size.width, size.height);
-  const RsvgRectangle viewport{(kScriptSide - size.width * scale) / 2, (kScriptSide - size.height * scale) / 2,
-                               size.width * scale, size.height * scale};
-  script.viewport = {viewport.x, viewport.y, viewport.x + viewport.width, viewport.y + viewport.height};
+std::variant<DrawingScript, ArtError> drawSvg(const SourceText& source, const SourceSize& size) {
+  auto reading = read(source.document);
+  if (auto* error = std::get_if<ArtError>(&reading)) return std::move(*error);
+  const double side = source.hasText ? kScriptSideOfText : kScriptSide;
+  const double scale = side / std::max(size.width, size.height) / (source.isTurned ? 2 : 1);
+  DrawingScript script{{}, Matrix{1 / scale, 0, 0, 1 / scale, 0, 0}};
+  RsvgRectangle viewport{0, 0, size.width * scale, size.height * scale};
+  if (source.isTurned) {
+    viewport = {0, 0, side, side};
+    script.toDocument = quellaro::concat(script.toDocument, inverse(turnOf(size)));
+  }
   const Device device(cairo_script_create_for_stream(append, &script.text));
-  const Surface surface(
-      cairo_script_surface_create(device.get(), CAIRO_CONTENT_COLOR_ALPHA, 2 * kScriptSide, 2 * kScriptSide));
+  const Surface surface(cairo_script_surface_create(device.get(), CAIRO_CONTENT_COLOR_ALPHA, side, side));
   GError* raw = nullptr;
   {
     const Context context(cairo_create(surface.get()));
-    cairo_matrix_t turned{};
-    cairo_matrix_init(&turned, kScriptTurn.a, kScriptTurn.b, kScriptTurn.c, kScriptTurn.d, kScriptTurn.tx,
-                      kScriptTurn.ty);
-    cairo_set_matrix(context.get(), &turned);
-    rsvg_handle_render_document(&handle, context.get(), &viewport, &raw);
+    rsvg_handle_render_document(std::get<Handle>(reading).get(), context.get(), &viewport, &raw);
   }
   const Error error(raw);
   cairo_surface_finish(surface.get());
