@@ -26,7 +26,7 @@ Fineness finenessOf(const Outline& outline, const GradientField& field, const Pa
   const Box box = boundsOf(outline);
   const double share = (box.maxX - box.minX) * (box.maxY - box.minY) / (context.frame.side * context.frame.side);
   Fineness fineness;
-  fineness.step = std::clamp(1 / std::max(share, 1e-6), 2.0, 4.0);
+  fineness.step = std::clamp(0.6 / std::max(share, 1e-6), 1.5, 3.0);
   fineness.mostPerUnit = field.unitsPerStep() / (kNarrowest * context.frame.side);
   if (context.gradientSteps) fineness.most = std::max(1, *context.gradientSteps);
   return fineness;

@@ -167,13 +167,21 @@ void addVeils(const std::vector<RampPoint>& places, const Profile& profile, int 
   const double most = *std::max_element(profile.amount.begin(), profile.amount.end());
   VeilLayer layer(profile.colour);
   for (int k = 1; k <= count; ++k) {
-    const double wanted = most * k / count;
+    // Uneven steps: even ones are rounded the same way each time, which adds up.
+    const double uneven = k < count && profile.colour.red > 0.3 ? 0.35 * std::sin(2.4 * k) : 0;
+    const double wanted = most * (k + uneven) / count;
     const double level = (layer.laid() + wanted) / 2;
     const auto colour = layer.next(wanted);
     if (!colour) continue;
     Veil veil{whereAtLeast(places, profile.amount, level), *colour};
     if (!veil.where.empty()) veils.push_back(std::move(veil));
   }
+}
+
+// Shadows mostly fall on what is much lighter. A light colour changes what is below it by less, so that finer steps
+// would be lost in rounding.
+double veilStep(const Colour& colour, const Fineness& fineness) {
+  return fineness.step * (1.3 + 0.6 * (colour.red + colour.green + colour.blue));
 }
 
 // How much of the ramp changes.
@@ -268,7 +276,7 @@ std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
       veil.colour.alpha = *high;
       veils.push_back(std::move(veil));
     } else {
-      addVeils(places, profile, std::clamp(static_cast<int>(std::ceil(*high * 255 / (2 * fineness.step))), 1, most), veils);
+      addVeils(places, profile, std::clamp(static_cast<int>(std::ceil(*high * 255 / veilStep(profile.colour, fineness))), 1, most), veils);
     }
   }
   return veils;

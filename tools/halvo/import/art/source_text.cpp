@@ -190,7 +190,7 @@ class Preparing {
     }
     const Matrix m = turnOf(size_);
     std::string box;
-    quellaro::appendShortest(box, 2 * std::max(size_.width, size_.height));
+    quellaro::appendShortest(box, kTurnedSide * std::max(size_.width, size_.height));
     std::string before = R"(<turned:svg xmlns:turned="http://www.w3.org/2000/svg" viewBox="0 0 )" + box + ' ' + box +
                          R"("><turned:g transform="matrix()";
     for (const double number : {m.a, m.b, m.c, m.d, m.tx, m.ty}) {
@@ -217,9 +217,10 @@ class Preparing {
 }  // namespace
 
 Matrix turnOf(const SourceSize& size) {
+  constexpr double kTurn = 0.001;
   const double side = std::max(size.width, size.height);
-  const Point middle = Matrix{0.8, 0.6, -0.6, 0.8, 0, 0}.map({size.width / 2, size.height / 2});
-  return {0.8, 0.6, -0.6, 0.8, side - middle.x, side - middle.y};
+  const Point middle = Matrix{1, kTurn, -kTurn, 1, 0, 0}.map({size.width / 2, size.height / 2});
+  return {1, kTurn, -kTurn, 1, kTurnedSide / 2 * side - middle.x, kTurnedSide / 2 * side - middle.y};
 }
 
 std::variant<std::string, ArtError> unpackSource(std::string_view bytes) {

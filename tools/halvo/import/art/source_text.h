@@ -20,13 +20,14 @@ struct SourceSize {
 struct SourceText {
   std::string document;
   bool hasText = false;
-  // The document is drawn turned and in the middle of a square twice as large. The drawing library has ways of its own
-  // for paths of level and upright lines, and gives up on some.
+  // The document is drawn in the middle of a slightly larger square and turned by a hair. The drawing library has ways
+  // of its own for paths of level and upright lines, and gives up on some.
   bool isTurned = false;
 };
 
-// From the document's units to those of the square that it is drawn in.
+// From the document's units to those of the square that it is drawn in, and how much larger that is.
 Matrix turnOf(const SourceSize& size);
+inline constexpr double kTurnedSide = 1.01;
 
 // A group with something masked, whose last member is the mask: one of light or one of alpha.
 inline constexpr double kMaskedGroup = 0.876541;

@@ -112,7 +112,7 @@ std::variant<DrawingScript, ArtError> drawSvg(const SourceText& source, const So
   auto reading = read(source.document);
   if (auto* error = std::get_if<ArtError>(&reading)) return std::move(*error);
   const double side = source.hasText ? kScriptSideOfText : kScriptSide;
-  const double scale = side / std::max(size.width, size.height) / (source.isTurned ? 2 : 1);
+  const double scale = side / std::max(size.width, size.height) / (source.isTurned ? kTurnedSide : 1);
   DrawingScript script{{}, Matrix{1 / scale, 0, 0, 1 / scale, 0, 0}};
   RsvgRectangle viewport{0, 0, size.width * scale, size.height * scale};
   if (source.isTurned) {
