@@ -34,9 +34,14 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_NAME halvo)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION utils)
 # The built-in cue comes with the library.
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${exact_runtime}")
-set(CPACK_DEBIAN_TOOL_DESCRIPTION "plays, draws, measures and publishes brand cues
-Command-line host of the brand cue library: plays a cue in a window or in
-memory, draws its frames and contact sheets, publishes new versions of it,
-and shows what is stored about plays.")
+set(CPACK_DEBIAN_TOOL_DESCRIPTION "makes, plays, draws, measures and publishes brand cues
+Command-line host of the brand cue library: makes a cue of SVG files and a
+sound, plays it in a window or in memory, draws its frames and contact
+sheets, publishes new versions of it, and shows what is stored about plays.")
+
+# The tool is packaged with all that it can do.
+if(NOT TARGET halvo_art)
+  set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/package_without_import.cmake)
+endif()
 
 include(CPack)

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "check/told.h"
 #include "drawing_commands/read_png.h"
 #include "drawing_commands/run_tool.h"
 #include "platform/foundation/json/json_reader.h"
@@ -12,22 +13,8 @@
 
 namespace quellaro {
 
-struct Checked {
-  int status = -1;
-  std::string output;
-  std::set<std::string> ids;
-};
-
-// What `halvo check --json` finds in a source.
-inline Checked check(const std::string& source) {
-  const Ran ran = halvo("check --json '" + source + "'");
-  Checked checked{ran.status, ran.output, {}};
-  const auto document = JSONDocument::parse(ran.output);
-  if (!document) return checked;
-  for (const JSONValue& finding : document->root().member("findings")->elements())
-    checked.ids.emplace(*finding.member("id")->string());
-  return checked;
-}
+// What `halvo check` finds in a source.
+inline Checked check(const std::string& source) { return told("check --json '" + source + "'"); }
 
 // What the checker calls clean, the engine and a standard renderer draw alike. Edges are softened differently; a shape
 // that is missing or misplaced makes more.

@@ -11,6 +11,7 @@
 namespace quellaro {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
@@ -53,6 +54,22 @@ class PlayOfTheTool : public testing::Test {
 constexpr const char* kPlayed =
     "prepare: 800 success\n===> 0\\.0 Animation started at [0-9.]+\n===> 0\\.1 Animation ended at [0-9.]+\n"
     "play: 800 success\n";
+
+// As an author has it: nothing else in it, and a cue of the same name in the Library does not take its place.
+TEST_F(PlayOfTheTool, ADirectoryIsPlayedByItselfAndLeavesNothingBehind) {
+  for (const char* name : {"Info.json", "version_config.json"}) std::filesystem::remove(bundle_ / name);
+  writeFile(directory_ / "home/dev.quellaro.halvo/halvo_assets_active/cue/play_config.json", "{}");
+  std::filesystem::create_directory(directory_ / "tmp");
+  const std::string home = "cd " + directory_.path().string() + "; XDG_DATA_HOME=" + (directory_ / "home").string() +
+                           " TMPDIR=" + (directory_ / "tmp").string() + " " QUELLARO_HALVO_TOOL " play --headless ";
+  const Ran played = run(home + "./bundle --haptics");
+  EXPECT_EQ(played.status, 0);
+  EXPECT_THAT(played.output, AllOf(HasSubstr("prepare: 800 success\n"), HasSubstr("\nplay: 800 success\n")));
+  EXPECT_TRUE(std::filesystem::is_empty(directory_ / "tmp"));
+  EXPECT_THAT(run(home + "./nowhere").output, "halvo: ./nowhere: No such file or directory\n");
+  EXPECT_EQ(run(home + "./bundle --library x").status, 2);
+  EXPECT_THAT(run(home + "bundle --times 0").output, HasSubstr("the directory is ./bundle\n"));
+}
 
 TEST_F(PlayOfTheTool, EveryShownFrameIsRecordedInOrder) {
   const Ran ran = playAnimation("--headless --size 30x20 --background white" + record_);

@@ -12,7 +12,8 @@ _halvo() {
     --environment) mapfile -t COMPREPLY < <(compgen -W "primary secondary" -- "$current") ;;
     --background) mapfile -t COMPREPLY < <(compgen -W "black white" -- "$current") ;;
     --bundle|--library|--record|--store) compopt -o dirnames ;;
-    --times|--volume|--app-id|--size|--number|--repeat|--cue|--version|--sdk-version) ;;
+    --times|--volume|--app-id|--size|--number|--repeat|--cue|--version|--sdk-version|--fps|--frame-time|\
+      --loudness|--sound-delay|--animation-delay|--precision|--gradient-steps) ;;
     *)
       if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$("$tool" "$command" --help 2>/dev/null | grep -o -- '^  .*' |

@@ -1,50 +1,12 @@
-#include <unistd.h>
-
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 
 #include "check/cue.h"
 #include "check/output.h"
 #include "commands.h"
 #include "options.h"
+#include "progress_line.h"
 
 namespace halvo {
-
-namespace {
-
-using Clock = std::chrono::steady_clock;
-
-bool wantsColor() {
-  const char* const terminal = std::getenv("TERM");
-  return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr && terminal != nullptr &&
-         std::string_view(terminal) != "dumb";
-}
-
-// A line that is written over, on a terminal, for what takes longer than a moment.
-class ProgressLine {
- public:
-  ProgressLine() : isShown_(isatty(STDERR_FILENO) == 1) {}
-  ProgressLine(const ProgressLine&) = delete;
-  ProgressLine& operator=(const ProgressLine&) = delete;
-  ~ProgressLine() {
-    if (written_) std::fputs("\r\033[K", stderr);
-  }
-
-  void show(std::size_t done, std::size_t total) {
-    if (!isShown_ || Clock::now() - last_ < std::chrono::milliseconds(500)) return;
-    last_ = Clock::now();
-    written_ = true;
-    std::fprintf(stderr, "\rhalvo check: frame %zu of %zu", done, total);
-  }
-
- private:
-  bool isShown_;
-  bool written_ = false;
-  Clock::time_point last_ = Clock::now();
-};
-
-}  // namespace
 
 int check(int argc, char** argv) {
   bool json = false;
@@ -66,7 +28,7 @@ int check(int argc, char** argv) {
   Report report;
   CueFacts facts;
   {
-    ProgressLine line;
+    ProgressLine line("check");
     facts = checkSource(source, report, [&](std::size_t done, std::size_t total) { line.show(done, total); });
   }
   const std::string text = json ? reportJson(source, report, facts) : reportText(source, report, facts, wantsColor());

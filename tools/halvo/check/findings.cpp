@@ -36,7 +36,8 @@ constexpr FindingKind kKinds[] = {
 
     {Sound, "sound", kError, "plays no sound, or breaks off, and answers with a failure",
      "export an MP3 file of at most 16 MB"},
-    {SoundSilent, "sound-silent", kWarning, "plays it, and nobody hears anything", "export the sound again"},
+    {SoundSilent, "sound-silent", kNote, "plays it, and nobody hears anything",
+     "export the sound again, if one is to be heard"},
     {SoundClips, "sound-clips", kWarning, "cuts the peaks off, which is heard as distortion",
      "lower the level before exporting; leave 1 dB"},
     {HapticsMissing, "haptics-missing", kError, "answers a play with haptics with a failure",
@@ -147,12 +148,18 @@ constexpr FindingKind kKinds[] = {
     {BudgetElements, "budget-elements", kWarning, "may drop frames on slow devices", "join shapes of one colour"},
     {BudgetPoints, "budget-points", kWarning, "may drop frames on slow devices", "simplify the outlines"},
     {BudgetTime, "budget-time", kNote, "prepares the cue for longer than people wait", "use fewer or simpler frames"},
+
+    {Approximated, "approximated", kNote, "shows or plays what comes close to it",
+     "where it matters, draw it with plain shapes, or give the sound as it is to be"},
+    {LeftOut, "left-out", kWarning, "shows the frame without it", "draw it with plain shapes, or do without"},
+    {Fitted, "fitted", kNote, "plays it as it was fitted", "export all parts at one size, of one length"},
+    {Refused, "refused", kError, "gets no cue: nothing was written", "correct what is named"},
 };
 
 constexpr bool isInOrder() {
   for (std::size_t i = 0; i < std::size(kKinds); ++i)
     if (static_cast<std::size_t>(kKinds[i].id) != i) return false;
-  return std::size(kKinds) == static_cast<std::size_t>(BudgetTime) + 1;
+  return std::size(kKinds) == static_cast<std::size_t>(Refused) + 1;
 }
 static_assert(isInOrder());
 

@@ -110,6 +110,11 @@ enum class FindingId {
   BudgetElements,
   BudgetPoints,
   BudgetTime,
+  // What became of what was imported.
+  Approximated,
+  LeftOut,
+  Fitted,
+  Refused,
 };
 
 struct FindingKind {

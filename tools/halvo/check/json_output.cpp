@@ -1,5 +1,4 @@
 #include "check/output.h"
-#include "platform/foundation/json/json_writer.h"
 
 namespace halvo {
 
@@ -37,11 +36,12 @@ void writeGroup(JSONWriter& json, const FindingGroup& group) {
   json.key("id").string(kind.name).key("severity").string(nameOf(kind.severity)).key("file").string(first.file);
   writeOptional(json, "frame", first.frame);
   writeOptional(json, "line", first.position ? std::optional(position.line) : std::nullopt);
-  writeOptional(json, "column", first.position ? std::optional(position.column) : std::nullopt);
+  writeOptional(json, "column", position.column > 0 ? std::optional(position.column) : std::nullopt);
   writeText(json, "element", first.element);
   writeText(json, "elementId", first.elementId);
   writeText(json, "attribute", first.attribute);
   json.key("what").string(first.what).key("player").string(kind.player).key("instead").string(kind.instead);
+  writeText(json, "howFar", first.howFar);
   writeNumber(json, "count", group.count);
   json.key("frames").beginArray();
   for (const std::size_t frame : group.frames) json.integer(static_cast<std::int64_t>(frame));
@@ -50,7 +50,8 @@ void writeGroup(JSONWriter& json, const FindingGroup& group) {
 
 }  // namespace
 
-std::string reportJson(const std::string& source, const Report& report, const CueFacts& facts) {
+std::string reportJson(const std::string& source, const Report& report, const CueFacts& facts,
+                       const std::function<void(JSONWriter&)>& more) {
   JSONWriter json;
   json.beginObject().key("source").string(source).key("clean").boolean(report.isClean());
   writeNumber(json, "errors", report.count(Severity::Error));
@@ -63,7 +64,9 @@ std::string reportJson(const std::string& source, const Report& report, const Cu
   writeOptional(json, "hapticsEnd", facts.hapticsEnd);
   json.key("findings").beginArray();
   for (const FindingGroup* group : report.groups()) writeGroup(json, *group);
-  json.endArray().endObject();
+  json.endArray();
+  if (more) more(json);
+  json.endObject();
   return json.take() + "\n";
 }
 

@@ -13,7 +13,18 @@ constexpr std::size_t kMostGroups = 500;
 // Of what others say, such as the path to a wrong key.
 constexpr std::size_t kLongestWhat = 500;
 
+// Frames that were imported come from a file each, with a figure each: what many of them have in common is told once.
+std::string keyOfImported(const Finding& finding) {
+  std::string what = finding.what;
+  std::erase_if(what, [](char c) { return (c >= '0' && c <= '9') || c == '.'; });
+  std::string key = std::to_string(static_cast<int>(finding.id));
+  for (const std::string* part : {&finding.element, &finding.elementId, &std::as_const(what)})
+    key.append(1, '\0').append(*part);
+  return key;
+}
+
 std::string keyOf(const Finding& finding) {
+  if (finding.id >= FindingId::Approximated) return keyOfImported(finding);
   std::string key = std::to_string(static_cast<int>(finding.id));
   for (const std::string* part : {&finding.file, &finding.element, &finding.elementId, &finding.attribute})
     key.append(1, '\0').append(*part);

@@ -15,7 +15,7 @@ namespace halvo {
 
 using quellaro::printable;
 
-// Both from 1, columns in characters.
+// Both from 1, columns in characters; column 0 where only the line is known.
 struct TextPosition {
   std::size_t line = 0;
   std::size_t column = 0;
@@ -32,6 +32,7 @@ struct Finding {
   std::string elementId;
   std::string attribute;
   std::optional<TextPosition> position;  // within the frame, or the file when there is no frame
+  std::string howFar = "";               // of what is shown approximately: by how much
 };
 
 // The same finding wherever it comes: what differs between places is told of the first.

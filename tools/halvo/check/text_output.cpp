@@ -1,3 +1,8 @@
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
 #include "check/output.h"
 
 namespace halvo {
@@ -40,10 +45,11 @@ class Writer {
 
  private:
   static std::string titleOf(const Finding& finding) {
-    if (finding.element.empty()) return finding.what;
+    std::string what = finding.what + (finding.howFar.empty() ? "" : ", " + finding.howFar);
+    if (finding.element.empty()) return what;
     const std::string id = finding.elementId.empty() ? "" : " id=\"" + finding.elementId + "\"";
     const std::string tag = "<" + finding.element + id + ">";
-    return finding.what == "<" + finding.element + ">" ? tag : finding.what + " on " + tag;
+    return finding.what == "<" + finding.element + ">" ? tag : what + " on " + tag;
   }
 
   static std::string elsewhere(const FindingGroup& group) {
@@ -83,19 +89,30 @@ std::string factsText(const CueFacts& facts) {
 
 }  // namespace
 
+bool wantsColor() {
+  const char* const terminal = std::getenv("TERM");
+  return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr && terminal != nullptr &&
+         std::string_view(terminal) != "dumb";
+}
+
 std::string placeOf(const Finding& finding) {
   std::string place = finding.file;
   if (finding.frame) place += ", frame " + std::to_string(*finding.frame);
-  if (finding.position)
-    place +=
-        ", line " + std::to_string(finding.position->line) + ", column " + std::to_string(finding.position->column);
+  if (finding.position) place += ", line " + std::to_string(finding.position->line);
+  if (finding.position && finding.position->column > 0) place += ", column " + std::to_string(finding.position->column);
   return place;
+}
+
+std::string findingsText(const Report& report, bool withColor) {
+  Writer writer(withColor);
+  for (const FindingGroup* group : report.groups()) writer.write(*group);
+  if (report.leftOut() > 0) writer.write(counted(report.leftOut(), "further finding") + " left out\n\n");
+  return writer.take();
 }
 
 std::string reportText(const std::string& source, const Report& report, const CueFacts& facts, bool withColor) {
   Writer writer(withColor);
-  for (const FindingGroup* group : report.groups()) writer.write(*group);
-  if (report.leftOut() > 0) writer.write(counted(report.leftOut(), "further finding") + " left out\n\n");
+  writer.write(findingsText(report, withColor));
   writer.write(source + ": ");
   const std::size_t errors = report.count(Severity::Error);
   const std::size_t warnings = report.count(Severity::Warning);

@@ -9,6 +9,7 @@
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/json/json_decoder.h"
 #include "platform/foundation/storage/file_manager.h"
+#include "play/cue_folder.h"
 #include "play/devices.h"
 #include "play/host_options.h"
 #include "play/stage.h"
@@ -20,7 +21,8 @@ namespace {
 using namespace quellaro;
 
 struct PlayOptions {
-  std::string cue;
+  std::string cue;  // as it was given
+  std::string name;
   QLHalvoType type = QLHalvoType::animationAndSound;
   QLHalvoEnvironment environment = QLHalvoEnvironment::primary;
   std::shared_ptr<const QLHalvoMerchant> merchant;
@@ -87,7 +89,7 @@ class PlaySession {
 
   int run() {
     const auto prepared = answerOf("prepare", [this](const HalvoCompletion& completion) {
-      controller_->prepare(options_.type, options_.cue, options_.environment, options_.merchant, options_.haptics,
+      controller_->prepare(options_.type, options_.name, options_.environment, options_.merchant, options_.haptics,
                            completion);
     });
     std::optional<QLHalvoStatus> last = prepared;
@@ -140,7 +142,9 @@ int play(int argc, char** argv) {
   CommandLine commandLine;
   commandLine.usage = "play CUE [options]";
   commandLine.summary =
-      "Prepares CUE once and plays it. Prints the library's own lines, and one line for each answer:\n"
+      "Prepares CUE once and plays it: a cue by its name, or the directory of one by a path, as in ./cue, by itself "
+      "and\n"
+      "without bundle and Library. Prints the library's own lines, and one line for each answer:\n"
       "'prepare: CODE NAME' and 'play: CODE NAME'. Exit status: 0 when the last code is 800 or 801, 1 when it is\n"
       "another, 2 for unusable arguments.";
   commandLine.minimumPositional = commandLine.maximumPositional = 1;
@@ -160,12 +164,31 @@ int play(int argc, char** argv) {
       {"no-actuator", "", "with --headless: a device without a haptic actuator", setFlag(options.devices.noActuator)},
   };
   addHostOptions(commandLine);
+  bool isHostGiven = false;
+  for (Option& option : commandLine.options)
+    if (option.name == "bundle" || option.name == "library")
+      option.apply = [&isHostGiven, apply = option.apply](const std::string& value) {
+        isHostGiven = true;
+        return apply(value);
+      };
   for (Option& option : options.stage.options()) commandLine.options.push_back(std::move(option));
   const Parsed parsed = parse(commandLine, argc, argv);
   if (parsed.exitStatus) return *parsed.exitStatus;
   if (!options.devices.headless && (options.devices.noActuator || options.devices.volume))
     return usageError("play", "--no-actuator and --volume are for simulated devices: give --headless too");
-  options.cue = parsed.positional[0];
+  options.cue = options.name = parsed.positional[0];
+  const bool isFolder = options.cue.find('/') != std::string::npos;
+  if (isFolder && isHostGiven)
+    return usageError("play", "a directory is played by itself: --bundle and --library are for a cue's name");
+  std::unique_ptr<CueFolder> folder;
+  if (isFolder) {
+    auto opened = CueFolder::open(options.cue);
+    if (!opened) return failure(options.cue + ": " + opened.error().localizedDescription);
+    folder = std::move(*opened);
+    options.name = CueFolder::kCueName;
+  } else if (FileManager::directoryExistsAtPath(options.cue)) {
+    std::fprintf(stderr, "halvo play: this plays a cue by its name; the directory is ./%s\n", options.cue.c_str());
+  }
   useDevices(options.devices);
   return PlaySession(std::move(options)).run();
 }

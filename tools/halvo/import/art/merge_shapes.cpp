@@ -1,0 +1,45 @@
+#include <utility>
+
+#include "import/art/passes.h"
+
+namespace halvo::art {
+
+namespace {
+
+bool isSeen(const FlatShape& shape, const Box& viewport) {
+  if (shape.outline.empty() || std::lround(shape.colour.alpha * 255) == 0) return false;
+  const Box box = boundsOf(shape.outline).grown(shape.strokeWidth ? *shape.strokeWidth * 5 : 0);
+  return !isEmpty(commonBox(box, viewport));
+}
+
+bool samePaint(const FlatShape& a, const FlatShape& b) {
+  return a.colour == b.colour && a.strokeWidth == b.strokeWidth;
+}
+
+// One outline of both looks like both over each other: where they overlap, nothing may cancel out or show twice.
+bool mayJoin(const FlatShape& a, const FlatShape& b) {
+  if (!samePaint(a, b)) return false;
+  if (a.colour.alpha >= 1 && (a.strokeWidth || (a.windsOneWay && b.windsOneWay))) return true;
+  const double reach = a.strokeWidth ? *a.strokeWidth * 5 : 0;
+  const Box common = commonBox(boundsOf(a.outline).grown(reach), boundsOf(b.outline).grown(reach));
+  return !(common.minX <= common.maxX && common.minY <= common.maxY);
+}
+
+}  // namespace
+
+std::vector<FlatShape> mergeShapes(std::vector<FlatShape> shapes, const PassContext& context) {
+  std::vector<FlatShape> result;
+  for (FlatShape& shape : shapes) {
+    if (!isSeen(shape, context.frame.viewport)) continue;
+    if (!result.empty() && mayJoin(result.back(), shape)) {
+      FlatShape& last = result.back();
+      last.windsOneWay = last.windsOneWay && shape.windsOneWay;
+      for (Contour& contour : shape.outline) last.outline.push_back(std::move(contour));
+    } else {
+      result.push_back(std::move(shape));
+    }
+  }
+  return result;
+}
+
+}  // namespace halvo::art

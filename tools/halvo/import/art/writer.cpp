@@ -1,0 +1,98 @@
+#include "import/art/writer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "import/art/path_text.h"
+
+namespace halvo::art {
+
+namespace {
+
+// Corners more pointed than this are cut off elsewhere, unless the document says otherwise.
+constexpr double kUsualMiterLimit = 4;
+
+std::string hexadecimal(const Colour& colour) {
+  const double components[] = {colour.red, colour.green, colour.blue, colour.alpha};
+  std::string digits;
+  for (const double component : components) {
+    char pair[3];
+    const int step = static_cast<int>(std::lround(std::clamp(component, 0.0, 1.0) * 255));
+    std::snprintf(pair, sizeof pair, "%02x", static_cast<unsigned>(step));
+    digits += pair;
+  }
+  if (digits.ends_with("ff")) digits.resize(6);
+  for (std::size_t i = 0; i < digits.size(); i += 2)
+    if (digits[i] != digits[i + 1]) return '#' + digits;
+  std::string single = "#";
+  for (std::size_t i = 0; i < digits.size(); i += 2) single += digits[i];
+  return single;
+}
+
+Point unit(Point way) { return length(way) > 0 ? way * (1 / length(way)) : Point{}; }
+
+// Whether some corner is more pointed than what other renderers draw to its point.
+bool hasPointedCorner(const Contour& contour) {
+  std::vector<Point> ways;
+  Point at = contour.start;
+  for (const Segment& segment : contour.segments) {
+    const Cubic curve = curveOf(at, segment);
+    ways.push_back(unit(wayAt(curve, 1e-4)));
+    ways.push_back(unit(wayAt(curve, 1 - 1e-4)));
+    at = segment.end;
+  }
+  if (contour.isClosed && !(at == contour.start)) ways.insert(ways.end(), 2, unit(contour.start - at));
+  if (contour.isClosed && !ways.empty()) ways.push_back(ways.front());
+  for (std::size_t i = 1; i + 1 < ways.size(); i += 2)
+    if (2 > kUsualMiterLimit * kUsualMiterLimit * (1 + dot(ways[i], ways[i + 1]))) return true;
+  return false;
+}
+
+struct Element {
+  std::string paint;
+  std::string rest;
+};
+
+Element elementOf(const FlatShape& shape, int decimals, ArtFrame& frame) {
+  PathText path(decimals);
+  for (const Contour& contour : shape.outline) path.add(contour, shape.strokeWidth.has_value());
+  if (path.text().empty()) return {};
+  frame.points += path.points();
+  ++frame.elements;
+  const std::string colour = hexadecimal(shape.colour);
+  if (!shape.strokeWidth) return {"fill=\"" + colour + '"', "d=\"" + path.text() + "\"/>"};
+  Element element{"fill=\"none\" stroke=\"" + colour + '"', ""};
+  element.rest = "stroke-width=\"" + shortNumber(*shape.strokeWidth, decimals) + '"';
+  if (std::any_of(shape.outline.begin(), shape.outline.end(), hasPointedCorner))
+    element.rest += " stroke-miterlimit=\"10\"";
+  element.rest += " d=\"" + path.text() + "\"/>";
+  return element;
+}
+
+}  // namespace
+
+void writeFrame(const std::vector<FlatShape>& shapes, int side, int decimals, ArtFrame& frame) {
+  std::vector<Element> elements;
+  for (const FlatShape& shape : shapes)
+    if (Element element = elementOf(shape, decimals, frame); !element.rest.empty())
+      elements.push_back(std::move(element));
+  const std::string length = std::to_string(side);
+  std::string& text = frame.document;
+  text = R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" + length + R"(" height=")" + length + R"(">)";
+  for (std::size_t i = 0; i < elements.size();) {
+    std::size_t end = i + 1;
+    while (end < elements.size() && elements[end].paint == elements[i].paint) ++end;
+    // Said once for a run of the same paint.
+    const bool isRun = end - i > 1;
+    if (isRun) {
+      ++frame.elements;
+      text += "<g " + elements[i].paint + '>';
+    }
+    for (; i < end; ++i) text += "<path " + (isRun ? "" : elements[i].paint + ' ') + elements[i].rest;
+    if (isRun) text += "</g>";
+  }
+  text += "</svg>";
+}
+
+}  // namespace halvo::art

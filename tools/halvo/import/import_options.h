@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "import/art/import_frame.h"
+
+namespace halvo {
+
+// What the arguments of `halvo import` say.
+struct ImportOptions {
+  std::vector<std::string> sources;
+  std::string target;
+  double frameMilliseconds = 1000.0 / 60;
+  ArtOptions art;
+  std::string sound;  // empty: silence
+  std::optional<double> loudness;
+  std::string haptics;  // empty: a pattern without events
+  double soundDelay = 0;
+  double animationDelay = 0;
+  bool replace = false;
+  bool strict = false;
+  bool json = false;
+};
+
+// The exit status. Where the parts that importing stands on were not there when the tool was built, says what brings
+// them.
+int importCue(const ImportOptions& options);
+
+}  // namespace halvo
