@@ -178,7 +178,7 @@ int main(void) {
   lays_out_views();
   controls();
   asks();
-  ANSWERS(quellaro_halvo_loop_run_until_idle(), quellaro_halvo_result_ok);
+  ANSWERS(quellaro_halvo_loop_run_until_idle(-1), quellaro_halvo_result_ok);
   ANSWERS(quellaro_halvo_loop_milliseconds_until_next_deadline(), -1);
   return failures == 0 ? 0 : 1;
 }

@@ -233,7 +233,7 @@ TEST_F(Host, ObservesTheEndOfASoundUntilItStops) {
   pump();
   for (int i = 0; i < 2; ++i) {
     play();
-    EXPECT_EQ(quellaro_halvo_loop_run_until_idle(), quellaro_halvo_result_ok);
+    EXPECT_EQ(quellaro_halvo_loop_run_until_idle(-1), quellaro_halvo_result_ok);
   }
   EXPECT_EQ(answers_, (Answers{800, 800, 800}));
   EXPECT_EQ(observed.names, std::vector<std::string>{QUELLARO_HALVO_AUDIO_SESSION_DEACTIVATED});

@@ -80,7 +80,7 @@ TEST(MainQueue, RunSleepsTowardsTimersAndReturnsWhenStoppedOrIdle) {
   MainQueue queue;
   int count = 0;
   queue.asyncAfter(0.01, [&] { ++count; });
-  queue.run(true);
+  queue.runUntilIdle(-1);
   EXPECT_EQ(count, 1);
 
   queue.asyncAfter(3600, [&] { ++count; });
@@ -98,7 +98,7 @@ TEST(MainQueue, AnnouncedWorkKeepsTheQueueFromBeingIdle) {
     queue.async([] {});
     held.reset();
   });
-  queue.run(true);
+  queue.runUntilIdle(-1);
   other.join();
   EXPECT_TRUE(queue.isIdle());
 }
