@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 #include <type_traits>
 
 #include "platform/foundation/memory/large_memory.h"
@@ -254,6 +255,8 @@ Result<JSONDocument> JSONDocument::parse(std::string bytes) {
     content->bytes = withoutLargeIntegers(content->bytes);
     error = content->parse();
   }
+  // No fault of the text.
+  if (error == simdjson::MEMALLOC) throw std::bad_alloc();
   if (error != simdjson::SUCCESS) return unreadable(simdjson::error_message(error));
   // Only the tape and the strings are needed from here on.
   content->parser = dom::parser();
