@@ -197,8 +197,9 @@ TEST_F(RandomSessions, EveryCallIsAnsweredOnceAndNothingStaysStuckOrBehind) {
     for (const auto& weak : std::exchange(all_, {})) EXPECT_TRUE(weak.expired());
     takePrinted();
   }
-  for (const int code : {800, 801, 901, 902, 903, 904, 905, 906, 907, 908, 910})
-    EXPECT_TRUE(codes.contains(code) || code == 906 || wanted != nullptr) << code << " never came";
+  // All but 906: no sound breaks down here.
+  for (const int code : {800, 801, 901, 902, 903, 904, 905, 907, 908, 910})
+    EXPECT_TRUE(codes.contains(code) || wanted != nullptr) << code << " never came";
 }
 
 }  // namespace
