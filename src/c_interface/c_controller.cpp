@@ -22,9 +22,9 @@ quellaro_halvo_controller* quellaro_halvo_controller_create(void) {
 }
 
 void quellaro_halvo_controller_release(quellaro_halvo_controller* controller) {
-  std::unique_ptr<quellaro_halvo_controller> released(controller);
   // It would wait for threads that the parent has.
-  if (MainQueue::isInherited()) released.release();
+  if (MainQueue::isInherited()) return;
+  const std::unique_ptr<quellaro_halvo_controller> released(controller);
 }
 
 quellaro_halvo_result quellaro_halvo_controller_prepare(quellaro_halvo_controller* controller, quellaro_halvo_type type,

@@ -67,9 +67,9 @@ quellaro_halvo_view* quellaro_halvo_view_create_with_coder(const quellaro_halvo_
 }
 
 void quellaro_halvo_view_release(quellaro_halvo_view* view) {
+  if (MainQueue::isInherited()) return;
   quellaro_halvo_view_set_needs_display_handler(view, nullptr, nullptr);
-  std::unique_ptr<quellaro_halvo_view> released(view);
-  if (MainQueue::isInherited()) released.release();
+  const std::unique_ptr<quellaro_halvo_view> released(view);
 }
 
 quellaro_halvo_coder* quellaro_halvo_coder_create(void) {
