@@ -35,6 +35,7 @@ FUNCTIONS = {
     "loop_descriptor": (c_int,),
     "loop_milliseconds_until_next_deadline": (c_int,),
     "loop_drain": (c_bool,),
+    "loop_run_until_idle": (c_int32, c_int),
     "status_name": (c_char_p, c_int64),
 }
 
@@ -87,6 +88,8 @@ class Host:
             timeout = self.halvo.loop_milliseconds_until_next_deadline()
             poll.poll(timeout if timeout >= 0 else None)
             self.halvo.loop_drain()
+        # The exit waits for nothing: a report of the plays, when one is due, goes out after the answer.
+        self.halvo.loop_run_until_idle(5000)
         self.halvo.controller_release(self.controller)
         self.halvo.view_release(self.view)
 

@@ -79,6 +79,8 @@ int main(void) {
                                         &host) == quellaro_halvo_result_ok &&
       run(&host) != 0)
     perror("epoll");
+  // The exit waits for nothing: a report of the plays, when one is due, goes out after the answer.
+  quellaro_halvo_loop_run_until_idle(5000);
   printf("%d %s, %d pictures, %d ticks\n", (int)host.answer, quellaro_halvo_status_name(host.answer), host.pictures,
          host.ticks);
   quellaro_halvo_merchant_release(merchant);

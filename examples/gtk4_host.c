@@ -97,6 +97,8 @@ int main(int argc, char** argv) {
   GSource* source = attach_source();
   g_signal_connect(application, "activate", G_CALLBACK(activate), &host);
   g_application_run(G_APPLICATION(application), argc, argv);
+  // The exit waits for nothing: a report of the plays, when one is due, goes out after the answer.
+  quellaro_halvo_loop_run_until_idle(5000);
   g_print("%d %s\n", (int)host.answer, quellaro_halvo_status_name(host.answer));
   quellaro_halvo_view_release(host.view);
   quellaro_halvo_controller_release(host.controller);

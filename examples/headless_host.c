@@ -60,6 +60,8 @@ int main(int argc, char** argv) {
                                         quellaro_halvo_environment_primary, merchant, false, play,
                                         &host) == quellaro_halvo_result_ok)
     quellaro_halvo_loop_run();
+  // The exit waits for nothing: a report of the plays, when one is due, goes out after the answer.
+  quellaro_halvo_loop_run_until_idle(5000);
   printf("%d %s, %d pictures\n", (int)host.answer, quellaro_halvo_status_name(host.answer), host.pictures);
 
   quellaro_halvo_merchant_release(merchant);

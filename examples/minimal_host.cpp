@@ -20,6 +20,8 @@ int main() {
   };
   controller->prepare(QLHalvoType::animationAndSound, "quellaro", QLHalvoEnvironment::primary, merchant, false, play);
   MainQueue::shared().run();
+  // The exit waits for nothing: a report of the plays, when one is due, goes out after the answer.
+  MainQueue::shared().runUntilIdle(5000);
   std::printf("%d\n", static_cast<int>(last));
   return last == QLHalvoStatus::success ? 0 : 1;
 }

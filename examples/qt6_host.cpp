@@ -95,6 +95,8 @@ int main(int argc, char** argv) {
                                     quellaro_halvo_environment_primary, merchant, false, Host::play, &host);
   quellaro_halvo_merchant_release(merchant);
   QApplication::exec();
+  // The exit waits for nothing: a report of the plays, when one is due, goes out after the answer.
+  quellaro_halvo_loop_run_until_idle(5000);
   std::printf("%d %s\n", static_cast<int>(host.answer), quellaro_halvo_status_name(host.answer));
   return host.answer == quellaro_halvo_status_success ? 0 : 1;
 }

@@ -87,6 +87,8 @@ int main(int argc, char** argv) {
                                         quellaro_halvo_environment_primary, merchant, false, play,
                                         &host) == quellaro_halvo_result_ok)
     run(&host);
+  // The exit waits for nothing: a report of the plays, when one is due, goes out after the answer.
+  quellaro_halvo_loop_run_until_idle(5000);
   printf("%d %s\n", (int)host.answer, quellaro_halvo_status_name(host.answer));
   quellaro_halvo_merchant_release(merchant);
   quellaro_halvo_controller_release(host.controller);

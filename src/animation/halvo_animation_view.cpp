@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "animation/halvo_layer.h"
+#include "platform/dispatch/guard.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/text/numbers.h"
@@ -26,6 +27,8 @@ struct QLHalvoAnimationView::Play {
   std::weak_ptr<QLHalvoAnimationView> view;
   // From the start to the end of the frame that was scheduled last.
   double scheduledSeconds = 0;
+  // It could not be begun: what has been scheduled does nothing.
+  bool isCalledOff = false;
 };
 
 std::shared_ptr<QLHalvoAnimationView> QLHalvoAnimationView::initWithFrame(CGRect frame) {
@@ -48,9 +51,11 @@ void QLHalvoAnimationView::playFrames(HalvoFrames frames, Callback completion) {
   play->frames = std::move(frames);
   play->completion = std::move(completion);
   play->view = std::static_pointer_cast<QLHalvoAnimationView>(shared_from_this());
+  Undo callOff([&] { play->isCalledOff = true; });
   showFrame(play->frames.front());
   printMoment(play->scheduledSeconds, "started");
   for (std::size_t i = 0; i < play->frames.size(); ++i) scheduleFrameTimer(play, i);
+  callOff.keep();
 }
 
 void QLHalvoAnimationView::showFrame(const std::shared_ptr<const SVGDocument>& frame) {
@@ -70,6 +75,7 @@ void QLHalvoAnimationView::scheduleFrameTimer(const std::shared_ptr<Play>& play,
 }
 
 void QLHalvoAnimationView::advanceFrame(const Play& play, std::size_t index) {
+  if (play.isCalledOff) return;
   if (index + 1 < play.frames.size()) {
     if (const auto view = play.view.lock()) view->showFrame(play.frames[index + 1]);
     return;

@@ -22,6 +22,8 @@ quellaro_halvo_controller* quellaro_halvo_controller_create(void) {
 }
 
 void quellaro_halvo_controller_release(quellaro_halvo_controller* controller) {
+  // It would wait for threads that the parent has.
+  if (MainQueue::isInherited()) return;
   const std::unique_ptr<quellaro_halvo_controller> released(controller);
 }
 
@@ -78,6 +80,8 @@ bool quellaro_halvo_controller_is_playing(const quellaro_halvo_controller* contr
 
 quellaro_halvo_result quellaro_halvo_controller_set_is_playing(quellaro_halvo_controller* controller, bool is_playing) {
   if (controller == nullptr) return quellaro_halvo_result_null_argument;
-  controller->controller->setIsPlaying(is_playing);
-  return quellaro_halvo_result_ok;
+  return guarded([&] {
+    controller->controller->setIsPlaying(is_playing);
+    return quellaro_halvo_result_ok;
+  });
 }

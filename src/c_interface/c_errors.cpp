@@ -63,6 +63,8 @@ const char* quellaro_halvo_result_description(quellaro_halvo_result result) {
       return "Memory is short";
     case quellaro_halvo_result_failed:
       return "Failed; a line on standard error tells more";
+    case quellaro_halvo_result_forked:
+      return "This process was forked from one that used the library already";
     default:
       return "Unknown result";
   }

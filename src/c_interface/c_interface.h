@@ -8,6 +8,8 @@
 #include "c_interface/quellaro_halvo.h"
 #include "controller/halvo_controller.h"
 #include "platform/coregraphics/coder.h"
+#include "platform/dispatch/guard.h"
+#include "platform/dispatch/main_queue.h"
 #include "platform/foundation/text/utf8.h"
 #include "platform/quartzcore/compositor.h"
 
@@ -47,9 +49,10 @@ namespace quellaro {
 // What a caught exception comes to; says on standard error what it was, unless memory is short. Only within a handler.
 quellaro_halvo_result resultOfException() noexcept;
 
-// Answers what the work answers: no exception leaves it.
+// Answers what the work answers: no exception leaves it. A forked child does nothing.
 template <class Work>
 quellaro_halvo_result guarded(const Work& work) noexcept {
+  if (MainQueue::isInherited()) return quellaro_halvo_result_forked;
   try {
     return work();
   } catch (...) {
@@ -60,6 +63,7 @@ quellaro_halvo_result guarded(const Work& work) noexcept {
 // The same for work that answers something else, and `otherwise` when it cannot.
 template <class Value, class Work>
 Value guarded(Value otherwise, const Work& work) noexcept {
+  if (MainQueue::isInherited()) return otherwise;
   try {
     return work();
   } catch (...) {

@@ -11,11 +11,12 @@ namespace {
 
 bool isRunning = false;
 
-quellaro_halvo_result run(bool untilIdle) {
+template <class Run>
+quellaro_halvo_result runOnce(const Run& run) {
   if (isRunning) return quellaro_halvo_result_busy;
   isRunning = true;
   const quellaro_halvo_result result = guarded([&] {
-    MainQueue::shared().run(untilIdle);
+    run(MainQueue::shared());
     return quellaro_halvo_result_ok;
   });
   isRunning = false;
@@ -43,12 +44,17 @@ int quellaro_halvo_loop_milliseconds_until_next_deadline(void) {
 }
 
 bool quellaro_halvo_loop_drain(void) {
-  return guarded(true, [] { return MainQueue::shared().drain(); });
+  // What has thrown has run. In a child there is nothing to run, and a host that drains until then must come to an end.
+  return guarded(!MainQueue::isInherited(), [] { return MainQueue::shared().drain(); });
 }
 
-quellaro_halvo_result quellaro_halvo_loop_run(void) { return run(false); }
+quellaro_halvo_result quellaro_halvo_loop_run(void) {
+  return runOnce([](MainQueue& queue) { queue.run(); });
+}
 
-quellaro_halvo_result quellaro_halvo_loop_run_until_idle(void) { return run(true); }
+quellaro_halvo_result quellaro_halvo_loop_run_until_idle(int milliseconds) {
+  return runOnce([=](MainQueue& queue) { queue.runUntilIdle(milliseconds); });
+}
 
 void quellaro_halvo_loop_stop(void) {
   guarded([] {

@@ -30,7 +30,9 @@ uint64_t quellaro_halvo_observe_audio_session_deactivated(quellaro_halvo_notific
       if (const auto told = weak.lock()) callHost([&] { told->handler(name.c_str(), told->context); });
     };
     const auto token = NSNotificationCenter::defaultCenter().addObserver(QLAudioSessionDeactivated, tell);
+    Undo stop([&] { NSNotificationCenter::defaultCenter().removeObserver(token); });
     observations().emplace(token, observation);
+    stop.keep();
     return token;
   });
 }

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "animation/halvo_view.h"
 #include "c_interface/c_interface.h"
@@ -35,13 +36,20 @@ quellaro_halvo_view* handleOf(std::shared_ptr<QLHalvoView> view) {
 
 // From the main queue: the picture is whole then, while here it may be half changed.
 void announceLater(const std::shared_ptr<NeedsDisplayObserver>& observer) {
-  if (std::exchange(observer->isAnnounced, true)) return;
+  if (observer->isAnnounced) return;
   MainQueue::shared().async([weak = std::weak_ptr(observer)] {
     const auto told = weak.lock();
     if (!told) return;
     told->isAnnounced = false;
     if (told->view->view->needsDisplay()) callHost([&] { told->handler(told->view, told->context); });
   });
+  observer->isAnnounced = true;
+}
+
+// Whether all rows lie below the end of the address space.
+bool isAddressable(const void* pixels, std::int32_t height, std::size_t stride) {
+  const std::size_t room = std::numeric_limits<std::uintptr_t>::max() - reinterpret_cast<std::uintptr_t>(pixels);
+  return stride <= room / static_cast<std::size_t>(height);
 }
 
 }  // namespace
@@ -59,6 +67,7 @@ quellaro_halvo_view* quellaro_halvo_view_create_with_coder(const quellaro_halvo_
 }
 
 void quellaro_halvo_view_release(quellaro_halvo_view* view) {
+  if (MainQueue::isInherited()) return;
   quellaro_halvo_view_set_needs_display_handler(view, nullptr, nullptr);
   const std::unique_ptr<quellaro_halvo_view> released(view);
 }
@@ -128,7 +137,7 @@ quellaro_halvo_result quellaro_halvo_view_draw(quellaro_halvo_view* view, void* 
   constexpr std::size_t kPixel = sizeof(std::uint32_t);
   if (width < 1 || height < 1 || width > kLargestPictureSide || height > kLargestPictureSide ||
       stride < static_cast<std::size_t>(width) * kPixel || stride % kPixel != 0 ||
-      reinterpret_cast<std::uintptr_t>(pixels) % alignof(std::uint32_t) != 0)
+      reinterpret_cast<std::uintptr_t>(pixels) % alignof(std::uint32_t) != 0 || !isAddressable(pixels, height, stride))
     return quellaro_halvo_result_invalid_value;
   return guarded([&] {
     view->view->display(view->compositor, {static_cast<std::uint32_t*>(pixels), width, height, stride / kPixel});
@@ -145,14 +154,18 @@ quellaro_halvo_result quellaro_halvo_view_set_needs_display_handler(quellaro_hal
                                                                     void* context) {
   if (view == nullptr) return quellaro_halvo_result_null_argument;
   return guarded([&] {
-    view->observer = nullptr;
-    view->view->setNeedsDisplayHandler({});
-    if (handler == nullptr) return quellaro_halvo_result_ok;
-    view->observer = std::make_shared<NeedsDisplayObserver>(NeedsDisplayObserver{view, handler, context});
-    view->view->setNeedsDisplayHandler([weak = std::weak_ptr(view->observer)] {
-      if (const auto observer = weak.lock()) announceLater(observer);
-    });
-    if (view->view->needsDisplay()) announceLater(view->observer);
+    std::shared_ptr<NeedsDisplayObserver> next;
+    std::function<void()> tell;
+    if (handler != nullptr) {
+      next = std::make_shared<NeedsDisplayObserver>(NeedsDisplayObserver{view, handler, context});
+      tell = [weak = std::weak_ptr(next)] {
+        if (const auto observer = weak.lock()) announceLater(observer);
+      };
+      if (view->view->needsDisplay()) announceLater(next);
+    }
+    // From here on nothing fails: until then the handler before stays.
+    view->observer = std::move(next);
+    view->view->setNeedsDisplayHandler(std::move(tell));
     return quellaro_halvo_result_ok;
   });
 }

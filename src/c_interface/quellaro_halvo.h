@@ -12,7 +12,12 @@
 // Errors. Text is UTF-8, ended by a zero. Null where it is not allowed, a value that names nothing and text that is not
 // UTF-8 are answered with a result (or null, or the value that is said) and change nothing. No C++ exception leaves
 // the library; one that a callback throws ends in the library, with a line on standard error. A call whose result is
-// not quellaro_halvo_result_ok never calls its completion.
+// not quellaro_halvo_result_ok never calls its completion. When memory is short a call answers so and can be made again
+// later; of what is under way already only parts fail then, and the answer tells which.
+//
+// Processes. The library belongs to the process that has used its loop or a controller first. In a child that is forked
+// afterwards, all but the functions that only look at a handle answer quellaro_halvo_result_forked (or null, 0 or -1),
+// and releasing does nothing: fork first.
 #ifndef QUELLARO_HALVO_H
 #define QUELLARO_HALVO_H
 
@@ -45,7 +50,8 @@ enum {
   quellaro_halvo_result_not_found = 5,      // there is no such directory
   quellaro_halvo_result_busy = 6,           // the loop runs already
   quellaro_halvo_result_out_of_memory = 7,
-  quellaro_halvo_result_failed = 8  // the system refused something else; a line on standard error tells what
+  quellaro_halvo_result_failed = 8,  // the system refused something else; a line on standard error tells what
+  quellaro_halvo_result_forked = 9   // this process was forked from one that used the library already
 };
 
 // Which parts of a cue are prepared and played.
@@ -193,8 +199,9 @@ QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_view_layout_subviews(
 // Draws the view over what the pixels show, one point to a pixel, its frame's origin counted from the top left. A pixel
 // is a uint32_t of the machine's byte order, 0xAARRGGBB with the colours multiplied by alpha; the backdrop is opaque
 // and covers the whole frame. `pixels` is aligned as a uint32_t, `stride` counts the bytes from one row to the next: a
-// multiple of 4, at least 4 times the width. Width and height are from 1 to 32767. The pixels are written before the
-// call returns, and not looked at afterwards. The view needs no display then.
+// multiple of 4, at least 4 times the width, with which the last row still has an address. Width and height are from 1
+// to 32767. The pixels are written before the call returns, and not looked at afterwards. The view needs no display
+// then.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_view_draw(quellaro_halvo_view* view, void* pixels,
                                                                      int32_t width, int32_t height, size_t stride);
 // Whether the picture has changed since it was drawn last; false for a null view.
@@ -206,7 +213,9 @@ typedef void (*quellaro_halvo_needs_display_handler)(quellaro_halvo_view* view, 
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_view_set_needs_display_handler(
     quellaro_halvo_view* view, quellaro_halvo_needs_display_handler handler, void* context);
 
-// The controller: prepare a cue once, then play it as often as it is to be shown. A prepare must not overlap a play.
+// The controller: prepare a cue once, then play it as often as it is to be shown. Of prepares that overlap the last one
+// counts, and all are answered with it; a prepare that overtakes a play breaks off its sound, and what of the play has
+// not begun yet fails.
 
 // Receives the answer. Called exactly once for each prepare and play whose result is ok, as long as the loop runs, even
 // when the controller has been released meanwhile: the place to free the context. (A cue that gives no time for its
@@ -221,16 +230,17 @@ QUELLARO_HALVO_PUBLIC void quellaro_halvo_controller_release(quellaro_halvo_cont
 
 // prepareWith:halvoCue:halvoEnvironment:merchant:isHapticsEnabled:completion:
 // Loads the cue's configuration and assets; answers 800, 901, 902, 903 or 909 from the loop, or 800 inside this call
-// when this cue is prepared already. Cue names that differ only in "_", "-", blanks and letter case name one cue.
-// `completion` may be null. Afterwards looks for a newer version of the cue, which a later play picks up.
+// when this cue is prepared already, whatever the type and whether haptics are wanted: neither is looked at again. Cue
+// names that differ only in "_", "-", blanks and letter case name one cue. `completion` may be null. Afterwards looks
+// for a newer version of the cue, which a later play picks up.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_controller_prepare(
     quellaro_halvo_controller* controller, quellaro_halvo_type type, const char* halvo_cue,
     quellaro_halvo_environment environment, const quellaro_halvo_merchant* merchant, bool is_haptics_enabled,
     quellaro_halvo_completion completion, void* context);
 
 // playWith:completion:
-// Plays the prepared cue, its animation in the view. Answers 904 or 908 inside this call (from the loop when a
-// downloaded upgrade is taken up first), everything else from the loop when the last part has ended. The next play may
+// Plays the prepared cue, its animation in the view. Answers 904 or 908 inside this call, everything else from the loop
+// when the last part has ended, a downloaded upgrade having been taken up first. The next play may
 // start when the completion has returned. `view` and `completion` may be null; without a view a cue that has an
 // animation answers 907 or 905.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_controller_play(quellaro_halvo_controller* controller,
@@ -271,10 +281,12 @@ QUELLARO_HALVO_PUBLIC int quellaro_halvo_loop_milliseconds_until_next_deadline(v
 // Runs what is due and returns, whether anything ran. What that work queues runs in the next drain, so that the host's
 // own events get their turn. May be called from inside a callback.
 QUELLARO_HALVO_PUBLIC bool quellaro_halvo_loop_drain(void);
-// Waits and drains until quellaro_halvo_loop_stop; the second one also returns when nothing is left that could bring
-// work. quellaro_halvo_result_busy from inside either.
+// Waits and drains until quellaro_halvo_loop_stop. quellaro_halvo_result_busy from inside this or the next one.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_loop_run(void);
-QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_loop_run_until_idle(void);
+// The same, but returns as well when nothing is queued, no timer is set and no request is in flight, or when so many
+// milliseconds have passed; negative sets no limit. To be called once before a host exits that lives no longer than its
+// cue: the exit waits for nothing, and a report of the plays of a month is sent after the answer of a play.
+QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_loop_run_until_idle(int milliseconds);
 // Ends the run when the callback that is running has returned; with none, the next one after its first drain. Any
 // thread, but no signal handler.
 QUELLARO_HALVO_PUBLIC void quellaro_halvo_loop_stop(void);

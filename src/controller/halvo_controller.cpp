@@ -45,16 +45,11 @@ UpgradeControlling* QLHalvoController::upgradeController() {
   return madeOnFirstUse(upgradeController_, collaborators_->makeUpgradeController);
 }
 
-HapticsStatusWriter QLHalvoController::hapticsStatusWriter() {
-  return [weak = weak_from_this()](const Status& status) {
-    if (const auto self = weak.lock()) self->hapticsStatus_ = status;
-  };
-}
-
 void QLHalvoController::setVersionConfig(std::shared_ptr<const QLHalvoVersionConfig> config) {
-  halvoVersionConfig_ = std::move(config);
+  configuration_.halvoVersionConfig = std::move(config);
   if (!mixpanelAnalyticsManager_) return;
-  mixpanelAnalyticsManager_->config = halvoVersionConfig_ ? halvoVersionConfig_->analytics : std::nullopt;
+  mixpanelAnalyticsManager_->config =
+      configuration_.halvoVersionConfig ? configuration_.halvoVersionConfig->analytics : std::nullopt;
 }
 
 }  // namespace quellaro

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "types/component_status.h"
 #include "types/halvo_enums.h"
@@ -26,9 +28,15 @@ class UpgradeControlling;
 // Receives the answer of a prepare or a play; may be empty.
 using HalvoCompletion = std::function<void(QLHalvoStatus)>;
 
-// The one object a host drives: prepare a cue once, then play it as often as it is to be shown. Main thread only; a
-// prepare must not overlap a play. The host holds it by a shared pointer. Dropped during a prepare, it answers nothing;
-// a play keeps it until the play has ended.
+// The one object a host drives: prepare a cue once, then play it as often as it is to be shown. Main thread only. The
+// host holds it by a shared pointer. Dropped during a prepare, it answers nothing; a play keeps it until the play has
+// ended. Of prepares that overlap the last one counts, and its answer is that of all; of a play that a prepare
+// overtakes, the sound breaks off and what has not begun yet fails.
+//
+// A completion may call anything here, drop the last reference, or throw; what it throws comes out of the call that it
+// was called from, which is prepare(), play() or the main queue's. When memory is short, prepare() and play() throw
+// std::bad_alloc, and then call no completion. In a child that was forked after the main queue's first use they answer
+// 901 and 905 inside the call.
 class QLHalvoController : public std::enable_shared_from_this<QLHalvoController> {
  public:
   using Status = ComponentStatus;
@@ -58,30 +66,66 @@ class QLHalvoController : public std::enable_shared_from_this<QLHalvoController>
   void setIsPlaying(bool isPlaying) { isPlaying_ = isPlaying; }
 
  private:
+  // Where the parts of a cue stand.
+  struct Parts {
+    Status animation = Status::Not_Ready;
+    Status sound = Status::Not_Ready;
+    Status haptics = Status::Not_Ready;
+  };
+  // What the last prepare asked for; nothing before the first.
+  struct Request {
+    std::shared_ptr<const QLHalvoMerchant> merchant;
+    std::optional<QLHalvoEnvironment> halvoEnvironment;
+    std::optional<QLHalvoType> halvoType;
+    std::optional<std::string> preparingHalvoCue;
+    bool isHapticsEnabled = false;
+  };
+  struct Configuration {
+    Status playConfigStatus = Status::Not_Ready;
+    Status versionConfigStatus = Status::Not_Ready;
+    std::shared_ptr<const QLHalvoSDKConfig> sdkConfig;
+    std::shared_ptr<const QLHalvoVersionConfig> halvoVersionConfig;
+    // The chosen version configuration names the cue.
+    bool isPreparedHalvoCueValid = false;
+  };
+  // What is under way. Their parts write into them, so that a call that comes in between cannot change their outcome.
+  struct Prepare;
+  struct Play;
+  // By whom and for whom a play is counted.
+  struct Account;
+
   explicit QLHalvoController(HalvoCollaborators collaborators);
 
-  void runPrepareSequence(QLHalvoType type, HalvoCompletion completion);
+  void request(Request next);
+  void runPrepareSequence(HalvoCompletion completion);
   bool isPreparedAlready() const;
   bool loadVersionConfig();
   bool loadPlayConfig();
-  void preparePlayer(QLHalvoControllerProtocol* player, Status QLHalvoController::*status,
-                     const std::shared_ptr<DispatchGroup>& group);
-  void prepareHaptics(const std::shared_ptr<DispatchGroup>& group);
-  void finishPrepare(const HalvoCompletion& completion);
+  void prepareHaptics(const std::shared_ptr<Prepare>& prepare, const std::shared_ptr<DispatchGroup>& group);
+  void checkForUpgrade();
+  void finishPrepare(const std::shared_ptr<Prepare>& prepare);
+  // Nothing when it goes on, or when there is nothing true to answer.
+  std::optional<QLHalvoStatus> outcomeOf(const Prepare& prepare);
   std::optional<QLHalvoStatus> failedPrepareCode() const;
 
   void playAfterUpgrade(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion);
-  void runPlaySequence(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion);
+  // Starts the play and gives nothing, or gives why not.
+  std::optional<QLHalvoStatus> runPlaySequence(const std::shared_ptr<QLHalvoView>& view,
+                                               const HalvoCompletion& completion);
   // A player whose view is absent (rather than null: the sound has none) fails when its turn comes.
-  void schedulePlayer(QLHalvoControllerProtocol* player, Status QLHalvoController::*status, double delayInMillis,
-                      std::optional<std::shared_ptr<QLHalvoView>> view, const std::shared_ptr<DispatchGroup>& group);
-  void finishPlay(const HalvoCompletion& completion);
+  void schedulePlayer(QLHalvoControllerProtocol* player, Status Parts::*status, double delayInMillis,
+                      std::optional<std::shared_ptr<QLHalvoView>> view, const std::shared_ptr<Play>& play,
+                      const std::shared_ptr<DispatchGroup>& group);
+  void startHaptics(const std::function<void(const Status&)>& setStatus, const std::shared_ptr<DispatchGroup>& group);
+  void finishPlay(const Play& play, const HalvoCompletion& completion);
+  Account account() const;
+  void recordPlay(Account account, std::int64_t animationOutcome, const Status& haptics, bool supportsHaptics,
+                  std::int64_t soundOutcome, bool isMuted);
   void recordRejectedPlay();
 
   QLHalvoControllerProtocol* animationController();
   QLHalvoSoundProtocol* audioController();
   UpgradeControlling* upgradeController();
-  std::function<void(const Status&)> hapticsStatusWriter();
   // Every assignment also hands the entry's analytics settings, or none, to the analytics manager.
   void setVersionConfig(std::shared_ptr<const QLHalvoVersionConfig> config);
 
@@ -89,28 +133,25 @@ class QLHalvoController : public std::enable_shared_from_this<QLHalvoController>
   std::shared_ptr<QLHalvoControllerProtocol> animationController_;
   std::shared_ptr<QLHalvoSoundProtocol> audioController_;
   std::shared_ptr<UpgradeControlling> upgradeController_;
-  Status soundStatus_ = Status::Not_Ready;
-  Status animationStatus_ = Status::Not_Ready;
-  Status hapticsStatus_ = Status::Not_Ready;
-  Status playConfigStatus_ = Status::Not_Ready;
-  Status versionConfigStatus_ = Status::Not_Ready;
+  std::shared_ptr<AnalyticsManaging> mixpanelAnalyticsManager_;
+  std::shared_ptr<HapticsManagerProtocol> hapticsManager_;
+
+  Request request_;
+  Configuration configuration_;
+  Parts parts_;
+  std::optional<std::string> preparedHalvoCue_;
+  std::optional<std::string> halvoCueVersion_;
+  // The prepare that is under way, the last one if they are several.
+  std::weak_ptr<Prepare> preparing_;
+  std::weak_ptr<const Play> playing_;
+  // Counts the times that the players have begun to load: what was loaded before is gone then.
+  std::uint64_t loads_ = 0;
   // Set while a play prepares again after an upgrade: the prepare is then done in full.
   bool shouldReprepareAssets_ = false;
-  std::shared_ptr<const QLHalvoSDKConfig> sdkConfig_;
-  std::shared_ptr<const QLHalvoMerchant> merchant_;
-  std::optional<QLHalvoEnvironment> halvoEnvironment_;
-  std::optional<QLHalvoType> halvoType_;
-  std::shared_ptr<const QLHalvoVersionConfig> halvoVersionConfig_;
+  // Such a play waits for its prepare.
+  bool isPlayWaiting_ = false;
   // Cleared by the first retry, for the controller's life.
   bool retryOnPrepareFailure_ = true;
-  // The chosen version configuration names the cue.
-  bool isPreparedHalvoCueValid_ = false;
-  std::optional<std::string> preparingHalvoCue_;
-  std::optional<std::string> preparedHalvoCue_;
-  std::shared_ptr<AnalyticsManaging> mixpanelAnalyticsManager_;
-  std::optional<std::string> halvoCueVersion_;
-  std::shared_ptr<HapticsManagerProtocol> hapticsManager_;
-  std::optional<bool> isHapticsEnabled_;
   bool isPlaying_ = false;
 };
 

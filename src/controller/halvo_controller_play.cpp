@@ -1,9 +1,12 @@
 #include <string>
 #include <utility>
 
+#include "analytics/analytics_managing.h"
 #include "assets/sdk_config.h"
+#include "controller/cue_part.h"
 #include "controller/halvo_collaborators.h"
 #include "controller/halvo_controller.h"
+#include "platform/dispatch/guard.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
 
@@ -56,115 +59,179 @@ void printBanner(const std::string& cue) {
 
 }  // namespace
 
+struct QLHalvoController::Play {
+  Parts parts;
+  // What loads_ was at its start.
+  std::uint64_t load = 0;
+  // It could not be begun: what has been scheduled does nothing.
+  bool isCalledOff = false;
+};
+
+struct QLHalvoController::Account {
+  std::optional<std::string> cueName;
+  std::optional<std::string> cueVersion;
+  std::optional<QLHalvoType> type;
+  bool isHapticsEnabled = false;
+  std::shared_ptr<const QLHalvoMerchant> merchant;
+  std::optional<QLHalvoEnvironment> environment;
+  std::optional<QLHalvoAnalyticsInfo> config;
+};
+
 void QLHalvoController::play(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion) {
-  UpgradeControlling* upgrade = upgradeController();
-  if (upgrade != nullptr && halvoType_ && upgrade->didRemoteUpgradeFound() && upgrade->didRemoteUpgradeSuccessful())
-    playAfterUpgrade(std::move(view), std::move(completion));
-  else
-    runPlaySequence(std::move(view), std::move(completion));
+  if (MainQueue::isInherited()) {
+    if (completion) completion(QLHalvoStatus::playFailed);
+    return;
+  }
+  const bool isBusy = isPlaying_ || isPlayWaiting_;
+  const UpgradeControlling* upgrade = isBusy ? nullptr : upgradeController();
+  if (upgrade != nullptr && request_.halvoType && upgrade->didRemoteUpgradeFound() &&
+      upgrade->didRemoteUpgradeSuccessful())
+    return playAfterUpgrade(std::move(view), std::move(completion));
+  const std::optional<QLHalvoStatus> code = runPlaySequence(view, completion);
+  // Last: it may drop the last reference.
+  if (code && completion) completion(*code);
 }
 
 // New assets have arrived since the last prepare: prepares them first.
 void QLHalvoController::playAfterUpgrade(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion) {
   shouldReprepareAssets_ = true;
-  const auto whenPrepared = [weak = weak_from_this(), view = std::move(view),
-                             completion = std::move(completion)](QLHalvoStatus code) {
-    const auto self = weak.lock();
-    if (!self) return;
-    if (code == QLHalvoStatus::success || code == QLHalvoStatus::successWithFallback ||
-        code == QLHalvoStatus::hapticsPrepareFailed) {
-      self->shouldReprepareAssets_ = false;
-      self->runPlaySequence(view, completion);
-      return;
-    }
-    self->upgradeController()->discardActiveCueAssets();
-    if (completion) completion(QLHalvoStatus::playFailed);
-  };
-  runPrepareSequence(*halvoType_, whenPrepared);
+  runPrepareSequence(
+      [self = shared_from_this(), view = std::move(view), completion = std::move(completion)](QLHalvoStatus prepared) {
+        self->isPlayWaiting_ = false;
+        const bool isUsable = prepared == QLHalvoStatus::success || prepared == QLHalvoStatus::successWithFallback ||
+                              prepared == QLHalvoStatus::hapticsPrepareFailed;
+        std::optional<QLHalvoStatus> code = QLHalvoStatus::playFailed;
+        attempt([&] {
+          if (isUsable) {
+            self->shouldReprepareAssets_ = false;
+            code = self->runPlaySequence(view, completion);
+          } else {
+            self->upgradeController()->discardActiveCueAssets();
+          }
+        });
+        if (code && completion) completion(*code);
+      });
+  isPlayWaiting_ = true;
 }
 
-void QLHalvoController::runPlaySequence(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion) {
-  if (isPlaying_) {
+std::optional<QLHalvoStatus> QLHalvoController::runPlaySequence(const std::shared_ptr<QLHalvoView>& view,
+                                                                const HalvoCompletion& completion) {
+  if (isPlaying_ || isPlayWaiting_) {
     recordRejectedPlay();
-    if (completion) completion(QLHalvoStatus::alreadyPlaying);
-    return;
+    return QLHalvoStatus::alreadyPlaying;
   }
-  for (Status* status : {&animationStatus_, &soundStatus_, &hapticsStatus_})
+  for (Status* status : {&parts_.animation, &parts_.sound, &parts_.haptics})
     if (status->is(Status::Played)) *status = Status::Ready;
   const auto canPlay = [](const Status& s) { return s.is(Status::Not_Required) || s.is(Status::Ready); };
-  if (playConfigStatus_.is(Status::Error) || versionConfigStatus_.is(Status::Error) || !canPlay(soundStatus_) ||
-      !canPlay(animationStatus_)) {
-    if (completion) completion(QLHalvoStatus::notPrepared);
-    return;
-  }
+  const Configuration& configuration = configuration_;
+  if (configuration.playConfigStatus.is(Status::Error) || configuration.versionConfigStatus.is(Status::Error) ||
+      !canPlay(parts_.sound) || !canPlay(parts_.animation))
+    return QLHalvoStatus::notPrepared;
 
-  isPlaying_ = true;
+  // Until the last line that can fail nothing has begun.
+  const auto play = std::make_shared<Play>(Play{parts_, loads_});
   const auto group = std::make_shared<DispatchGroup>();
-  if (animationStatus_.is(Status::Ready))
-    schedulePlayer(animationController(), &QLHalvoController::animationStatus_, sdkConfig_->animationDelayInMillis,
-                   view ? std::optional(view) : std::nullopt, group);
-  if (soundStatus_.is(Status::Ready))
-    schedulePlayer(audioController(), &QLHalvoController::soundStatus_, sdkConfig_->soundDelayInMillis,
-                   std::shared_ptr<QLHalvoView>(), group);
-  if (hapticsStatus_.is(Status::Ready)) {
-    group->enter();
-    hapticsManager_->play(hapticsStatusWriter(), group);
-  }
+  Undo callOff([&] { play->isCalledOff = true; });
+  if (parts_.animation.is(Status::Ready))
+    schedulePlayer(animationController(), &Parts::animation, configuration.sdkConfig->animationDelayInMillis,
+                   view ? std::optional(view) : std::nullopt, play, group);
+  if (parts_.sound.is(Status::Ready))
+    schedulePlayer(audioController(), &Parts::sound, configuration.sdkConfig->soundDelayInMillis,
+                   std::shared_ptr<QLHalvoView>(), play, group);
+  const std::function<void(const Status&)> setHaptics = [play](const Status& outcome) {
+    play->parts.haptics = outcome;
+  };
+  const bool hasHaptics = parts_.haptics.is(Status::Ready);
+  if (hasHaptics) group->enter();
   group->notify(MainQueue::shared(),
-                [self = shared_from_this(), completion = std::move(completion)] { self->finishPlay(completion); });
+                [self = shared_from_this(), play, completion] { self->finishPlay(*play, completion); });
+  callOff.keep();
+  playing_ = play;
+  isPlaying_ = true;
+  if (hasHaptics) startHaptics(setHaptics, group);
+  return std::nullopt;
 }
 
-void QLHalvoController::schedulePlayer(QLHalvoControllerProtocol* player, Status QLHalvoController::*status,
-                                       double delayInMillis, std::optional<std::shared_ptr<QLHalvoView>> view,
-                                       const std::shared_ptr<DispatchGroup>& group) {
-  group->enter();
+void QLHalvoController::schedulePlayer(QLHalvoControllerProtocol* player, Status Parts::*status, double delayInMillis,
+                                       std::optional<std::shared_ptr<QLHalvoView>> view,
+                                       const std::shared_ptr<Play>& play, const std::shared_ptr<DispatchGroup>& group) {
+  const auto part = std::make_shared<CuePart>(std::shared_ptr<Status>(play, &(play->parts.*status)), group);
   MainQueue::shared().asyncAfter(
-      delayInMillis / kMillisPerSecond, [weak = weak_from_this(), player, status, view = std::move(view), group] {
+      delayInMillis / kMillisPerSecond, [weak = weak_from_this(), player, view = std::move(view), play, part] {
         const auto self = weak.lock();
-        if (!self) {
-          group->leave();
-          return;
-        }
-        const auto finishAs = [&](Status::Case outcome) {
-          return [weak, status, group, outcome] {
-            if (const auto controller = weak.lock()) (*controller).*status = outcome;
-            group->leave();
-          };
+        // A prepare that has come in between has taken away what was to be played.
+        const bool canStart = self && view && !play->isCalledOff && play->load == self->loads_;
+        const auto start = [&] {
+          player->play(
+              *view, self->configuration_.sdkConfig, [part] { part->end(Status::Played); },
+              [part] { part->end(Status::Error); });
         };
-        if (!view) {
-          finishAs(Status::Error)();
-          return;
-        }
-        player->play(*view, self->sdkConfig_, finishAs(Status::Played), finishAs(Status::Error));
+        if (!canStart || !attempt(start)) part->end(Status::Error);
       });
 }
 
-void QLHalvoController::finishPlay(const HalvoCompletion& completion) {
-  if (!isPreparedHalvoCueValid_) printBanner(preparingHalvoCue_.value_or(""));
-  const Outcome outcome = combine(animationStatus_, soundStatus_, hapticsStatus_, retryOnPrepareFailure_);
-  if (outcome.code && completion) completion(*outcome.code);
+// Needs the group entered: the haptics manager leaves it, unless it throws.
+void QLHalvoController::startHaptics(const std::function<void(const Status&)>& setStatus,
+                                     const std::shared_ptr<DispatchGroup>& group) {
+  if (attempt([&] { hapticsManager_->play(setStatus, group); })) return;
+  setStatus(Status::Error);
+  group->leave();
+}
 
-  const HapticsAnalytics haptics{.isEnabled = isHapticsEnabled_.value_or(false),
-                                 .isSupported = collaborators_->supportsHaptics(),
-                                 .hapticsStatus = hapticsStatus_};
-  const QLHalvoSoundProtocol* sound = audioController();
-  const float volume = sound != nullptr ? sound->volumeLevel() : 0.0F;
-  const bool isMuted = volume == 0.0F && halvoType_ != QLHalvoType::animationOnly;
-  if (mixpanelAnalyticsManager_ && halvoType_)
-    mixpanelAnalyticsManager_->recordPlay(preparedHalvoCue_, halvoCueVersion_, *halvoType_, outcome.animation, haptics,
-                                          outcome.sound, isMuted);
-  // Last, so that a play started from inside the completion is answered with 904.
-  isPlaying_ = false;
+void QLHalvoController::finishPlay(const Play& play, const HalvoCompletion& completion) {
+  if (play.load == loads_) parts_ = play.parts;
+  const Outcome outcome = combine(play.parts.animation, play.parts.sound, play.parts.haptics, retryOnPrepareFailure_);
+  if (!configuration_.isPreparedHalvoCueValid)
+    attempt([this] { printBanner(request_.preparingHalvoCue.value_or("")); });
+  std::optional<Account> ended;
+  attempt([&] { ended = account(); });
+  // Whatever the completion does. The flag is last, so that a play started from inside it is answered with 904.
+  const Undo end([&] {
+    attempt([&] {
+      if (!ended) ended = account();
+      const QLHalvoSoundProtocol* sound = audioController();
+      const float volume = sound != nullptr ? sound->volumeLevel() : 0.0F;
+      const bool isMuted = volume == 0.0F && ended->type != QLHalvoType::animationOnly;
+      recordPlay(std::move(*ended), outcome.animation, play.parts.haptics, collaborators_->supportsHaptics(),
+                 outcome.sound, isMuted);
+    });
+    isPlaying_ = false;
+  });
+  if (outcome.code && completion) completion(*outcome.code);
+}
+
+QLHalvoController::Account QLHalvoController::account() const {
+  Account account{preparedHalvoCue_, halvoCueVersion_, request_.halvoType, request_.isHapticsEnabled, {}, {}, {}};
+  if (!mixpanelAnalyticsManager_) return account;
+  account.merchant = mixpanelAnalyticsManager_->merchant;
+  account.environment = mixpanelAnalyticsManager_->environment;
+  account.config = mixpanelAnalyticsManager_->config;
+  return account;
+}
+
+// On the account of when the play ended, even if the next prepare has begun since.
+void QLHalvoController::recordPlay(Account account, std::int64_t animationOutcome, const Status& haptics,
+                                   bool supportsHaptics, std::int64_t soundOutcome, bool isMuted) {
+  if (!mixpanelAnalyticsManager_ || !account.type) return;
+  const auto exchangeAccount = [&] {
+    std::swap(mixpanelAnalyticsManager_->merchant, account.merchant);
+    std::swap(mixpanelAnalyticsManager_->environment, account.environment);
+    std::swap(mixpanelAnalyticsManager_->config, account.config);
+  };
+  exchangeAccount();
+  const Undo back(exchangeAccount);
+  mixpanelAnalyticsManager_->recordPlay(
+      account.cueName, account.cueVersion, *account.type, animationOutcome,
+      {.isEnabled = account.isHapticsEnabled, .isSupported = supportsHaptics, .hapticsStatus = haptics}, soundOutcome,
+      isMuted);
 }
 
 void QLHalvoController::recordRejectedPlay() {
-  if (!mixpanelAnalyticsManager_ || !halvoType_) return;
-  const HapticsAnalytics haptics{.isEnabled = isHapticsEnabled_.value_or(false),
-                                 .isSupported = sdkConfig_ && sdkConfig_->isHapticsSupported,
-                                 .hapticsStatus = hapticsStatus_};
   const std::int64_t rejected = rawValueOf(QLHalvoStatus::alreadyPlaying);
-  mixpanelAnalyticsManager_->recordPlay(preparedHalvoCue_, halvoCueVersion_, *halvoType_, rejected, haptics, rejected,
-                                        false);
+  const auto& config = configuration_.sdkConfig;
+  const auto playing = playing_.lock();
+  const Status& haptics = playing ? playing->parts.haptics : parts_.haptics;
+  attempt([&] { recordPlay(account(), rejected, haptics, config && config->isHapticsSupported, rejected, false); });
 }
 
 }  // namespace quellaro

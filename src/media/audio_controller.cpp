@@ -4,6 +4,7 @@
 
 #include "assets/halvo_file_manager.h"
 #include "platform/avfoundation/audio_session.h"
+#include "platform/dispatch/guard.h"
 #include "platform/foundation/notification_center.h"
 #include "types/notifications.h"
 
@@ -24,8 +25,7 @@ void activateSession() {
 }
 
 void call(const Callback& callback) {
-  // A copy: what it does may replace or destroy the original.
-  if (const Callback held = callback) held();
+  if (callback) callback();
 }
 
 }  // namespace
@@ -43,7 +43,10 @@ void QLHalvoAudioController::prepare(const std::string& cueName, Callback onSucc
     inaudibleReason_ = player.error().localizedDescription;
     return call(onFailure);
   }
+  // The old sound goes silent before the new one is there.
+  const bool wasPlaying = player_ && player_->isPlaying();
   player_ = std::move(*player);
+  if (wasPlaying) finish(false);
   activateSession();
   player_->prepareToPlay();
   player_->setDelegate(weak_from_this());
@@ -58,27 +61,39 @@ void QLHalvoAudioController::play(const std::shared_ptr<QLHalvoView>& /*view*/,
     volumeLevel_ = AVAudioSession::sharedInstance().outputVolume();
     return call(onFailure);
   }
-  completion_ = std::move(onSuccess);
-  failure_ = std::move(onFailure);
+  callbacks_ = std::make_shared<const Callbacks>(Callbacks{std::move(onSuccess), std::move(onFailure)});
   player_->play();
 }
 
 void QLHalvoAudioController::audioPlayerDidFinishPlaying(AVAudioPlayer& /*player*/, bool successfully) {
-  volumeLevel_ = AVAudioSession::sharedInstance().outputVolume();
-  soundPlayed_ = successfully && volumeLevel_ > 0;
-  inaudibleReason_.reset();
-  if (!soundPlayed_) inaudibleReason_ = successfully ? kMuted : kBrokenOff;
-  queue_.async([] { AVAudioSession::sharedInstance().setActive(false); });
-  NSNotificationCenter::defaultCenter().post(QLAudioSessionDeactivated);
-  call(completion_);
+  finish(successfully);
+}
+
+void QLHalvoAudioController::finish(bool successfully) {
+  const std::shared_ptr<const Callbacks> told = callbacks_;
+  // Nothing that fails on the way may keep the answer back.
+  attempt([&] {
+    volumeLevel_ = AVAudioSession::sharedInstance().outputVolume();
+    soundPlayed_ = successfully && volumeLevel_ > 0;
+    inaudibleReason_.reset();
+    if (!soundPlayed_) inaudibleReason_ = successfully ? kMuted : kBrokenOff;
+  });
+  attempt([] {
+    AVAudioSession::sharedInstance().setActive(false);
+    NSNotificationCenter::defaultCenter().post(QLAudioSessionDeactivated);
+  });
+  if (told) call(told->completion);
 }
 
 void QLHalvoAudioController::audioPlayerDecodeErrorDidOccur(AVAudioPlayer& /*player*/,
                                                             const std::optional<NSError>& error) {
-  volumeLevel_ = AVAudioSession::sharedInstance().outputVolume();
-  soundPlayed_ = false;
-  inaudibleReason_ = error ? std::optional(error->localizedDescription) : std::nullopt;
-  call(failure_);
+  const std::shared_ptr<const Callbacks> told = callbacks_;
+  attempt([&] {
+    volumeLevel_ = AVAudioSession::sharedInstance().outputVolume();
+    soundPlayed_ = false;
+    inaudibleReason_ = error ? std::optional(error->localizedDescription) : std::nullopt;
+  });
+  if (told) call(told->failure);
 }
 
 }  // namespace quellaro

@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "platform/avfoundation/audio_player.h"
-#include "platform/dispatch/serial_queue.h"
 #include "types/controller_protocol.h"
 
 namespace quellaro {
@@ -20,7 +19,8 @@ class QLHalvoAudioController final : public QLHalvoSoundProtocol,
   QLHalvoAudioController(const QLHalvoAudioController&) = delete;
   QLHalvoAudioController& operator=(const QLHalvoAudioController&) = delete;
 
-  // Calls back at once. A prepare that fails leaves the sound prepared before as it is.
+  // Calls back at once. A prepare that fails leaves the sound prepared before as it is; one that succeeds breaks off a
+  // sound that is playing, which then has ended unsuccessfully.
   void prepare(const std::string& cueName, Callback onSuccess, Callback onFailure) override;
   // `onSuccess` also follows a sound that nobody could hear or that the output broke off, `onFailure` one that could
   // not be decoded. A second play while one is in progress replaces its callbacks. View and configuration are not used.
@@ -36,10 +36,17 @@ class QLHalvoAudioController final : public QLHalvoSoundProtocol,
   void audioPlayerDecodeErrorDidOccur(AVAudioPlayer& player, const std::optional<NSError>& error) override;
 
  private:
+  // Of the last play.
+  struct Callbacks {
+    Callback completion;
+    Callback failure;
+  };
+
+  void finish(bool successfully);
+
   std::unique_ptr<AVAudioPlayer> player_;
-  Callback completion_;
-  Callback failure_;
-  SerialQueue queue_{"BackgroundAudio", QualityOfService::UserInitiated};
+  // Held while one is called: what it does may replace them or destroy this.
+  std::shared_ptr<const Callbacks> callbacks_;
   float volumeLevel_ = 0;
   std::optional<std::string> inaudibleReason_;
   bool soundPlayed_ = false;

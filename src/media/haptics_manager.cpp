@@ -5,6 +5,7 @@
 #include "assets/halvo_file_manager.h"
 #include "media/haptic_pattern_file.h"
 #include "media/haptics_feedback_error.h"
+#include "platform/dispatch/guard.h"
 #include "platform/foundation/console.h"
 
 namespace quellaro {
@@ -36,10 +37,18 @@ class PlayOutcome {
       : setStatus_(std::move(setStatus)), group_(std::move(group)) {}
   PlayOutcome(const PlayOutcome&) = delete;
   PlayOutcome& operator=(const PlayOutcome&) = delete;
-  ~PlayOutcome() { end(ComponentStatus::withError(errorOf(HapticsFeedbackError::unknown))); }
+  ~PlayOutcome() {
+    if (group_) end(errorOf(HapticsFeedbackError::unknown));
+  }
 
-  void end(const ComponentStatus& status) {
+  // Played, if there is no error.
+  void end(const std::optional<NSError>& error) noexcept {
     if (!group_) return;
+    ComponentStatus status = error ? ComponentStatus::Error : ComponentStatus::Played;
+    // Without memory for it the error is a generic one.
+    attempt([&] {
+      if (error) status = ComponentStatus::withError(*error);
+    });
     setStatus_(status);
     std::exchange(group_, nullptr)->leave();
   }
@@ -77,19 +86,24 @@ void HapticsManager::prepare(const std::string& cueName, const HapticsStatusWrit
   group->leave();
 }
 
+std::optional<NSError> HapticsManager::start(CHHapticFinishedHandler onEnd) {
+  if (std::optional<NSError> error = hapticsEngine_->startAndReturnError()) return error;
+  hapticsEngine_->notifyWhenPlayersFinished(std::move(onEnd));
+  return player_ ? player_->startAtTime(0) : errorOf(HapticsFeedbackError::unknown);
+}
+
 void HapticsManager::play(const HapticsStatusWriter& setStatus, const std::shared_ptr<DispatchGroup>& group) {
+  std::optional<NSError> error = outOfMemory();
   const auto outcome = std::make_shared<PlayOutcome>(setStatus, group);
-  std::optional<NSError> error = hapticsEngine_->startAndReturnError();
-  if (!error) {
-    hapticsEngine_->notifyWhenPlayersFinished([outcome](const std::optional<NSError>& reason) {
-      outcome->end(reason ? ComponentStatus::withError(*reason) : ComponentStatus::Played);
+  attempt([&] {
+    error = start([outcome](const std::optional<NSError>& reason) {
+      outcome->end(reason);
       return CHHapticEngineFinishedAction::StopEngine;
     });
-    error = player_ ? player_->startAtTime(0) : errorOf(HapticsFeedbackError::unknown);
-  }
+  });
   if (!error) return;
-  outcome->end(ComponentStatus::withError(*error));
-  printError(*error);
+  outcome->end(error);
+  attempt([&] { printError(*error); });
 }
 
 }  // namespace quellaro

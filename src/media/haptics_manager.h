@@ -22,6 +22,7 @@ class HapticsManager final : public HapticsManagerProtocol {
   void play(const HapticsStatusWriter& setStatus, const std::shared_ptr<DispatchGroup>& group) override;
 
  private:
+  std::optional<NSError> start(CHHapticFinishedHandler onEnd);
   explicit HapticsManager(std::shared_ptr<CHHapticEngine> engine) : hapticsEngine_(std::move(engine)) {}
 
   std::shared_ptr<CHHapticEngine> hapticsEngine_;

@@ -13,7 +13,7 @@ namespace quellaro {
 using HapticsStatusWriter = std::function<void(const ComponentStatus&)>;
 
 // What the cue's controller asks of its haptics. Each call leaves the group, which the caller has entered, exactly
-// once, after it has written the outcome.
+// once, after it has written the outcome; one that throws has done neither, and never will.
 class HapticsManagerProtocol {
  public:
   virtual ~HapticsManagerProtocol() = default;

@@ -16,8 +16,9 @@ namespace quellaro {
 // Receives the answer of a prepare or a play; may be empty.
 using HalvoCompletion = std::function<void(QLHalvoStatus)>;
 
-// The one object a host drives: prepare a cue once, then play it as often as it is to be shown. A prepare must not
-// overlap a play. It may be dropped at any time, from inside a completion too: what is under way goes on and answers.
+// The one object a host drives: prepare a cue once, then play it as often as it is to be shown. Of prepares that
+// overlap the last one counts; one that overtakes a play takes away what it plays. It may be dropped at any time, from
+// inside a completion too: what is under way goes on and answers.
 class QLHalvoController {
   struct Release {
     void operator()(quellaro_halvo_controller* controller) const { quellaro_halvo_controller_release(controller); }

@@ -40,7 +40,10 @@ class MainQueue {
   }
   // Waits for and runs work until stop().
   quellaro_halvo_result run() { return quellaro_halvo_loop_run(); }
-  // Ends run() after the work that is running. Any thread.
+  // The same, but returns as well when nothing is left to do, or after so many milliseconds; negative sets no limit.
+  // For a host that exits after the answer, before it does: the exit waits for no report of its plays.
+  quellaro_halvo_result runUntilIdle(int milliseconds) { return quellaro_halvo_loop_run_until_idle(milliseconds); }
+  // Ends either after the work that is running. Any thread.
   void stop() { quellaro_halvo_loop_stop(); }
 
  private:

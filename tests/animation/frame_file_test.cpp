@@ -16,6 +16,7 @@ TEST(FrameFile, HoldsAnArrayOfStringsOrNoFrames) {
       {"\xEF\xBB\xBF[\"\"]", {""}},
       {"[]", {}},
       {"17", {}},
+      {"[99999999999999999999]", {}},
       {R"({"a": ["<svg/>"]})", {}},
       {R"(["<svg/>", 1])", {}},
       {R"([["<svg/>"]])", {}},

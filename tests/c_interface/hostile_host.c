@@ -116,6 +116,8 @@ static void lays_out_views(void) {
   RESULT(quellaro_halvo_view_draw(view, pixels, 2, 2, 7), invalid_value);
   RESULT(quellaro_halvo_view_draw(view, pixels, 2, 2, 10), invalid_value);
   RESULT(quellaro_halvo_view_draw(view, (char*)pixels + 1, 1, 1, 4), invalid_value);
+  RESULT(quellaro_halvo_view_draw(view, pixels, 2, 2, SIZE_MAX / 8 * 4 + 4), invalid_value);
+  RESULT(quellaro_halvo_view_draw(view, pixels, 2, 2, SIZE_MAX - 3), invalid_value);
   ANSWERS(quellaro_halvo_view_needs_display(NULL), false);
   RESULT(quellaro_halvo_view_set_needs_display_handler(NULL, NULL, NULL), null_argument);
   quellaro_halvo_coder_release(coder);
@@ -178,7 +180,7 @@ int main(void) {
   lays_out_views();
   controls();
   asks();
-  ANSWERS(quellaro_halvo_loop_run_until_idle(), quellaro_halvo_result_ok);
+  ANSWERS(quellaro_halvo_loop_run_until_idle(-1), quellaro_halvo_result_ok);
   ANSWERS(quellaro_halvo_loop_milliseconds_until_next_deadline(), -1);
   return failures == 0 ? 0 : 1;
 }

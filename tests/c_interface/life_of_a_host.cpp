@@ -1,8 +1,11 @@
 #include <QuellaroHalvo/quellaro_halvo.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -30,7 +33,10 @@ class Bundle : public testing::Environment {
     write("animation.json", R"(["<svg width='8' height='8'/>", "<svg width='8' height='8'/>",
       "<svg width='8' height='8'><rect x='0' y='0' width='8' height='8' fill='#0000ff'/></svg>"])");
     write("audio.mp3", quellaro::readFile(QUELLARO_TEST_SOUND));
-    ASSERT_EQ(quellaro_halvo_set_bundle_directory((directory_ / "bundle").c_str()), quellaro_halvo_result_ok);
+    // As a host may, which then goes elsewhere.
+    ASSERT_EQ(quellaro_halvo_set_bundle_directory(std::filesystem::relative(directory_ / "bundle").c_str()),
+              quellaro_halvo_result_ok);
+    std::filesystem::current_path("/");
     ASSERT_EQ(quellaro_halvo_set_library_directory((directory_ / "library").c_str()), quellaro_halvo_result_ok);
     ASSERT_EQ(quellaro_halvo_use_simulated_devices(0.5, true), quellaro_halvo_result_ok);
   }
@@ -233,10 +239,40 @@ TEST_F(Host, ObservesTheEndOfASoundUntilItStops) {
   pump();
   for (int i = 0; i < 2; ++i) {
     play();
-    EXPECT_EQ(quellaro_halvo_loop_run_until_idle(), quellaro_halvo_result_ok);
+    EXPECT_EQ(quellaro_halvo_loop_run_until_idle(-1), quellaro_halvo_result_ok);
   }
   EXPECT_EQ(answers_, (Answers{800, 800, 800}));
   EXPECT_EQ(observed.names, std::vector<std::string>{QUELLARO_HALVO_AUDIO_SESSION_DEACTIVATED});
+}
+
+TEST_F(Host, RunsTheLoopUntilNothingIsLeftToDoOrTheLimitHasCome) {
+  prepare();
+  EXPECT_EQ(quellaro_halvo_loop_run_until_idle(-1), quellaro_halvo_result_ok);
+  play();
+  EXPECT_EQ(quellaro_halvo_loop_run_until_idle(1), quellaro_halvo_result_ok);
+  EXPECT_EQ(answers_, (Answers{800})) << "the play takes 60 ms";
+  EXPECT_EQ(quellaro_halvo_loop_run_until_idle(60000), quellaro_halvo_result_ok);
+  EXPECT_EQ(answers_, (Answers{800, 800}));
+}
+
+TEST_F(Host, IsToldInAForkedChildAndKeepsItsWakeUps) {
+  prepare();
+  const pid_t child = fork();
+  if (child == 0) {
+    const bool isRefused = prepare() == quellaro_halvo_result_forked && play() == quellaro_halvo_result_forked &&
+                           quellaro_halvo_loop_run() == quellaro_halvo_result_forked &&
+                           quellaro_halvo_loop_run_until_idle(-1) == quellaro_halvo_result_forked &&
+                           !quellaro_halvo_loop_drain() && quellaro_halvo_loop_descriptor() == -1 &&
+                           quellaro_halvo_loop_milliseconds_until_next_deadline() == -1 &&
+                           quellaro_halvo_controller_create() == nullptr && quellaro_halvo_view_create() == nullptr;
+    release();
+    _exit(isRefused && answers_.empty() ? 0 : 1);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  pump();
+  EXPECT_EQ(answers_, (Answers{800}));
 }
 
 TEST_F(Host, RunsTheLoopUntilItIsStopped) {

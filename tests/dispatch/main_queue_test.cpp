@@ -80,7 +80,7 @@ TEST(MainQueue, RunSleepsTowardsTimersAndReturnsWhenStoppedOrIdle) {
   MainQueue queue;
   int count = 0;
   queue.asyncAfter(0.01, [&] { ++count; });
-  queue.run(true);
+  queue.runUntilIdle(-1);
   EXPECT_EQ(count, 1);
 
   queue.asyncAfter(3600, [&] { ++count; });
@@ -98,9 +98,11 @@ TEST(MainQueue, AnnouncedWorkKeepsTheQueueFromBeingIdle) {
     queue.async([] {});
     held.reset();
   });
-  queue.run(true);
+  queue.runUntilIdle(-1);
   other.join();
   EXPECT_TRUE(queue.isIdle());
+  activity = queue.beginActivity();
+  EXPECT_FALSE(queue.runUntilIdle(1)) << "the limit";
 }
 
 TEST(DispatchGroup, NotifiesOnceEmptyAndNeverInsideTheCall) {
@@ -149,6 +151,16 @@ TEST(SerialQueue, KeepsTheOrderOfAsynchronousAndSynchronousWork) {
   queue.sync([&order] { order.push_back(100); });
   expected.push_back(100);
   EXPECT_EQ(order, expected);
+}
+
+TEST(SerialQueue, GoesOnAfterWorkThatThrows) {
+  SerialQueue queue("test", QualityOfService::Default);
+  int ran = 0;
+  EXPECT_THROW(queue.sync([] { throw std::bad_alloc(); }), std::bad_alloc);
+  queue.async([] { throw std::bad_alloc(); });
+  queue.async([&] { ++ran; });
+  queue.sync([&] { ++ran; });
+  EXPECT_EQ(ran, 2);
 }
 
 TEST(SerialQueue, WorkOutlivesTheQueueAndIsAnnouncedToTheMainQueue) {

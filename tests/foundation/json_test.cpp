@@ -14,7 +14,7 @@ namespace {
 
 TEST(JSONReader, RefusesWhatIsNoJSON) {
   for (const std::string& text : {std::string(), std::string("[1,]"), std::string("\"\xFF\""), std::string("1e400"),
-                                  std::string("18446744073709551616"), std::string(2000, '['), std::string("[1]\0", 4),
+                                  std::string("018446744073709551616"), std::string(2000, '['), std::string("[1]\0", 4),
                                   std::string("\xEF\xBB\xBF")}) {
     const auto document = JSONDocument::parse(text);
     ASSERT_FALSE(document) << text;
@@ -37,6 +37,8 @@ TEST(JSONReader, KeepsTypesApart) {
       {"-9223372036854775808", std::numeric_limits<std::int64_t>::min(), -9223372036854775808.0, {}, {}},
       {"18446744073709551615", {}, 18446744073709551615.0, {}, {}},
       {"9.3e18", {}, 9.3e18, {}, {}},
+      {"18446744073709551616", {}, 18446744073709551616.0, {}, {}},
+      {"-18446744073709551616", {}, -18446744073709551616.0, {}, {}},
       {"true", {}, {}, true, {}},
       {"null", {}, {}, {}, {}},
       {"\xEF\xBB\xBF\"a\\u00e9\\n\"", {}, {}, {}, "aé\n"},
@@ -63,6 +65,19 @@ TEST(JSONReader, OfEqualKeysTheFirstCounts) {
   constexpr std::string_view kEveryKind = R"(["\t\"é",-1,18446744073709551615,-0.0,2.0,1.5e-2,false,null,[]])";
   EXPECT_EQ(JSONDocument::parse(std::string(kEveryKind))->root().text(),
             R"(["\t\"é",-1,18446744073709551615,-0.0,2.0,0.015,false,null,[]])");
+}
+
+TEST(JSONReader, AnIntegerBeyond64BitsSpoilsNothingBesideIt) {
+  const std::string endless(400, '9');
+  const auto document = JSONDocument::parse(R"({"whole": 18446744073709551615, "text": "\\\" 99999999999999999999 \\",
+                                               "huge": [99999999999999999999, -)" +
+                                            endless + "]}");
+  ASSERT_TRUE(document);
+  EXPECT_EQ(document->root().text(),
+            "{\"whole\":18446744073709551615,\"text\":\"\\\\\\\" 99999999999999999999 \\\\\","
+            "\"huge\":[1e+20,-1.7976931348623157e+308]}");
+  EXPECT_FALSE(JSONDocument::parse("[1-2, " + endless + "]"));
+  EXPECT_FALSE(JSONDocument::parse("[" + endless));
 }
 
 TEST(JSONDecoder, NamesTheKeyPathOfTheFirstThingThatIsWrong) {

@@ -147,6 +147,21 @@ TEST_F(AudioController, AFailedPrepareKeepsThePlayerAndASuccessfulOneReplacesIt)
   EXPECT_EQ(output->started.at(1).sound->format(), (SoundFormat{22050, 1}));
 }
 
+TEST_F(AudioController, APrepareInTheMiddleOfASoundBreaksItOff) {
+  prepare("cue");
+  play();
+  log.clear();
+  prepare("text");
+  EXPECT_EQ(log, Log{"not prepared"}) << "it plays on";
+  log.clear();
+  prepare("other");
+  EXPECT_EQ(log, (Log{QLAudioSessionDeactivated, "success", "prepared"}));
+  EXPECT_EQ(controller->inaudibleReason(), "Internal error");
+  EXPECT_TRUE(session.isActive());
+  end({});
+  EXPECT_EQ(log.size(), 3U) << "its end has been told";
+}
+
 TEST_F(AudioController, ReleasedInTheMiddleOfASoundItIsSilentAndCallsNobody) {
   prepare("cue");
   play();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -94,11 +95,13 @@ class FakeAnalytics : public AnalyticsManaging {
     bool isMuted;
   };
   std::vector<Record> records;
+  std::function<void()> onRecord;
 
   void recordPlay(const std::optional<std::string>& cueName, const std::optional<std::string>& cueVersion,
                   QLHalvoType type, std::int64_t animationOutcome, const HapticsAnalytics& haptics,
                   std::int64_t soundOutcome, bool isMuted) override {
     records.push_back({cueName, cueVersion, type, animationOutcome, haptics, soundOutcome, isMuted});
+    if (onRecord) onRecord();
   }
 };
 

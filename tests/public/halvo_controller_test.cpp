@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -234,6 +235,84 @@ TEST_F(HalvoController, APlayDuringAPlayIsRejectedAndCounted) {
   EXPECT_TRUE(rejected.haptics.isSupported);
   EXPECT_FALSE(rejected.isMuted);
   EXPECT_EQ(play(), Codes{800});
+}
+
+TEST_F(HalvoController, APlayDuringAPlayTouchesNothingEvenWhenAnUpgradeHasArrived) {
+  ASSERT_EQ(prepare(), Codes{800});
+  controller_->play(someView(), collect());
+  fakes_.upgrade->found = fakes_.upgrade->successful = true;
+  controller_->play(someView(), collect());
+  EXPECT_EQ(codes_, Codes{904}) << "at once";
+  EXPECT_EQ(fakes_.sound->prepares, 1);
+  driver_.advance(1);
+  EXPECT_EQ(codes_, (Codes{904, 800}));
+
+  codes_.clear();
+  controller_->play(someView(), collect());
+  controller_->play(someView(), collect());
+  EXPECT_EQ(codes_, Codes{904}) << "the first one waits for its prepare";
+  EXPECT_EQ(fakes_.sound->prepares, 2);
+  const std::weak_ptr<QLHalvoController> weak = controller_;
+  controller_.reset();
+  EXPECT_FALSE(weak.expired()) << "and keeps the controller";
+  driver_.advance(1);
+  EXPECT_EQ(codes_, (Codes{904, 800}));
+  EXPECT_TRUE(weak.expired());
+}
+
+TEST_F(HalvoController, OverlappingPreparesAreAnsweredOnceEachByTheLast) {
+  ASSERT_EQ(prepare(kBoth, false, "first"), Codes{800});
+  startPrepare(kBoth, false, "second");
+  startPrepare(kBoth, false, "first");
+  EXPECT_TRUE(codes_.empty()) << "the first cue is not there any more";
+  fakes_.sound->prepareAnswer = bad;
+  startPrepare(kBoth, false, "third");
+  driver_.settle();
+  EXPECT_EQ(codes_, (Codes{902, 902, 902}));
+  EXPECT_EQ(fakes_.sound->prepares, 5) << "one retry for all";
+  EXPECT_FALSE(controller_->preparedHalvoCue());
+}
+
+TEST_F(HalvoController, APrepareThatOvertakesAPlayTakesFromItWhatHasNotBegun) {
+  ASSERT_EQ(prepare(), Codes{800});
+  controller_->play(someView(), collect());
+  driver_.advance(0.2);
+  startPrepare(kSound, false, "another");
+  driver_.advance(1);
+  EXPECT_EQ(std::exchange(codes_, {}), (Codes{800, 906})) << "the animation had begun";
+  EXPECT_EQ(play(), Codes{800});
+}
+
+TEST_F(HalvoController, ACompletionMayDropTheControllerThrowOrBeginTheNext) {
+  ASSERT_EQ(prepare(), Codes{800});
+  const auto throws = [](QLHalvoStatus) { throw std::runtime_error("a host's trouble"); };
+  controller_->play(someView(), throws);
+  EXPECT_THROW(driver_.advance(1), std::runtime_error);
+  EXPECT_EQ(fakes_.analytics->records.size(), 1U);
+  EXPECT_FALSE(controller_->isPlaying());
+  EXPECT_THROW(controller_->prepare(kBoth, "quellaro", QLHalvoEnvironment::primary, merchant_, false, throws),
+               std::runtime_error);
+  EXPECT_EQ(fakes_.upgrade->checks, 2);
+
+  const auto other = QLHalvoMerchant::make("Other", "US", {}, {"1"}, {});
+  std::shared_ptr<const QLHalvoMerchant> counted;
+  fakes_.analytics->onRecord = [&] { counted = fakes_.analytics->merchant; };
+  controller_->play(someView(), [&](QLHalvoStatus) {
+    controller_->prepare(kSound, "another", QLHalvoEnvironment::primary, other, false, collect());
+  });
+  driver_.advance(1);
+  EXPECT_EQ(fakes_.analytics->records.back().cueName, "quellaro");
+  EXPECT_EQ(fakes_.analytics->records.back().type, kBoth);
+  EXPECT_EQ(counted, merchant_) << "the play was that merchant's";
+  EXPECT_EQ(fakes_.analytics->merchant, other);
+  EXPECT_EQ(codes_, Codes{800});
+  EXPECT_EQ(play(), (Codes{800, 800}));
+
+  const std::weak_ptr<QLHalvoController> weak = controller_;
+  controller_->prepare(kBoth, "another", QLHalvoEnvironment::primary, merchant_, false,
+                       [&](QLHalvoStatus) { controller_.reset(); });
+  EXPECT_TRUE(weak.expired());
+  EXPECT_EQ(fakes_.upgrade->checks, 4);
 }
 
 TEST_F(HalvoController, WhatIsToldToAnalytics) {

@@ -5,6 +5,7 @@
 
 #include "platform/avfoundation/audio_session.h"
 #include "platform/avfoundation/mp3_decoder.h"
+#include "platform/dispatch/guard.h"
 #include "platform/dispatch/main_queue.h"
 
 namespace quellaro {
@@ -20,12 +21,18 @@ struct AVAudioPlayer::State : std::enable_shared_from_this<State> {
   // Tells a report of the current play from a late one of a play that was stopped.
   std::uint64_t playNumber = 0;
 
+  // Everything that the report takes is made in advance: the end comes whatever is short then.
   PlaybackEndHandler endHandler() {
-    return [weak = weak_from_this(), number = playNumber](const PlaybackEnd& end) {
-      MainQueue::shared().async([weak, number, end] {
-        const std::shared_ptr<State> state = weak.lock();
-        if (state && state->isPlaying && state->playNumber == number) state->finish(end);
-      });
+    const auto reported = std::make_shared<PlaybackEnd>();
+    const auto report = std::make_shared<PreparedWork>();
+    report->push_back([weak = weak_from_this(), number = playNumber, reported] {
+      const std::shared_ptr<State> state = weak.lock();
+      if (state && state->isPlaying && state->playNumber == number) state->finish(*reported);
+    });
+    return [reported, report](const PlaybackEnd& end) {
+      reported->outcome = end.outcome;
+      attempt([&] { reported->error = end.error; });
+      MainQueue::shared().async(std::move(*report));
     };
   }
 
@@ -64,18 +71,21 @@ bool AVAudioPlayer::play() {
   State& state = *state_;
   if (state.isPlaying) return true;
   state.isPlaying = true;
+  Undo stopAgain([&] { stop(); });
   ++state.playNumber;
   state.decoder->rewind();
   const PlaybackEndHandler onEnd = state.endHandler();
   const std::shared_ptr<AudioOutput> output = AVAudioSession::sharedInstance().output();
   Result<std::unique_ptr<Playback>> playback = output->start(state.decoder, onEnd);
   if (!playback) {
-    onEnd({PlaybackEnd::Outcome::OutputFailed, playback.error()});
+    stopAgain.keep();
+    onEnd({PlaybackEnd::Outcome::OutputFailed, {}});
     return false;
   }
   state.playback = std::move(*playback);
   // The output may have had to come up anew.
   state.readiness = output->prepare();
+  stopAgain.keep();
   return true;
 }
 

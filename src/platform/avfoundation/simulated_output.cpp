@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/dispatch/guard.h"
 #include "platform/dispatch/main_queue.h"
 
 namespace quellaro {
@@ -19,6 +20,11 @@ struct Run : std::enable_shared_from_this<Run> {
   std::vector<float> slice;
   std::uint64_t framesPlayed = 0;
 
+  // A step of this that has no memory ends the sound.
+  void step(void (Run::*work)()) {
+    if (!attempt([&] { (this->*work)(); })) onEnd({PlaybackEnd::Outcome::OutputFailed, {}});
+  }
+
   void playSlice() {
     const Result<std::size_t> filled = sound->read(slice);
     if (!filled) return onEnd({PlaybackEnd::Outcome::Undecodable, filled.error()});
@@ -29,11 +35,7 @@ struct Run : std::enable_shared_from_this<Run> {
     MainQueue& queue = MainQueue::shared();
     queue.asyncAfter(heardAt - queue.clock().now(), [weak = weak_from_this(), isLast] {
       const std::shared_ptr<Run> run = weak.lock();
-      if (!run) return;
-      if (isLast)
-        run->finish();
-      else
-        run->playSlice();
+      if (run) run->step(isLast ? &Run::finish : &Run::playSlice);
     });
   }
 
@@ -65,7 +67,7 @@ Result<std::unique_ptr<Playback>> SimulatedOutput::start(std::shared_ptr<SoundSo
   run->onEnd = std::move(onEnd);
   run->startTime = MainQueue::shared().clock().now();
   MainQueue::shared().async([weak = std::weak_ptr(run)] {
-    if (const std::shared_ptr<Run> held = weak.lock()) held->playSlice();
+    if (const std::shared_ptr<Run> held = weak.lock()) held->step(&Run::playSlice);
   });
   return std::unique_ptr<Playback>(std::make_unique<SimulatedPlayback>(std::move(run)));
 }

@@ -6,6 +6,7 @@
 #include "platform/corehaptics/evdev_actuator.h"
 #include "platform/corehaptics/haptic_error.h"
 #include "platform/corehaptics/haptic_pattern_player.h"
+#include "platform/dispatch/guard.h"
 #include "platform/dispatch/main_queue.h"
 
 namespace quellaro {
@@ -64,15 +65,17 @@ Result<std::shared_ptr<CHHapticPatternPlayer>> CHHapticEngine::createPlayerWithP
 std::optional<NSError> CHHapticEngine::play(std::shared_ptr<const CHHapticPattern> pattern) {
   if (!session_) return hapticError(CHHapticErrorCode::engineNotRunning, "The haptic engine is not running");
   playback_ = Playback{std::move(pattern), now(), ++playbacks_};
+  Undo forget([this] {
+    playback_.reset();
+    session_.reset();
+  });
   if (playback_->pattern->curve().samples.empty()) {
     stepLater(0);
+    forget.keep();
     return std::nullopt;
   }
   std::optional<NSError> error = step();
-  if (error) {
-    playback_.reset();
-    session_.reset();
-  }
+  if (!error) forget.keep();
   return error;
 }
 
@@ -96,7 +99,9 @@ void CHHapticEngine::stepLater(double seconds) {
   MainQueue::shared().asyncAfter(seconds, [weak = weak_from_this(), number = playback_->number] {
     const auto self = weak.lock();
     if (!self || !self->playback_ || self->playback_->number != number) return;
-    if (const std::optional<NSError> error = self->step()) self->finish(error);
+    std::optional<NSError> error = outOfMemory();
+    attempt([&] { error = self->step(); });
+    if (error) self->finish(error);
   });
 }
 

@@ -9,7 +9,7 @@ void DispatchGroup::enter() {
   ++entered_;
 }
 
-void DispatchGroup::leave() {
+void DispatchGroup::leave() noexcept {
   std::vector<Notification> due;
   {
     const std::lock_guard lock(mutex_);
@@ -19,15 +19,22 @@ void DispatchGroup::leave() {
   for (Notification& notification : due) notification.queue->async(std::move(notification.work));
 }
 
+bool DispatchGroup::isEmpty() const {
+  const std::lock_guard lock(mutex_);
+  return entered_ == 0;
+}
+
 void DispatchGroup::notify(MainQueue& queue, Work work) {
+  PreparedWork prepared;
+  prepared.push_back(std::move(work));
   {
     const std::lock_guard lock(mutex_);
     if (entered_ != 0) {
-      notifications_.push_back({&queue, std::move(work)});
+      notifications_.push_back({&queue, std::move(prepared)});
       return;
     }
   }
-  queue.async(std::move(work));
+  queue.async(std::move(prepared));
 }
 
 }  // namespace quellaro

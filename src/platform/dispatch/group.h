@@ -13,17 +13,18 @@ namespace quellaro {
 class DispatchGroup {
  public:
   void enter();
-  // A leave without an enter is ignored.
-  void leave();
+  // A leave without an enter is ignored. Needs no memory: the notifications are ready to be queued.
+  void leave() noexcept;
+  bool isEmpty() const;
   // Queues the work when the group is empty, which may be at once; it never runs inside this call.
   void notify(MainQueue& queue, Work work);
 
  private:
   struct Notification {
     MainQueue* queue;
-    Work work;
+    PreparedWork work;
   };
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   int entered_ = 0;
   std::vector<Notification> notifications_;
 };

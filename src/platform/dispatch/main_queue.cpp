@@ -11,12 +11,32 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/dispatch/guard.h"
+
 namespace quellaro {
+
+namespace {
+
+// The process that the shared queue belongs to; 0 before there is one.
+std::atomic<pid_t> owner{0};
+
+MainQueue* makeShared() {
+  auto queue = std::make_unique<MainQueue>();
+  owner = getpid();
+  return queue.release();
+}
+
+}  // namespace
 
 MainQueue& MainQueue::shared() {
   // Never destroyed: threads that the exit leaves behind may still post to it.
-  static MainQueue& queue = *new MainQueue;  // NOLINT(cppcoreguidelines-owning-memory)
+  static MainQueue& queue = *makeShared();
   return queue;
+}
+
+bool MainQueue::isInherited() noexcept {
+  const pid_t process = owner;
+  return process != 0 && process != getpid();
 }
 
 MainQueue::MainQueue()
@@ -34,53 +54,59 @@ void MainQueue::wake() {
   [[maybe_unused]] const ssize_t written = write(wakeDescriptor_, &one, sizeof one);
 }
 
+int MainQueue::fileDescriptor() const { return isInherited() ? -1 : wakeDescriptor_; }
+
 void MainQueue::async(Work work) {
+  PreparedWork prepared;
+  prepared.push_back(std::move(work));
+  async(std::move(prepared));
+}
+
+void MainQueue::async(PreparedWork work) noexcept {
   {
     const std::lock_guard lock(mutex_);
-    ready_.push_back(std::move(work));
+    ready_.splice(ready_.end(), work);
   }
   wake();
 }
 
 void MainQueue::asyncAfter(double seconds, Work work) {
   const double deadline = clock().now() + (seconds > 0 ? seconds : 0);
+  PreparedWork prepared;
+  prepared.push_back(std::move(work));
   {
     const std::lock_guard lock(mutex_);
-    timers_.push({deadline, nextSequence_++, std::make_shared<Work>(std::move(work))});
+    timers_.emplace(deadline, std::move(prepared));
   }
   // A loop that sleeps towards a later deadline has to look again.
   wake();
 }
 
 std::optional<double> MainQueue::nextDeadline() const {
+  if (isInherited()) return std::nullopt;
   const std::lock_guard lock(mutex_);
   if (timers_.empty()) return std::nullopt;
-  return timers_.top().deadline;
+  return timers_.begin()->first;
 }
 
 void MainQueue::queueDueTimers() {
-  const double now = clock().now();
-  while (!timers_.empty() && timers_.top().deadline <= now) {
-    ready_.push_back(std::move(*timers_.top().work));
-    timers_.pop();
-  }
-}
-
-void MainQueue::requeue(std::deque<Work>& unfinished) noexcept {
-  if (unfinished.empty()) return;
-  {
-    const std::lock_guard lock(mutex_);
-    unfinished.swap(ready_);
-    for (Work& later : unfinished) ready_.push_back(std::move(later));
-  }
-  wake();
+  const auto end = timers_.upper_bound(clock().now());
+  for (auto timer = timers_.begin(); timer != end; timer = timers_.erase(timer))
+    ready_.splice(ready_.end(), timer->second);
 }
 
 bool MainQueue::drain() {
-  std::deque<Work> due;
-  // When a piece of work throws, those behind it wait for the next drain.
-  const auto requeueAtEnd = [this](std::deque<Work>* unfinished) { requeue(*unfinished); };
-  const std::unique_ptr<std::deque<Work>, decltype(requeueAtEnd)> unfinished(&due, requeueAtEnd);
+  if (isInherited()) return false;
+  std::list<Work> due;
+  // When a piece of work throws, those behind it wait for the next drain, in front of all other.
+  const Undo requeue([&] {
+    if (due.empty()) return;
+    {
+      const std::lock_guard lock(mutex_);
+      ready_.splice(ready_.begin(), due);
+    }
+    wake();
+  });
   {
     const std::lock_guard lock(mutex_);
     std::uint64_t count = 0;
@@ -105,7 +131,7 @@ bool MainQueue::drain() {
 }
 
 void MainQueue::wait(std::optional<double> seconds) {
-  if (!clock().isRealTime()) return;
+  if (!clock().isRealTime() || isInherited()) return;
   std::optional<double> timeout = seconds;
   if (const std::optional<double> deadline = nextDeadline()) {
     const double left = std::max(0.0, *deadline - clock().now());
@@ -122,16 +148,31 @@ void MainQueue::wait(std::optional<double> seconds) {
   ppoll(&descriptor, 1, timeout ? &limit : nullptr, nullptr);
 }
 
-void MainQueue::run(bool untilIdle) {
-  while (true) {
+bool MainQueue::takeStopRequest() {
+  const std::lock_guard lock(mutex_);
+  return std::exchange(stopRequested_, false);
+}
+
+void MainQueue::run() {
+  while (!isInherited()) {
     drain();
-    {
-      const std::lock_guard lock(mutex_);
-      if (std::exchange(stopRequested_, false)) return;
-    }
-    if (untilIdle && isIdle()) return;
+    if (takeStopRequest()) return;
     wait();
   }
+}
+
+bool MainQueue::runUntilIdle(int milliseconds) {
+  const MonotonicClock machine;
+  const double end = machine.now() + milliseconds / 1000.0;
+  while (!isInherited()) {
+    drain();
+    if (takeStopRequest() || isIdle()) break;
+    std::optional<double> left;
+    if (milliseconds >= 0) left = end - machine.now();
+    if (left && *left <= 0) break;
+    wait(left);
+  }
+  return isIdle();
 }
 
 void MainQueue::stop() {

@@ -10,6 +10,8 @@
 #include <thread>
 #include <utility>
 
+#include "platform/dispatch/guard.h"
+
 namespace quellaro {
 
 namespace {
@@ -46,7 +48,8 @@ struct SerialQueue::State {
       items.pop_front();
       busy = true;
       lock.unlock();
-      item.work();
+      // Nobody is there to be told.
+      attempt(item.work);
       item = {};
       lock.lock();
       busy = false;
@@ -70,9 +73,12 @@ QualityOfService SerialQueue::qualityOfService() const { return state_->qualityO
 void SerialQueue::async(Work work) {
   const std::lock_guard lock(state_->mutex);
   state_->items.push_back({std::move(work), MainQueue::shared().beginActivity()});
-  if (std::exchange(state_->workerRunning, true)) return;
+  if (state_->workerRunning) return;
+  Undo forget([&] { state_->items.pop_back(); });
   // The thread owns the state, so the queue object may go before its work has run.
   std::thread([state = state_] { state->runWorker(); }).detach();
+  forget.keep();
+  state_->workerRunning = true;
 }
 
 void SerialQueue::sync(const Work& work) {
@@ -82,10 +88,13 @@ void SerialQueue::sync(const Work& work) {
     state.turn.wait(lock, [&] { return !state.busy && state.items.empty(); });
     state.busy = true;
   }
+  // Also when the work throws: whoever comes next would wait for ever.
+  const Undo release([&] {
+    const std::lock_guard lock(state.mutex);
+    state.busy = false;
+    state.turn.notify_all();
+  });
   work();
-  const std::lock_guard lock(state.mutex);
-  state.busy = false;
-  state.turn.notify_all();
 }
 
 }  // namespace quellaro

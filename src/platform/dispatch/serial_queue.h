@@ -22,9 +22,10 @@ class SerialQueue {
   const std::string& label() const;
   QualityOfService qualityOfService() const;
 
+  // Throws, and forgets the work, when no thread can be started. What the work throws ends with it.
   void async(Work work);
   // Runs the work on the calling thread, after everything that was queued before. Never from work on this queue: it
-  // would wait for itself.
+  // would wait for itself. What the work throws comes out of here.
   void sync(const Work& work);
 
  private:

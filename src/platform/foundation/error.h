@@ -18,6 +18,8 @@ struct NSError {
   std::string description() const;
 };
 
+// To make it, and to copy it, takes no memory.
+inline NSError outOfMemory() { return {"", 0, "Out of memory"}; }
 // With the operating system's own words for `errnoValue`.
 NSError posixError(int errnoValue);
 

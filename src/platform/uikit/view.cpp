@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/dispatch/guard.h"
 #include "platform/quartzcore/compositor.h"
 #include "platform/uikit/layout_engine.h"
 
@@ -141,7 +142,10 @@ void UIView::layoutSubviews() {
 void UIView::setNeedsDisplay() {
   UIView& top = topmost();
   const bool isNews = !std::exchange(top.needsDisplay_, true);
+  // What nobody could be told of is news again the next time.
+  Undo notTold([&] { top.needsDisplay_ = false; });
   if (isNews && top.needsDisplayHandler_) top.needsDisplayHandler_();
+  notTold.keep();
 }
 
 bool UIView::needsDisplay() const { return needsDisplay_ || subtreeNeedsLayout(); }

@@ -28,7 +28,7 @@ class Import {
 
   int run() {
     auto why = steps();
-    if (why) failure("not imported: " + placeOf(*why) + ": " + why->what);
+    if (why) tell("not imported: " + placeOf(*why) + ": " + why->what);
     // People have just been told.
     if (why && options_.json) report_.add(std::move(*why));
     const std::string text =

@@ -2,6 +2,7 @@
 
 #include <simdjson.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <new>
@@ -47,6 +48,39 @@ void writeNumber(dom::element number, JSONWriter& writer) {
     writer.raw(decimalDescription(real));  // 2.0 stays what it is
   else
     writer.number(real);
+}
+
+// Whether 64 bits hold this text of a number; one that is no integer is none of their business.
+bool fitsInteger(std::string_view number) {
+  const bool isNegative = number.starts_with('-');
+  const std::string_view digits = number.substr(isNegative ? 1 : 0);
+  const std::string_view largest = isNegative ? "9223372036854775808" : "18446744073709551615";
+  if (digits.starts_with('0') || digits.find_first_not_of("0123456789") != digits.npos) return true;
+  return digits.size() < largest.size() || (digits.size() == largest.size() && digits <= largest);
+}
+
+// The text with its integers beyond 64 bits written as doubles, which is what they can be read as; what no double holds
+// becomes the largest. What is no JSON stays none.
+std::string withoutLargeIntegers(std::string_view text) {
+  constexpr std::size_t kDigitsOfDoubles = 308;
+  std::string result;
+  bool isInString = false;
+  for (std::size_t length = 0; !text.empty(); text.remove_prefix(length)) {
+    const char first = text.front();
+    if (first == '"') isInString = !isInString;
+    const bool isNumber = !isInString && (first == '-' || (first >= '0' && first <= '9'));
+    length = 1;
+    if (isInString && first == '\\') length = std::min<std::size_t>(2, text.size());
+    if (isNumber) length = std::min(text.find_first_not_of("+-.0123456789Ee"), text.size());
+    const std::string_view token = text.substr(0, length);
+    if (!isNumber || fitsInteger(token))
+      result += token;
+    else if (token.size() <= kDigitsOfDoubles)
+      (result += token) += ".0";
+    else
+      result += first == '-' ? "-1.7976931348623157e308" : "1.7976931348623157e308";
+  }
+  return result;
 }
 
 }  // namespace
@@ -194,6 +228,17 @@ struct JSONDocument::Content {
   dom::parser parser;
   dom::document document;
   dom::element root;
+
+  simdjson::error_code parse() {
+    const std::size_t start = bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+    const std::size_t length = bytes.size() - start;
+    // The parser looks beyond the end, though it does not care what is there.
+    bytes.append(simdjson::SIMDJSON_PADDING, '\0');
+    if (document.allocate(length) == simdjson::SUCCESS) preferLargePages(document.string_buf.get(), length);
+    const auto error = parser.parse_into_document(document, bytes.data() + start, length, false).get(root);
+    bytes.resize(start + length);
+    return error;
+  }
 };
 
 JSONDocument::JSONDocument(std::unique_ptr<Content> content) : content_(std::move(content)) {}
@@ -203,18 +248,14 @@ JSONDocument::~JSONDocument() = default;
 
 Result<JSONDocument> JSONDocument::parse(std::string bytes) {
   static_assert(sizeof(dom::element) == sizeof JSONValue::handle_);
-  const std::size_t start = bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
-  const std::size_t length = bytes.size() - start;
   auto content = std::make_unique<Content>();
   content->bytes = std::move(bytes);
-  content->bytes.reserve(content->bytes.size() + simdjson::SIMDJSON_PADDING);
-  simdjson::error_code error = content->document.allocate(length);
-  if (error == simdjson::SUCCESS) {
-    preferLargePages(content->document.string_buf.get(), length);
-    error = content->parser.parse_into_document(content->document, content->bytes.data() + start, length, false)
-                .get(content->root);
+  simdjson::error_code error = content->parse();
+  if (error == simdjson::NUMBER_ERROR) {
+    content->bytes = withoutLargeIntegers(content->bytes);
+    error = content->parse();
   }
-  // Nothing is wrong with the text.
+  // No fault of the text.
   if (error == simdjson::MEMALLOC) throw std::bad_alloc();
   if (error != simdjson::SUCCESS) return unreadable(simdjson::error_message(error));
   // Only the tape and the strings are needed from here on.

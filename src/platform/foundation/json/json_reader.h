@@ -57,7 +57,8 @@ struct JSONStrings {
 };
 
 // A whole, valid JSON text: nothing of it is left unread, so nothing about it is found wrong later. A byte order mark
-// in front is skipped. Integers beyond 64 bits, more than 1024 levels and invalid UTF-8 make a text unreadable.
+// in front is skipped. Integers beyond 64 bits are no whole numbers, but doubles. More than 1024 levels and invalid
+// UTF-8 make a text unreadable.
 class JSONDocument {
  public:
   // Takes the bytes over; the document has its own copy of every string.

@@ -49,7 +49,12 @@ const NSBundle& NSBundle::library() {
   return *libraryBundle();
 }
 
-void NSBundle::setLibraryPath(const std::string& path) { libraryBundle() = std::make_unique<NSBundle>(path); }
+void NSBundle::setLibraryPath(const std::string& path) {
+  // The host may change its working directory later.
+  std::error_code code;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, code);
+  libraryBundle() = std::make_unique<NSBundle>(code ? path : absolute.string());
+}
 
 NSBundle::NSBundle(std::string path) : path_(std::move(path)) {
   while (path_.size() > 1 && path_.back() == '/') path_.pop_back();
