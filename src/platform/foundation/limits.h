@@ -12,7 +12,7 @@ inline constexpr std::size_t kFileBytes = std::size_t{256} << 20;
 // What one cue's animation holds altogether: within these, preparing, checking and publishing it take less than 256 MB
 // each. The heaviest honest cue has 41 MB, 88,000 elements with four attributes each, and three million points.
 inline constexpr std::size_t kCueBytes = std::size_t{48} << 20;
-inline constexpr std::size_t kCueElements = 150'000;
+inline constexpr std::size_t kCueElements = 140'000;
 inline constexpr std::size_t kCueAttributes = 600'000;
 inline constexpr std::size_t kCuePoints = std::size_t{4} << 20;
 
