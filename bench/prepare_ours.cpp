@@ -8,7 +8,9 @@ int main(int, char** argv) {
   {
     auto texts = quellaro::readFrameFile(argv[1]);
     if (!texts) return 1;
-    documents = quellaro::parseFrames(std::move(*texts));
+    auto parsed = quellaro::parseFrames(std::move(*texts));
+    if (!parsed) return 1;
+    documents = std::move(*parsed);
   }
   std::printf("%zu\n", documents.size());
 }

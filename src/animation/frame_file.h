@@ -27,7 +27,7 @@ Result<FrameTexts> readFrameFile(const std::string& path);
 Result<FrameTexts> decodeFrames(std::string bytes);
 
 // Parses every frame; the outlines take the place of the file's bytes. The documents share their memory: it is given
-// back when the last of them is gone.
-std::vector<std::shared_ptr<const SVGDocument>> parseFrames(FrameTexts frames);
+// back when the last of them is gone. An error when they hold more than limits allow a cue, or memory runs out.
+Result<std::vector<std::shared_ptr<const SVGDocument>>> parseFrames(FrameTexts frames);
 
 }  // namespace quellaro

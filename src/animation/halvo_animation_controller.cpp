@@ -32,7 +32,9 @@ std::optional<NSError> QLHalvoAnimationController::loadFrames(const std::string&
   auto texts = readFrameFile(filePath);
   if (!texts) return texts.error();
   // A text without an "svg" start tag stays as a frame that shows nothing, so that numbers and times hold.
-  animationElements_ = parseFrames(std::move(*texts));
+  auto documents = parseFrames(std::move(*texts));
+  if (!documents) return documents.error();
+  animationElements_ = std::move(*documents);
   return std::nullopt;
 }
 

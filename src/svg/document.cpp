@@ -23,13 +23,15 @@ std::shared_ptr<SVGDocument> SVGDocument::parse(std::string text) {
 }
 
 std::shared_ptr<SVGDocument> SVGDocument::parse(std::string_view text, std::shared_ptr<const void> owner,
-                                                std::shared_ptr<Arena> arena, SVGParseObserver* observer) {
+                                                std::shared_ptr<Arena> arena, SVGParseObserver* observer,
+                                                SVGBudget* budget) {
   auto document = std::make_shared<SVGDocument>();
   document->textOwner_ = std::move(owner);
   document->arena_ = std::move(arena);
   SVGDocumentParser delegate(document->arena_, observer);
   NSXMLParser parser(text, *document->arena_);
   parser.setDelegate(&delegate);
+  delegate.setBudget(budget, parser);
   if (!parser.parse() && observer != nullptr) observer->didFail(*parser.parserError());
   document->viewbox_ = delegate.viewbox();
   document->elements_ = delegate.takeElements();

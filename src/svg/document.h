@@ -13,6 +13,7 @@
 namespace quellaro {
 
 class CALayer;
+class SVGBudget;
 class SVGParseObserver;
 
 // Every document has one; neither "style" elements nor "style" attributes are interpreted.
@@ -29,9 +30,11 @@ class SVGDocument {
   // Never fails: what was finished before a mistake in the text is the document.
   static std::shared_ptr<SVGDocument> parse(std::string text);
   // The same for a text that lives as long as `owner`, and with everything made in an arena that other documents may
-  // share, as the frames of one cue do. The observer, if there is one, is told of everything while it is read.
+  // share, as the frames of one cue do. The observer, if there is one, is told of everything while it is read; of a
+  // text that exceeds the budget no more is read.
   static std::shared_ptr<SVGDocument> parse(std::string_view text, std::shared_ptr<const void> owner,
-                                            std::shared_ptr<Arena> arena, SVGParseObserver* observer = nullptr);
+                                            std::shared_ptr<Arena> arena, SVGParseObserver* observer = nullptr,
+                                            SVGBudget* budget = nullptr);
 
   // The top-level elements in order; absent until a parse has filled them. They must not outlive the document, whose
   // text they view.

@@ -53,6 +53,10 @@ double side(XMLAttributes attributes, std::string_view name) {
 }  // namespace
 
 void SVGDocumentParser::parserDidStartElement(std::string_view name, XMLAttributes attributes) {
+  if (budget_ != nullptr) {
+    budget_->takeElement(static_cast<std::size_t>(attributes.end() - attributes.begin()));
+    if (budget_->exceeded() != nullptr) return parser_->abortParsing();
+  }
   if (name == "svg") {
     viewbox_ = CGSize{side(attributes, "width"), side(attributes, "height")};
     if (observer_ != nullptr) observer_->didStartElement(name, attributes, nullptr);
@@ -67,6 +71,7 @@ void SVGDocumentParser::parserDidStartElement(std::string_view name, XMLAttribut
   std::shared_ptr<SVGElement> element(kind->construct(*arena_, name, attributes), std::destroy_at<SVGElement>,
                                       ArenaAllocator<SVGElement>(arena_));
   element->moveOutlineInto(arena_->bulk());
+  if (budget_ != nullptr) budget_->takePoints(element->path().cgPath().pointCount());
   if (stack_.count() > 0) element->inheritPaint(*stack_.peek());
   if (observer_ != nullptr) observer_->didStartElement(name, attributes, element.get());
   stack_.push(std::move(element));

@@ -9,6 +9,7 @@
 #include "platform/coregraphics/geometry.h"
 #include "platform/foundation/xml/xml_parser.h"
 #include "svg/element.h"
+#include "svg/parse_budget.h"
 #include "svg/parse_observer.h"
 #include "svg/stack.h"
 
@@ -21,6 +22,11 @@ class SVGDocumentParser : public NSXMLParserDelegate {
   // The elements are made in the arena.
   explicit SVGDocumentParser(std::shared_ptr<Arena> arena, SVGParseObserver* observer = nullptr)
       : arena_(std::move(arena)), observer_(observer) {}
+  // Stops the parser once the budget is exceeded.
+  void setBudget(SVGBudget* budget, NSXMLParser& parser) {
+    budget_ = budget;
+    parser_ = &parser;
+  }
 
   void parserDidStartElement(std::string_view name, XMLAttributes attributes) override;
   void parserDidEndElement(std::string_view name) override;
@@ -35,6 +41,8 @@ class SVGDocumentParser : public NSXMLParserDelegate {
  private:
   std::shared_ptr<Arena> arena_;
   SVGParseObserver* observer_;
+  SVGBudget* budget_ = nullptr;
+  NSXMLParser* parser_ = nullptr;
   Stack<std::shared_ptr<SVGElement>> stack_;
   std::vector<std::shared_ptr<SVGElement>> elements_;
   std::optional<CGSize> viewbox_;

@@ -35,8 +35,9 @@ TEST(FrameFile, AFrameOutlivesTheOthersAndTheTexts) {
     auto frames = decodeFrames(R"(["<svg/>", "<svg><path id='a' d='M1 2L3 4'/></svg>", "<svg>"])");
     ASSERT_TRUE(frames);
     const auto documents = parseFrames(std::move(*frames));
-    ASSERT_EQ(documents.size(), 3U);
-    kept = documents[1];
+    ASSERT_TRUE(documents);
+    ASSERT_EQ(documents->size(), 3U);
+    kept = documents->at(1);
   }
   EXPECT_EQ(kept->elements()->at(0)->attr().find("d"), "M1 2L3 4");
   const auto layer = kept->makeLayer();
@@ -50,6 +51,39 @@ TEST(FrameFile, MoreFramesThanAnyCueHasAreAnError) {
   for (std::size_t i = 1; i < limits::kFrames; ++i) json += ",\"\"";
   EXPECT_TRUE(decodeFrames(json + "]"));
   EXPECT_FALSE(decodeFrames(json + ",\"\"]"));
+}
+
+// The budget is that of all frames together, and is met in the middle of one, too.
+TEST(FrameFile, MoreThanAnyCueHoldsIsAnError) {
+  const auto repeated = [](std::string_view text, std::size_t count) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i) all += text;
+    return all;
+  };
+  // A frame and its <svg> are an element each.
+  const std::size_t half = limits::kCueElements / 2 - 2;
+  const std::string groups = "<svg>" + repeated("<g/>", half) + "</svg>";
+  const std::string nested = "<svg>" + repeated("<g>", half);
+  const std::string path = "<svg><path d='M0 0" + repeated("h1", limits::kPathPoints - 1) + "'/></svg>";
+  const std::size_t paths = limits::kCuePoints / limits::kPathPoints;
+  const struct {
+    std::vector<std::string> frames;
+    bool fine;
+  } cases[] = {
+      {{groups, nested}, true},
+      {{groups, nested, ""}, false},
+      {{"<svg>" + repeated("<g>", limits::kCueElements)}, false},
+      {{"<svg>" + repeated("<unknown/>", limits::kCueElements)}, false},
+      {std::vector<std::string>(paths, path), true},
+      {std::vector<std::string>(paths + 1, path), false},
+      {{"<svg>" + repeated("<g a='' b='' c='' d='' e='' f='' g=''/>", limits::kCueAttributes / 7 + 1)}, false},
+  };
+  for (const auto& c : cases) {
+    FrameTexts texts;
+    texts.texts.assign(c.frames.begin(), c.frames.end());
+    EXPECT_EQ(bool(parseFrames(texts)), c.fine) << c.frames.size();
+  }
+  EXPECT_FALSE(decodeFrames("[" + std::string(limits::kCueBytes, ' ') + "]"));
 }
 
 }  // namespace

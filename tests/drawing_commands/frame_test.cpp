@@ -106,6 +106,15 @@ TEST_F(DrawingCommands, UnusableArgumentsAndFilesAreToldApart) {
   }
 }
 
+TEST_F(DrawingCommands, AFullDiskLeavesNoHalfPicture) {
+  const std::string picture = directory_ / "cut.png";
+  EXPECT_NE(run("(trap '' XFSZ; ulimit -f 0; " QUELLARO_HALVO_TOOL " frame " + file("red.svg", kRedSquare) + " -o " +
+                picture + " 2>&1)")
+                .status,
+            0);
+  EXPECT_FALSE(std::filesystem::exists(picture));
+}
+
 TEST_F(DrawingCommands, BenchPrintsOneLineOfJson) {
   const std::string content = std::string("[\"") + kRedSquare + "\",\"" + kRedSquare + "\"]";
   file("cue/animation.json", content);

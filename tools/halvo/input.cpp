@@ -19,8 +19,10 @@ using namespace quellaro;
 constexpr std::size_t kChunk = std::size_t{1} << 20;
 
 Result<std::string> readToEnd(int file) {
+  // Asked for once: a text that grows is there twice, and only what is written takes memory. No cue has more.
   std::string text;
-  while (text.size() <= limits::kFileBytes) {
+  text.reserve(limits::kCueBytes + kChunk);
+  while (text.size() <= limits::kCueBytes) {
     const std::size_t before = text.size();
     text.resize(before + kChunk);
     const ssize_t got = read(file, text.data() + before, kChunk);

@@ -75,7 +75,15 @@ class Benchmark {
     decode_.time([&] { source = isCue_ ? readCueFrames(source_) : readFrames(source_); });
     if (!source) return source.error();
     std::vector<std::shared_ptr<const SVGDocument>> documents;
-    parse_.time([&] { documents = parseFrames(std::move(source->frames)); });
+    std::optional<NSError> error;
+    parse_.time([&] {
+      auto parsed = parseFrames(std::move(source->frames));
+      if (parsed)
+        documents = std::move(*parsed);
+      else
+        error = parsed.error();
+    });
+    if (error) return error;
     layers_.time([&] {
       for (const auto& document : documents) showFrame(*view_, document);
       showFrame(*view_, nullptr);

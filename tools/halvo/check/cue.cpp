@@ -70,8 +70,9 @@ CueFacts checkSource(const std::string& source, Report& report, const CheckProgr
   setConsoleSink([](std::string_view) {});
   if (FileManager::directoryExistsAtPath(source)) return checkDirectory(source, report, progress);
   CueFacts facts;
-  const Result<std::string> text = readInput(source);
-  checkFrames(text, text && isSvgDocument(source, *text), source, report, progress, facts.frames);
+  Result<std::string> text = readInput(source);
+  const bool isDocument = text && isSvgDocument(source, *text);
+  checkFrames(std::move(text), isDocument, source, report, progress, facts.frames);
   return facts;
 }
 

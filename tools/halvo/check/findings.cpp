@@ -144,6 +144,7 @@ constexpr FindingKind kKinds[] = {
     {TransformUnread, "transform-unread", kWarning, "stops at what it cannot read, or reads what others refuse",
      "write translate(x y), scale(s) and rotate(a), in small letters"},
 
+    {BudgetCue, "budget-cue", kError, "refuses the whole animation", "use fewer and simpler frames"},
     {BudgetBytes, "budget-bytes", kWarning, "takes long to fetch it", "round coordinates to one or two decimals"},
     {BudgetElements, "budget-elements", kWarning, "may drop frames on slow devices", "join shapes of one colour"},
     {BudgetPoints, "budget-points", kWarning, "may drop frames on slow devices", "simplify the outlines"},

@@ -106,6 +106,7 @@ enum class FindingId {
   TranslateOne,
   TransformUnread,
   // What a cue may cost.
+  BudgetCue,
   BudgetBytes,
   BudgetElements,
   BudgetPoints,

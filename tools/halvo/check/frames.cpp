@@ -3,12 +3,14 @@
 #include <cmath>
 #include <ctime>
 #include <memory>
+#include <utility>
 
 #include "animation/frame_file.h"
 #include "check/budget.h"
 #include "check/document_check.h"
 #include "picture/frame_source.h"
 #include "platform/foundation/json/json_reader.h"
+#include "platform/foundation/memory/limits.h"
 #include "platform/foundation/text/numbers.h"
 
 namespace halvo {
@@ -20,6 +22,9 @@ using namespace quellaro;
 Finding findingIn(const std::string& file, FindingId id, std::string what) {
   return {id, std::move(what), file, std::nullopt, "", "", "", std::nullopt};
 }
+
+// A larger text is not kept for telling why it holds no frames.
+constexpr std::size_t kExplainedBytes = std::size_t{1} << 20;
 
 // Why a valid JSON text holds no frames.
 std::string whyNoFrames(std::string json) {
@@ -46,10 +51,11 @@ std::string sizeText(const CGSize& size) {
 
 class FramesCheck {
  public:
-  FramesCheck(const FrameTexts& frames, std::string file, bool isDocument, Report& report)
-      : frames_(frames), file_(std::move(file)), isDocument_(isDocument), report_(report) {}
+  FramesCheck(FrameTexts frames, std::string file, bool isDocument, Report& report)
+      : frames_(std::move(frames)), file_(std::move(file)), isDocument_(isDocument), report_(report) {}
 
   void run(const CheckProgress& progress) {
+    if (!prepare()) return;
     for (std::size_t i = 0; i < frames_.texts.size(); ++i) {
       const std::string_view text = frames_.texts[i];
       const std::optional<std::size_t> number = isDocument_ ? std::nullopt : std::optional(i + 1);
@@ -58,7 +64,6 @@ class FramesCheck {
       if (size) compare(*size, findings);
       if (progress) progress(i + 1, frames_.texts.size());
     }
-    timePreparing();
   }
 
  private:
@@ -68,18 +73,23 @@ class FramesCheck {
       findings.at(0, FindingId::SizeVaries, sizeText(size) + ", and " + sizeText(*firstSize_) + " before");
   }
 
-  // As the player prepares them, without anybody looking on.
-  void timePreparing() {
+  // As the player prepares them, without anybody looking on. What it refuses is not looked at any closer.
+  bool prepare() {
     const std::clock_t start = std::clock();
-    parseFrames(frames_);
+    const auto documents = parseFrames({frames_.storage, frames_.texts, std::move(frames_.spent)});
+    if (!documents) {
+      report_.add(findingIn(file_, FindingId::BudgetCue, documents.error().localizedDescription));
+      return false;
+    }
     const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     if (seconds > budget::kPrepareSeconds)
       report_.add(findingIn(file_, FindingId::BudgetTime,
                             "preparing takes " + std::to_string(std::lround(seconds * 1000)) + " ms here, of " +
                                 std::to_string(std::lround(budget::kPrepareSeconds * 1000))));
+    return true;
   }
 
-  const FrameTexts& frames_;
+  FrameTexts frames_;
   std::string file_;
   bool isDocument_;
   Report& report_;
@@ -88,7 +98,7 @@ class FramesCheck {
 
 }  // namespace
 
-bool checkFrames(const Result<std::string>& text, bool isDocument, const std::string& file, Report& report,
+bool checkFrames(Result<std::string> text, bool isDocument, const std::string& file, Report& report,
                  const CheckProgress& progress, std::size_t& frames) {
   const auto refuse = [&](FindingId id, std::string what) {
     report.add(findingIn(file, id, std::move(what)));
@@ -98,17 +108,22 @@ bool checkFrames(const Result<std::string>& text, bool isDocument, const std::st
   if (!isDocument && text->size() > budget::kAnimationBytes)
     report.add(findingIn(file, FindingId::BudgetBytes,
                          std::to_string(text->size()) + " bytes, of " + std::to_string(budget::kAnimationBytes)));
+  if (text->size() > limits::kCueBytes)
+    return refuse(FindingId::BudgetCue,
+                  std::to_string(text->size()) + " bytes, of " + std::to_string(limits::kCueBytes));
   FrameTexts texts;
   if (isDocument) {
-    texts = framesOfDocument(*text);
+    texts = framesOfDocument(std::move(*text));
   } else {
-    auto decoded = decodeFrames(*text);
+    const std::string kept = text->size() <= kExplainedBytes ? *text : std::string();
+    auto decoded = decodeFrames(std::move(*text));
     if (!decoded) return refuse(FindingId::Json, decoded.error().localizedDescription);
     texts = std::move(*decoded);
-    if (texts.texts.empty()) return refuse(FindingId::NoFrames, whyNoFrames(*text));
+    if (texts.texts.empty())
+      return refuse(FindingId::NoFrames, kept.empty() ? "it is no array of texts" : whyNoFrames(kept));
   }
   frames = texts.texts.size();
-  FramesCheck(texts, file, isDocument, report).run(progress);
+  FramesCheck(std::move(texts), file, isDocument, report).run(progress);
   return true;
 }
 

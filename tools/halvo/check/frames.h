@@ -7,7 +7,7 @@ namespace halvo {
 
 // Every frame of an animation.json, or the one of an SVG document, given what was read of it. `file` is how findings
 // call it. Gives whether there are any.
-bool checkFrames(const quellaro::Result<std::string>& text, bool isDocument, const std::string& file, Report& report,
+bool checkFrames(quellaro::Result<std::string> text, bool isDocument, const std::string& file, Report& report,
                  const CheckProgress& progress, std::size_t& frames);
 
 }  // namespace halvo

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 #include <vector>
 
 namespace halvo {
@@ -54,7 +56,13 @@ std::optional<NSError> writePng(const Bitmap& bitmap, const std::string& path) {
   std::ofstream stream(path, std::ios::binary | std::ios::trunc);
   stream.write(file.data(), static_cast<std::streamsize>(file.size()));
   stream.close();
-  if (!stream) return quellaro::posixError(errno != 0 ? errno : EIO);
+  if (!stream) {
+    const int error = errno != 0 ? errno : EIO;
+    // Half a picture is none; a device or a pipe is not ours to remove.
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored)) std::filesystem::remove(path, ignored);
+    return quellaro::posixError(error);
+  }
   return std::nullopt;
 }
 

@@ -16,9 +16,7 @@ using namespace quellaro;
 
 NSError errorIn(const std::string& path, const std::string& problem) { return {"halvo", 0, path + ": " + problem}; }
 
-}  // namespace
-
-Result<CueFiles> readPlayableCue(const std::string& directory) {
+Result<CueFiles> readFiles(const std::string& directory) {
   CueFiles files;
   for (const char* name : kCueFiles) {
     const std::string path = directory + "/" + name;
@@ -28,10 +26,18 @@ Result<CueFiles> readPlayableCue(const std::string& directory) {
     if (bytes->empty()) return errorIn(path, "it is empty, which a device takes for missing");
     files[name] = std::move(*bytes);
   }
+  return files;
+}
+
+}  // namespace
+
+// Read twice, so that what is published and what is checked do not take memory at the same time.
+Result<CueFiles> readPlayableCue(const std::string& directory) {
+  if (const auto files = readFiles(directory); !files) return files.error();
   Report report;
   checkSource(directory, report, {});
   // The most severe is the first.
-  if (report.count(Severity::Error) == 0) return files;
+  if (report.count(Severity::Error) == 0) return readFiles(directory);
   const Finding& first = report.groups().front()->first;
   return errorIn(directory + "/" + placeOf(first), first.what);
 }

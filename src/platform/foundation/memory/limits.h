@@ -9,6 +9,13 @@ namespace quellaro::limits {
 // A file that is read whole. The heaviest honest file is animation.json: 1200 frames of 34 KB are 40 MB.
 inline constexpr std::size_t kFileBytes = std::size_t{256} << 20;
 
+// What one cue's animation holds altogether: within these, preparing, checking and publishing it take less than 256 MB
+// each. The heaviest honest cue has 41 MB, 88,000 elements with four attributes each, and three million points.
+inline constexpr std::size_t kCueBytes = std::size_t{48} << 20;
+inline constexpr std::size_t kCueElements = 140'000;
+inline constexpr std::size_t kCueAttributes = 600'000;
+inline constexpr std::size_t kCuePoints = std::size_t{4} << 20;
+
 // Of one cue: an hour at 27 frames a second. A frame takes some hundreds of bytes however short its text is.
 inline constexpr std::size_t kFrames = 100'000;
 
@@ -30,7 +37,7 @@ inline constexpr std::size_t kConnectionBytes = 2 * kResponseBytes;
 
 // Of one outline; what follows in its text is not read. Two characters can make a point of sixteen bytes; an honest
 // outline has tens of thousands.
-inline constexpr std::size_t kPathPoints = std::size_t{8} << 20;
+inline constexpr std::size_t kPathPoints = std::size_t{1} << 20;
 
 // A sound file, read while it plays. 16 MB are 17 minutes at 128 kbit/s; a cue's sound takes 50 KB.
 inline constexpr std::size_t kSoundFileBytes = std::size_t{16} << 20;

@@ -70,6 +70,7 @@ bool NSXMLParser::startTag() {
   ++elements_;
   if (delegate_ != nullptr)
     delegate_->parserDidStartElement(tag, XMLAttributes(arena_.keep(std::span<const XMLAttribute>(attributes_))));
+  if (aborted_) return fail("nobody wants to hear more");
   if (!isEmpty)
     open_.push_back(tag);
   else if (delegate_ != nullptr)

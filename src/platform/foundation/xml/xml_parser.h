@@ -46,6 +46,8 @@ class NSXMLParser {
   void setDelegate(NSXMLParserDelegate* delegate) { delegate_ = delegate; }
   // Once per parser. Gives whether the document is well-formed.
   bool parse();
+  // For the delegate: reads no further than the start tag that it hears of.
+  void abortParsing() { aborted_ = true; }
   // Why the parse ended early.
   const std::optional<XMLError>& parserError() const { return error_; }
 
@@ -98,6 +100,7 @@ class NSXMLParser {
   std::string decoded_;
   std::size_t elements_ = 0;
   bool typeSeen_ = false;
+  bool aborted_ = false;
   struct Entity {
     std::string_view name;
     std::optional<std::string> text;  // absent: not one to be replaced
