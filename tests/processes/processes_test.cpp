@@ -52,6 +52,8 @@ class Processes : public LibraryFixture {
       const bool accepts = requests_++ % 3 != 1;
       for (std::size_t at = 0; accepts && (at = request.body.find("\"total\":", at)) != std::string::npos; ++at)
         delivered_ += std::atoi(request.body.c_str() + at + 8);
+      // Long enough for others to come by meanwhile.
+      connection.pause(0.1);
       connection.answer(accepts ? R"({"status":1})" : R"({"status":0})");
     } else if (request.path == "/version_config.json") {
       connection.answer(versionConfig("7"));
