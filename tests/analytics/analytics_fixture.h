@@ -104,7 +104,8 @@ class AnalyticsFixture : public LibraryFixture {
   static long long playsIn(const std::filesystem::path& path) {
     long long plays = 0;
     if (!std::filesystem::exists(path)) return 0;
-    for (const MixpanelAggregatedCueEvent& event : *decodeAggregatedCueEvents(readFile(path)))
+    const auto events = decodeAggregatedCueEvents(readFile(path));
+    for (const MixpanelAggregatedCueEvent& event : *events)
       plays += event.properties.totalCount;
     return plays;
   }
