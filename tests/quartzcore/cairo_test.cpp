@@ -86,6 +86,7 @@ TEST(BesideCairo, SpecialShapes) {
   }
 }
 
+// No two random numbers in one call: compilers evaluate arguments in orders of their own.
 class RandomTree {
  public:
   explicit RandomTree(std::uint32_t seed) : random_(seed) {}
@@ -93,7 +94,8 @@ class RandomTree {
   std::shared_ptr<CALayer> layer(int depth) {
     std::shared_ptr<CALayer> made = below(5) == 0 ? plain() : shape();
     if (below(2) == 0) {
-      CATransform3D t = CATransform3DTranslate(CATransform3DIdentity, between(-15, 15), between(-15, 15), 0);
+      const double down = between(-15, 15);
+      CATransform3D t = CATransform3DTranslate(CATransform3DIdentity, between(-15, 15), down, 0);
       t = CATransform3DRotateZ(t, between(0, 2 * std::numbers::pi));
       // Even, because cairo holds the miter limit against the bent angle.
       const double scale = between(0.2, 1.6);
@@ -125,9 +127,12 @@ class RandomTree {
       path->moveTo(point());
       for (int i = 2 + below(5); i > 0; --i) {
         const int kind = below(3);
-        if (kind == 0) path->lineTo(point());
-        if (kind == 1) path->quadTo(point(), point());
-        if (kind == 2) path->cubicTo(point(), point(), point());
+        const CGPoint end = point();
+        if (kind == 0) path->lineTo(end);
+        if (kind == 1) path->quadTo(point(), end);
+        if (kind != 2) continue;
+        const CGPoint second = point();
+        path->cubicTo(point(), second, end);
       }
       if (below(2) == 0) path->close();
     }
