@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "analytics/analytics_manager.h"
-#include "assets/utility.h"
+#include "assets/halvo_utility.h"
 #include "platform/foundation/application.h"
-#include "platform/foundation/file_manager.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace {
 

@@ -15,10 +15,10 @@
 #include "animation/halvo_view.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
-#include "platform/foundation/file_manager.h"
+#include "platform/foundation/storage/file_manager.h"
 #include "platform/quartzcore/compositor.h"
+#include "play/window.h"
 #include "sound_start.h"
-#include "window.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/corehaptics/haptic_pattern.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quellaro;

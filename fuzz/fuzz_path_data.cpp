@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "platform/foundation/console.h"
-#include "svg/path.h"
+#include "svg/path_data.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quellaro;

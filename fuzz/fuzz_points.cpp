@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/foundation/numbers.h"
-#include "svg/color.h"
+#include "platform/foundation/text/numbers.h"
+#include "svg/hex_color.h"
 #include "svg/shapes.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

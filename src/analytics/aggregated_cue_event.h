@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "platform/foundation/date.h"
-#include "platform/foundation/json_decoder.h"
-#include "platform/foundation/json_writer.h"
+#include "platform/foundation/json/json_decoder.h"
+#include "platform/foundation/json/json_writer.h"
 #include "types/component_status.h"
 #include "types/halvo_enums.h"
 #include "types/merchant.h"

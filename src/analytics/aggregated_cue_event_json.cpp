@@ -3,7 +3,7 @@
 
 #include "analytics/aggregated_cue_event.h"
 #include "analytics/cue_event_keys.h"
-#include "platform/foundation/json_reader.h"
+#include "platform/foundation/json/json_reader.h"
 
 namespace quellaro {
 

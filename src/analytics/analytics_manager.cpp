@@ -1,10 +1,12 @@
 #include "analytics/analytics_manager.h"
 
+#include <functional>
+#include <new>
 #include <utility>
-#include <vector>
 
+#include "analytics/usage_recorder.h"
 #include "platform/foundation/application.h"
-#include "platform/foundation/utf8.h"
+#include "platform/foundation/text/utf8.h"
 
 namespace quellaro {
 
@@ -22,38 +24,24 @@ void MixpanelAnalyticsManager::recordPlay(const std::optional<std::string>& cueN
                                           std::int64_t animationOutcome, const HapticsAnalytics& haptics,
                                           std::int64_t soundOutcome, bool isMuted) {
   if (!config || !config->enabled.value_or(false)) return;
-  const CuePlay play{repairedUTF8(cueName.value_or("")),
-                     repairedUTF8(cueVersion.value_or("")),
-                     type,
-                     animationOutcome,
-                     soundOutcome,
-                     haptics,
-                     isMuted};
-  serialAccessQueue->sync([&] {
-    if (!config || !environment) return;
-    const MixpanelAnalyticsData store(*config, *environment, service_);
-    UsageLedger::forLibrary()->perform(
-        [self = shared_from_this(), store, play](LedgerTurn turn) { return self->record(store, play, turn); });
-  });
-}
-
-std::optional<PendingUpload> MixpanelAnalyticsManager::record(const MixpanelAnalyticsData& store, const CuePlay& play,
-                                                              LedgerTurn turn) {
-  if (turn == LedgerTurn::AtOnce) {
-    std::vector<MixpanelAggregatedCueEvent> failed =
-        MixpanelAnalyticsData::readEvents(MixpanelAnalyticsData::kFailedFile);
-    if (!failed.empty())
-      return store.resendFailedEvents(
-          std::move(failed), [self = shared_from_this(), store, play](bool) { return self->count(store, play); });
-  }
-  return count(store, play);
-}
-
-// For the merchant that is set when it comes to it.
-std::optional<PendingUpload> MixpanelAnalyticsManager::count(const MixpanelAnalyticsData& store,
-                                                             const CuePlay& play) const {
-  if (!merchant || play.cueName.empty() || play.cueVersion.empty()) return std::nullopt;
-  return store.recordPlay(merchant, play);
+  const auto work = [&]() noexcept {
+    try {
+      if (!config || !environment) return;
+      CuePlay play{repairedUTF8(cueName.value_or("")),
+                   repairedUTF8(cueVersion.value_or("")),
+                   type,
+                   animationOutcome,
+                   soundOutcome,
+                   haptics,
+                   isMuted};
+      UsageRecorder::forLibrary().record(
+          {std::make_shared<const MixpanelAnalyticsData>(*config, *environment, service_), std::move(play),
+           shared_from_this()});
+    } catch (const std::bad_alloc&) {
+      return;
+    }
+  };
+  serialAccessQueue->sync(std::ref(work));
 }
 
 }  // namespace quellaro

@@ -5,11 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "analytics/analytics_data.h"
 #include "analytics/analytics_managing.h"
-#include "analytics/cue_play.h"
 #include "analytics/service_provider.h"
-#include "analytics/usage_ledger.h"
 #include "platform/dispatch/serial_queue.h"
 
 namespace quellaro {
@@ -22,7 +19,8 @@ class MixpanelAnalyticsManager final : public AnalyticsManaging,
  public:
   static std::shared_ptr<MixpanelAnalyticsManager> make(MixpanelAnalyticsServiceProvider service = {});
 
-  // Any thread but that of work on the queue. Malformed UTF-8 becomes U+FFFD.
+  // Any thread but that of work on the queue. Malformed UTF-8 becomes U+FFFD. Never throws: a play that there is no
+  // memory to remember is not counted.
   void recordPlay(const std::optional<std::string>& cueName, const std::optional<std::string>& cueVersion,
                   QLHalvoType type, std::int64_t animationOutcome, const HapticsAnalytics& haptics,
                   std::int64_t soundOutcome, bool isMuted) override;
@@ -31,9 +29,6 @@ class MixpanelAnalyticsManager final : public AnalyticsManaging,
 
  private:
   explicit MixpanelAnalyticsManager(MixpanelAnalyticsServiceProvider service);
-
-  std::optional<PendingUpload> record(const MixpanelAnalyticsData& store, const CuePlay& play, LedgerTurn turn);
-  std::optional<PendingUpload> count(const MixpanelAnalyticsData& store, const CuePlay& play) const;
 
   MixpanelAnalyticsServiceProvider service_;
 };

@@ -3,9 +3,9 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/foundation/json_decoder.h"
-#include "platform/foundation/json_reader.h"
-#include "platform/foundation/json_writer.h"
+#include "platform/foundation/json/json_decoder.h"
+#include "platform/foundation/json/json_reader.h"
+#include "platform/foundation/json/json_writer.h"
 
 namespace quellaro {
 

@@ -1,8 +1,13 @@
 #include "analytics/network_cue_event.h"
 
+#include <array>
+#include <cinttypes>
+#include <cmath>
+#include <cstdio>
+
 #include "analytics/cue_event_keys.h"
 #include "platform/foundation/application.h"
-#include "platform/foundation/date_formatter.h"
+#include "platform/foundation/calendar.h"
 #include "platform/foundation/uuid.h"
 
 namespace quellaro {
@@ -67,8 +72,23 @@ void writeCounts(const MixpanelAggregatedCueEventProperties& counts, JSONWriter&
 }  // namespace
 
 std::string networkTimeText(NSDate date) {
-  static const NSDateFormatter formatter("yyyy-MM-dd'T'HH:mm:ss:SSS'Z'");
-  return formatter.stringFromDate(date);
+  // The double nearest to 42 ms may lie just below it. A microsecond is the finest that today's dates resolve, so
+  // rounding to that finds what was meant before anything is cut off.
+  const double seconds = date.timeIntervalSince1970();
+  double whole = std::floor(seconds);
+  double microseconds = std::round((seconds - whole) * 1e6);
+  if (microseconds >= 1e6) {
+    whole += 1;
+    microseconds = 0;
+  }
+  const int millisecond = std::isfinite(microseconds) ? static_cast<int>(microseconds / 1000) : 0;
+  const NSDateComponents fields = NSCalendar::componentsInUTC(NSDate::withTimeIntervalSince1970(whole));
+  // Counted within its era: the year 0 is the first before the common era.
+  const std::int64_t year = fields.year > 0 ? fields.year : 1 - fields.year;
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%04" PRId64 "-%02d-%02dT%02d:%02d:%02d:%03dZ", year, fields.month,
+                fields.day, fields.hour, fields.minute, fields.second, millisecond);
+  return text.data();
 }
 
 void MixpanelNetworkAggregatedCueEvent::writeJSON(JSONWriter& writer) const {

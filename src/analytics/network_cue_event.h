@@ -6,7 +6,7 @@
 
 #include "analytics/aggregated_cue_event.h"
 #include "platform/foundation/date.h"
-#include "platform/foundation/json_writer.h"
+#include "platform/foundation/json/json_writer.h"
 #include "types/halvo_enums.h"
 
 namespace quellaro {
@@ -31,7 +31,8 @@ struct MixpanelNetworkAggregatedCueEvent {
   void writeJSON(JSONWriter& writer) const;
 };
 
-// "yyyy-MM-dd'T'HH:mm:ss:SSS'Z'" in UTC: a colon stands before the milliseconds. Any thread.
+// "yyyy-MM-dd'T'HH:mm:ss:SSS'Z'" in UTC: a colon stands before the milliseconds. Fields are cut off, not rounded: 42.9
+// ms are 042. Any thread.
 std::string networkTimeText(NSDate date);
 
 }  // namespace quellaro

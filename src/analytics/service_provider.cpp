@@ -1,11 +1,12 @@
 #include "analytics/service_provider.h"
 
+#include <new>
 #include <utility>
 
 #include "assets/http_manager.h"
 #include "platform/foundation/application.h"
-#include "platform/foundation/json_writer.h"
-#include "platform/foundation/user_defaults.h"
+#include "platform/foundation/json/json_writer.h"
+#include "platform/foundation/storage/user_defaults.h"
 #include "platform/foundation/uuid.h"
 
 namespace quellaro {
@@ -14,23 +15,29 @@ namespace {
 
 std::string distinctIdKey() { return applicationIdentifier().value_or("") + ".mixpanel.distinctID"; }
 
+// What an answer says; nothing when it is none of the service's. Memory that is short is asked for twice: records that
+// have been accepted are not to be sent again.
+std::optional<MixpanelAPIResponse> decoded(const std::string& data) {
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    try {
+      Result<MixpanelAPIResponse> response = MixpanelAPIResponse::decode(data);
+      return response ? std::optional(std::move(*response)) : std::nullopt;
+    } catch (const std::bad_alloc&) {
+      continue;
+    }
+  }
+  return std::nullopt;
+}
+
 // What an answer, or the lack of one, means.
-void tellOutcome(std::optional<std::string> data, std::optional<NSError> transportError,
+void tellOutcome(const std::optional<std::string>& data, std::optional<NSError> transportError,
                  const MixpanelAnalyticsServiceProvider::Completion& completion) {
+  std::optional<MixpanelAPIResponse> response = data ? decoded(*data) : std::nullopt;
   std::optional<UploadError> error;
-  if (transportError) error = std::move(*transportError);
-  if (!data) {
-    completion(false, std::move(error));
-    return;
-  }
-  const Result<MixpanelAPIResponse> response = MixpanelAPIResponse::decode(std::move(*data));
-  if (!response) {
-    completion(false, std::move(error));
-    return;
-  }
-  error.reset();
-  if (!response->errorMessage.value_or("").empty()) error = MixpanelAPIError{*response->errorMessage};
-  completion(response->status == MixpanelAPIResponse::kAccepted, std::move(error));
+  if (!response && transportError) error = std::move(*transportError);
+  if (response && response->errorMessage && !response->errorMessage->empty())
+    error = MixpanelAPIError{std::move(*response->errorMessage)};
+  completion(response && response->status == MixpanelAPIResponse::kAccepted, std::move(error));
 }
 
 }  // namespace
@@ -48,9 +55,9 @@ bool MixpanelAnalyticsServiceProvider::sendEvents(const std::vector<MixpanelAggr
   const std::optional<NSURL> address = url ? NSURL::fromString(*url) : std::nullopt;
   if (!address || !body) return false;
   request_(*address, std::move(*body),
-           [completion = std::move(completion)](std::optional<std::string> data,
+           [completion = std::move(completion)](const std::optional<std::string>& data,
                                                 const std::optional<NSHTTPURLResponse>&, std::optional<NSError> error) {
-             tellOutcome(std::move(data), std::move(error), completion);
+             tellOutcome(data, std::move(error), completion);
            });
   return true;
 }

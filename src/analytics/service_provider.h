@@ -8,8 +8,8 @@
 #include "analytics/aggregated_cue_event.h"
 #include "analytics/api_response.h"
 #include "analytics/network_cue_event.h"
-#include "platform/foundation/url.h"
-#include "platform/foundation/url_session.h"
+#include "platform/foundation/network/url.h"
+#include "platform/foundation/network/url_session.h"
 #include "types/halvo_enums.h"
 
 namespace quellaro {

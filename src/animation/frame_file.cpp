@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/json_reader.h"
-#include "platform/foundation/limits.h"
-#include "platform/foundation/shared_object.h"
+#include "platform/foundation/json/json_reader.h"
+#include "platform/foundation/memory/limits.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace quellaro {
 
@@ -27,7 +26,7 @@ Result<FrameTexts> decodeFrames(std::string bytes) {
 }
 
 std::vector<std::shared_ptr<const SVGDocument>> parseFrames(FrameTexts frames) {
-  const auto arena = makeSharedObject<Arena>(std::move(frames.spent));
+  const auto arena = std::make_shared<Arena>(std::move(frames.spent));
   std::vector<std::shared_ptr<const SVGDocument>> documents;
   documents.reserve(frames.texts.size());
   for (const std::string_view text : frames.texts) documents.push_back(SVGDocument::parse(text, frames.storage, arena));

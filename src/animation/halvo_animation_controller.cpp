@@ -5,9 +5,9 @@
 
 #include "animation/frame_file.h"
 #include "animation/halvo_view.h"
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "platform/foundation/console.h"
-#include "platform/foundation/file_manager.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace quellaro {
 

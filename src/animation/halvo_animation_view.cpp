@@ -6,8 +6,7 @@
 #include "animation/halvo_layer.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
-#include "platform/foundation/numbers.h"
-#include "platform/foundation/shared_object.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace quellaro {
 
@@ -38,14 +37,14 @@ std::shared_ptr<QLHalvoAnimationView> QLHalvoAnimationView::initWithCoder(const 
   return frame ? initWithFrame(*frame) : nullptr;
 }
 
-std::shared_ptr<CALayer> QLHalvoAnimationView::layerClass() { return makeSharedObject<QLHalvoLayer>(); }
+std::shared_ptr<CALayer> QLHalvoAnimationView::layerClass() { return std::make_shared<QLHalvoLayer>(); }
 
 void QLHalvoAnimationView::playFrames(HalvoFrames frames, Callback completion) {
   if (frames.empty()) {
     if (completion) completion();
     return;
   }
-  const auto play = makeSharedObject<Play>();
+  const auto play = std::make_shared<Play>();
   play->frames = std::move(frames);
   play->completion = std::move(completion);
   play->view = std::static_pointer_cast<QLHalvoAnimationView>(shared_from_this());

@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "platform/uikit/view.h"
-#include "types/export.h"
 #include "types/halvo_enums.h"
 
 namespace quellaro {
@@ -12,7 +11,7 @@ class QLHalvoAnimationView;
 
 // The view that a host places on its screen and hands to the controller's play: a backdrop in one of two colours, and
 // above it the animation, square, centred and as large as fits. Main thread only.
-class QLHALVO_EXPORT QLHalvoView : public UIView {
+class QLHalvoView : public UIView {
  public:
   // init: an empty rectangle at the origin; whoever shows the view sets its frame.
   static std::shared_ptr<QLHalvoView> make() { return initWithFrame({}); }
@@ -35,8 +34,8 @@ class QLHALVO_EXPORT QLHalvoView : public UIView {
 
  private:
   explicit QLHalvoView(CGRect frame) : UIView(frame) {}
-  QLHALVO_HIDDEN void addBackdrop();
-  QLHALVO_HIDDEN void addAnimationView();
+  void addBackdrop();
+  void addAnimationView();
 
   // Width divided by height.
   const double animationViewAspectRatio_ = 1.0;

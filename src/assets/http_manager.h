@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/foundation/url_session.h"
+#include "platform/foundation/network/url_session.h"
 
 namespace quellaro {
 

@@ -2,8 +2,7 @@
 
 #include <utility>
 
-#include "platform/foundation/json_decoder.h"
-#include "platform/foundation/shared_object.h"
+#include "platform/foundation/json/json_decoder.h"
 
 namespace quellaro {
 
@@ -13,7 +12,7 @@ Result<std::shared_ptr<const QLHalvoSDKConfig>> decodeSDKConfig(std::string json
   JSONDecoder decoder(document->root());
   const JSONField root = JSONField::root(decoder);
 
-  auto config = makeSharedObject<QLHalvoSDKConfig>();
+  auto config = std::make_shared<QLHalvoSDKConfig>();
   config->totalFrames = root.required("totalFrames").wholeNumber();
   if (const JSONField prefix = root.optional("svgPreFix"); prefix.isPresent()) config->svgPreFix = prefix.string();
   config->soundFileName = root.required("soundFileName").string();

@@ -2,17 +2,17 @@
 
 #include <algorithm>
 #include <atomic>
+#include <new>
 #include <utility>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
+#include "assets/halvo_utility.h"
 #include "assets/http_manager.h"
-#include "assets/utility.h"
 #include "platform/dispatch/clock.h"
-#include "platform/foundation/bundle.h"
+#include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/shared_object.h"
-#include "platform/foundation/url.h"
+#include "platform/foundation/storage/bundle.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace quellaro {
 
@@ -43,17 +43,19 @@ std::optional<std::string> baseAddress() {
   return std::nullopt;
 }
 
-// What a process left behind that was killed in the middle of a write.
-void removeStrays(const std::string& directory) {
-  for (std::string& name : FileManager::contentsOfDirectoryAtPath(directory))
-    if (std::any_of(kCueFiles.begin(), kCueFiles.end(),
-                    [&](const char* file) { return FileManager::isUnfinishedWrite(name, file); }))
-      FileManager::removeItemAtPath(name.insert(0, directory + "/"));
-}
-
 bool isComplete(const std::string& directory) {
   return std::all_of(kCueFiles.begin(), kCueFiles.end(),
                      [&](const char* file) { return FileManager::fileExistsAtPath(directory + "/" + file); });
+}
+
+// What is left undone for want of memory is done by a later check.
+template <class Work>
+void unlessMemoryIsShort(const Work& work) {
+  try {
+    work();
+  } catch (const std::bad_alloc&) {
+    return;
+  }
 }
 
 std::string describeOptional(const std::optional<NSError>& error) {
@@ -67,47 +69,65 @@ std::shared_ptr<QLUpgradeController> QLUpgradeController::make() {
 }
 
 void QLUpgradeController::checkForUpgrade() {
+  unlessMemoryIsShort([this] { beginCheck(); });
+}
+
+void QLUpgradeController::beginCheck() {
   const std::optional<std::string> base = baseAddress();
   if (!base) return;
-  const auto check = makeSharedObject<Check>(
-      Check{.baseAddress = *base, .cue = preparingHalvoCue_.value_or(""), .stagingDirectory = {}, .source = {}});
-  const auto group = makeSharedObject<DispatchGroup>();
-  group->enter();
+  const auto check = std::make_shared<Check>();
+  check->baseAddress = *base;
+  check->cue = preparingHalvoCue_.value_or("");
   didRemoteUpgradeFound_ = false;
-  if (HalvoUtility::lastUpgradeTime() + kSecondsBetweenFetches < secondsSince1970())
-    fetchVersionConfig(check, group);
-  else
-    processLocalVersionConfig(check, group);
-  group->notify(MainQueue::shared(), [weak = weak_from_this(), check] {
-    const auto self = weak.lock();
-    if (self && self->canActivate(*check)) self->activateDownloadedAssets(*check);
-  });
+  CueSets::mend(check->cue);
+  if (HalvoUtility::lastUpgradeTime() + kSecondsBetweenFetches < secondsSince1970()) {
+    // The base is known to give an address.
+    fetch(*NSURL::fromString(check->baseAddress + "/" + kVersionConfigFile),
+          [this, check](std::optional<std::string> data, const std::optional<NSError>& error) {
+            receiveVersionConfig(check, std::move(data), error);
+          });
+  } else {
+    processLocalVersionConfig(check);
+  }
+}
+
+FileLock QLUpgradeController::beginReading(const std::string& cueName) {
+  // Where nothing is ever installed no file is made.
+  const std::optional<std::string> root = HalvoFileManager::activeRoot();
+  if (!root ||
+      (!NSBundle::library().objectForInfoDictionaryKey(kBaseAddressKey) && !FileManager::fileExistsAtPath(*root)))
+    return {};
+  std::optional<FileLock> lock = CueSets::lock(FileLock::Kind::Shared);
+  readSet_ = CueSets::identityOf(cueName);
+  readCue_ = cueName;
+  return lock ? std::move(*lock) : FileLock();
 }
 
 void QLUpgradeController::discardActiveCueAssets() {
   if (!preparingHalvoCue_) return;
   // A cue that can have no directory of its own has nothing to discard.
-  const std::optional<std::string> directory = HalvoFileManager::activeDirectory(*preparingHalvoCue_);
-  if (!directory) return;
+  if (!HalvoFileManager::activeDirectory(*preparingHalvoCue_)) return;
+  const std::optional<FileLock> lock = CueSets::lock(FileLock::Kind::Exclusive);
+  if (!lock || (readCue_ == *preparingHalvoCue_ && readSet_ != CueSets::identityOf(readCue_))) return;
   HalvoUtility::setCueVersion(*preparingHalvoCue_, "");
-  HalvoFileManager::removeDirectoryIfExists(*directory);
+  CueSets::discard(*preparingHalvoCue_);
 }
 
-void QLUpgradeController::fetchVersionConfig(const CheckPointer& check, const GroupPointer& group) {
-  const std::optional<NSURL> url = NSURL::fromString(check->baseAddress + "/" + kVersionConfigFile);
-  QLHalvoHttpManager::request(*url, "GET", std::nullopt, {}, nullptr,
-                              [weak = weak_from_this(), check, group](std::optional<std::string> data, const auto&,
-                                                                      const std::optional<NSError>& error) {
-                                if (const auto self = weak.lock())
-                                  self->receiveVersionConfig(check, group, std::move(data), error);
+// The receiver is called while this exists.
+void QLUpgradeController::fetch(const NSURL& url, Receiver receive) {
+  QLHalvoHttpManager::request(url, "GET", std::nullopt, {}, nullptr,
+                              [weak = weak_from_this(), receive = std::move(receive)](
+                                  std::optional<std::string> data, const auto&, const std::optional<NSError>& error) {
+                                const auto self = weak.lock();
+                                if (self) unlessMemoryIsShort([&] { receive(std::move(data), error); });
                               });
 }
 
-void QLUpgradeController::receiveVersionConfig(const CheckPointer& check, const GroupPointer& group,
-                                               std::optional<std::string> data, const std::optional<NSError>& error) {
+void QLUpgradeController::receiveVersionConfig(const CheckPointer& check, std::optional<std::string> data,
+                                               const std::optional<NSError>& error) {
   if (error || !data || data->empty()) {
     printLine("version config download failed due to " + describeOptional(error));
-    processLocalVersionConfig(check, group);
+    processLocalVersionConfig(check);
     return;
   }
   prepareDirectories(check->cue);
@@ -115,20 +135,19 @@ void QLUpgradeController::receiveVersionConfig(const CheckPointer& check, const 
   const std::optional<std::string> root = HalvoFileManager::activeRoot();
   if (!root || FileManager::writeAtomically(*data, *root + "/" + kVersionConfigFile)) {
     printLine("version config saving failed");
-    processLocalVersionConfig(check, group);
+    processLocalVersionConfig(check);
     return;
   }
-  processVersionConfig(std::move(*data), check, group);
+  processVersionConfig(std::move(*data), check);
 }
 
-void QLUpgradeController::processLocalVersionConfig(const CheckPointer& check, const GroupPointer& group) {
-  std::optional<std::string> json =
-      FileManager::contentsAtPath(HalvoFileManager::assetsDirectoryPath(std::nullopt) + "/" + kVersionConfigFile);
+void QLUpgradeController::processLocalVersionConfig(const CheckPointer& check) {
+  std::optional<std::string> json = HalvoFileManager::versionConfig();
   // Without a copy the check stays unfinished, and without a time stamp the next one asks the store again.
-  if (json) processVersionConfig(std::move(*json), check, group);
+  if (json) processVersionConfig(std::move(*json), check);
 }
 
-void QLUpgradeController::processVersionConfig(std::string json, const CheckPointer& check, const GroupPointer& group) {
+void QLUpgradeController::processVersionConfig(std::string json, const CheckPointer& check) {
   std::optional<Source> source;
   const Result<std::vector<QLHalvoVersionConfig>> entries = decodeVersionConfigs(std::move(json));
   if (entries) {
@@ -137,7 +156,8 @@ void QLUpgradeController::processVersionConfig(std::string json, const CheckPoin
   } else {
     printLine("Failed to load: " + entries.error().localizedDescription);
   }
-  startAssetDownload(source, check, group);
+  if (source) startAssetDownload(*source, check);
+  endPart(check);
   HalvoUtility::setLastUpgradeTime(secondsSince1970());
 }
 
@@ -167,66 +187,76 @@ void QLUpgradeController::prepareDirectories(const std::string& cue) {
   HalvoFileManager::createDirectoryIfNeeded(*root);
 }
 
-void QLUpgradeController::startAssetDownload(const std::optional<Source>& source, const CheckPointer& check,
-                                             const GroupPointer& group) {
-  // A cue that can have no directory of its own is not upgraded.
-  const std::optional<std::string> staging = HalvoFileManager::stagingDirectory(check->cue);
-  if (source && staging) {
-    prepareDirectories(check->cue);
-    check->source = *source;
-    check->stagingDirectory = *staging;
-    latestSources_[check->cue] = *source;
-    didRemoteUpgradeFound_ = true;
-    didAssetDownloadFailed_ = false;
-    printLine("New halvo update found download started");
-    for (const char* fileName : kCueFiles)
-      downloadAsset(check->baseAddress + "/" + source->filepath, fileName, check, group);
+void QLUpgradeController::startAssetDownload(const Source& source, const CheckPointer& check) {
+  {
+    // Not to be had: another process is stopped in the middle of an installation, and a later check comes.
+    const std::optional<FileLock> lock = CueSets::lock(FileLock::Kind::Exclusive);
+    if (!lock) return;
+    check->replacedVersion = HalvoUtility::cueVersion(check->cue);
+    if (check->replacedVersion == source.version) return;
+    // A cue that can have no directory of its own is not upgraded.
+    if (HalvoFileManager::stagingDirectory(check->cue)) prepareDirectories(check->cue);
+    check->staged = CueSets::stage(check->cue);
+    if (!check->staged) return;
   }
-  group->leave();
+  check->source = source;
+  latestSources_[check->cue] = source;
+  didRemoteUpgradeFound_ = true;
+  didAssetDownloadFailed_ = false;
+  printLine("New halvo update found download started");
+  for (const char* fileName : kCueFiles) downloadAsset(fileName, check);
 }
 
-void QLUpgradeController::downloadAsset(const std::string& cueAddress, const std::string& fileName,
-                                        const CheckPointer& check, const GroupPointer& group) {
-  const std::optional<NSURL> url = NSURL::fromString(cueAddress + "/" + fileName);
+void QLUpgradeController::downloadAsset(const std::string& fileName, const CheckPointer& check) {
+  const std::optional<NSURL> url =
+      NSURL::fromString(check->baseAddress + "/" + check->source.filepath + "/" + fileName);
   if (!url) {
     receiveAsset(fileName, std::nullopt, *check);
     return;
   }
-  group->enter();
-  QLHalvoHttpManager::request(*url, "GET", std::nullopt, {}, nullptr,
-                              [weak = weak_from_this(), fileName, check, group](const std::optional<std::string>& data,
-                                                                                const auto&, const auto& error) {
-                                if (const auto self = weak.lock())
-                                  self->receiveAsset(fileName, error ? std::nullopt : data, *check);
-                                group->leave();
-                              });
+  ++check->outstanding;
+  fetch(*url, [this, fileName, check](std::optional<std::string> data, const std::optional<NSError>& error) {
+    if (error) data.reset();
+    receiveAsset(fileName, std::move(data), *check);
+    endPart(check);
+  });
 }
 
-void QLUpgradeController::receiveAsset(const std::string& fileName, const std::optional<std::string>& data,
-                                       Check& check) {
-  // A later check may have begun to fetch other assets into the same directory: the two must not mix.
-  const bool isWanted = latestSources_[check.cue] == check.source;
-  if (isWanted && data && !data->empty() &&
-      !FileManager::writeAtomically(*data, check.stagingDirectory + "/" + fileName))
-    return;
+void QLUpgradeController::receiveAsset(const std::string& fileName, std::optional<std::string> data, Check& check) {
+  if (data && !data->empty() && !FileManager::writeAtomically(*data, check.staged->directory + "/" + fileName)) return;
   check.hasFailedFile = true;
-  if (isWanted) didAssetDownloadFailed_ = true;
+  if (latestSources_[check.cue] == check.source) didAssetDownloadFailed_ = true;
 }
 
-// Whether this check has collected all that it wanted, and nobody else has installed it in the meantime.
+void QLUpgradeController::endPart(const CheckPointer& check) {
+  if (--check->outstanding > 0) return;
+  MainQueue::shared().async([weak = weak_from_this(), check] {
+    unlessMemoryIsShort([&] {
+      const auto self = weak.lock();
+      if (self && self->canActivate(*check)) self->activateDownloadedAssets(*check);
+    });
+  });
+}
+
+// Whether this check has collected all that it wanted, and wants what is wanted still.
 bool QLUpgradeController::canActivate(const Check& check) const {
-  return didRemoteUpgradeFound_ && !didAssetDownloadFailed_ && !check.hasFailedFile &&
-         !check.stagingDirectory.empty() && latestSources_.at(check.cue) == check.source &&
-         isComplete(check.stagingDirectory);
+  return didRemoteUpgradeFound_ && !didAssetDownloadFailed_ && !check.hasFailedFile && check.staged &&
+         latestSources_.at(check.cue) == check.source && isComplete(check.staged->directory);
 }
 
-void QLUpgradeController::activateDownloadedAssets(const Check& check) {
-  const std::optional<std::string> active = HalvoFileManager::activeDirectory(check.cue);
-  if (!active) return;
-  removeStrays(check.stagingDirectory);
-  HalvoFileManager::removeDirectoryIfExists(*active);
-  HalvoFileManager::moveItem(check.stagingDirectory, *active);
-  HalvoUtility::setCueVersion(check.cue, check.source.version);
+void QLUpgradeController::activateDownloadedAssets(Check& check) {
+  const std::optional<FileLock> lock = CueSets::lock(FileLock::Kind::Exclusive);
+  if (!lock) return;
+  const std::string installed = HalvoUtility::cueVersion(check.cue);
+  // An empty version is that of a set that has been discarded.
+  if (installed == check.replacedVersion || installed.empty() || !CueSets::identityOf(check.cue)) {
+    CueSets::install(*check.staged, check.cue);
+    HalvoUtility::setCueVersion(check.cue, check.source.version);
+  } else {
+    // Another process was faster; with another version, if the store has moved on meanwhile.
+    HalvoFileManager::removeDirectoryIfExists(check.staged->directory);
+    if (installed != check.source.version) return;
+  }
   printLine("New halvo upgraded successfully");
   didRemoteUpgradeSuccessful_ = true;
 }

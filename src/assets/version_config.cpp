@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/foundation/json_decoder.h"
+#include "platform/foundation/json/json_decoder.h"
 
 namespace quellaro {
 

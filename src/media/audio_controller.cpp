@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "platform/avfoundation/audio_session.h"
 #include "platform/foundation/notification_center.h"
 #include "types/notifications.h"

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "media/haptics_feedback_error.h"
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/json_reader.h"
+#include "platform/foundation/json/json_reader.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace quellaro {
 

@@ -2,11 +2,10 @@
 
 #include <optional>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "media/haptic_pattern_file.h"
 #include "media/haptics_feedback_error.h"
 #include "platform/foundation/console.h"
-#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -79,7 +78,7 @@ void HapticsManager::prepare(const std::string& cueName, const HapticsStatusWrit
 }
 
 void HapticsManager::play(const HapticsStatusWriter& setStatus, const std::shared_ptr<DispatchGroup>& group) {
-  const auto outcome = makeSharedObject<PlayOutcome>(setStatus, group);
+  const auto outcome = std::make_shared<PlayOutcome>(setStatus, group);
   std::optional<NSError> error = hapticsEngine_->startAndReturnError();
   if (!error) {
     hapticsEngine_->notifyWhenPlayersFinished([outcome](const std::optional<NSError>& reason) {

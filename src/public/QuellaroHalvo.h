@@ -1,26 +1,28 @@
 #pragma once
 
-// Everything that a C++ host includes: #include <QuellaroHalvo/QuellaroHalvo.h>. All of it is in the namespace
-// quellaro. Hosts in C, and in languages that speak to C, include quellaro_halvo.h instead.
+// QuellaroHalvo in C++20: #include <QuellaroHalvo/QuellaroHalvo.h>. Everything is in the namespace quellaro, and all of
+// it is compiled with the host: what crosses into the shared object is the C interface (quellaro_halvo.h, whose
+// comments tell of threads, ownership and errors). So a host may be built by another compiler, with other settings of
+// the standard library or under a sanitizer, and goes on running with every later 1.x.
 //
-//   QLHalvoController            prepares a cue and plays it
-//   QLHalvoView                  where it is seen; Compositor and Bitmap draw it into memory
-//   QLHalvoSwiftUIView           the view, for a declarative interface
-//   QLHalvoMerchant              on whose behalf it plays
-//   QLHalvoStatus                every answer
-//   MainQueue                    where everything happens; a host runs it, or pumps it from a loop of its own
-//   QLAudioSessionDeactivated    told on NSNotificationCenter when a sound has ended
-//   quellaro_halvo_use_...       directories and devices, chosen before the first controller as hosts in C choose them
-#include "animation/halvo_swiftui_view.h"
-#include "animation/halvo_view.h"
-#include "platform/dispatch/main_queue.h"
-#include "platform/foundation/application.h"
-#include "platform/foundation/console.h"
-#include "platform/foundation/notification_center.h"
-#include "platform/quartzcore/compositor.h"
-#include "public/halvo_controller.h"
-#include "public/quellaro_halvo.h"
-#include "types/halvo_enums.h"
-#include "types/halvo_status.h"
-#include "types/merchant.h"
-#include "types/notifications.h"
+//   QLHalvoController          prepares a cue and plays it
+//   QLHalvoView                where it is seen; drawn into pixels of the host's
+//   QLHalvoSwiftUIView         the view, for a declarative interface
+//   QLHalvoMerchant            on whose behalf it plays
+//   QLHalvoStatus              every answer
+//   MainQueue                  where everything happens; a host runs it, or drains it from a loop of its own
+//   AudioSessionObservation    told when a sound has ended
+//   setConsoleSink             takes what the library prints
+//
+// Directories, the application's identifier and devices are chosen before the first controller, by the functions of C:
+// quellaro_halvo_set_library_directory and those beside it. Main thread only, but for what says otherwise.
+//
+// A call that gives a quellaro_halvo_result was refused when it is not quellaro_halvo_result_ok, and then calls
+// nothing. An exception that a function of the host throws ends in the library, with a line on standard error.
+
+#include <QuellaroHalvo/host_controller.h>
+#include <QuellaroHalvo/host_main_queue.h>
+#include <QuellaroHalvo/host_merchant.h>
+#include <QuellaroHalvo/host_types.h>
+#include <QuellaroHalvo/host_view.h>
+#include <QuellaroHalvo/quellaro_halvo.h>

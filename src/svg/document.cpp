@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/foundation/shared_object.h"
-#include "platform/foundation/xml_parser.h"
+#include "platform/foundation/xml/xml_parser.h"
 #include "svg/document_parser.h"
 #include "svg/parse_observer.h"
 
@@ -19,13 +18,13 @@ constexpr std::size_t kLargestBlock = 1 << 16;
 }  // namespace
 
 std::shared_ptr<SVGDocument> SVGDocument::parse(std::string text) {
-  const auto kept = makeSharedObject<const std::string>(std::move(text));
-  return parse(*kept, kept, makeSharedObject<Arena>(std::clamp(kept->size() / 8, kSmallestBlock, kLargestBlock)));
+  const auto kept = std::make_shared<const std::string>(std::move(text));
+  return parse(*kept, kept, std::make_shared<Arena>(std::clamp(kept->size() / 8, kSmallestBlock, kLargestBlock)));
 }
 
 std::shared_ptr<SVGDocument> SVGDocument::parse(std::string_view text, std::shared_ptr<const void> owner,
                                                 std::shared_ptr<Arena> arena, SVGParseObserver* observer) {
-  auto document = makeSharedObject<SVGDocument>();
+  auto document = std::make_shared<SVGDocument>();
   document->textOwner_ = std::move(owner);
   document->arena_ = std::move(arena);
   SVGDocumentParser delegate(document->arena_, observer);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/coregraphics/geometry.h"
-#include "platform/foundation/arena.h"
+#include "platform/foundation/memory/arena.h"
 #include "svg/element.h"
 
 namespace quellaro {

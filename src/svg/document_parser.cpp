@@ -3,9 +3,9 @@
 #include <memory>
 #include <utility>
 
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/text/numbers.h"
 #include "svg/inert_elements.h"
-#include "svg/path.h"
+#include "svg/path_data.h"
 #include "svg/shapes.h"
 
 namespace quellaro {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/coregraphics/geometry.h"
-#include "platform/foundation/xml_parser.h"
+#include "platform/foundation/xml/xml_parser.h"
 #include "svg/element.h"
 #include "svg/parse_observer.h"
 #include "svg/stack.h"

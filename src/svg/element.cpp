@@ -3,8 +3,8 @@
 #include <iterator>
 #include <utility>
 
-#include "platform/foundation/numbers.h"
-#include "svg/color.h"
+#include "platform/foundation/text/numbers.h"
+#include "svg/hex_color.h"
 #include "svg/transform_parser.h"
 
 namespace quellaro {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/coregraphics/color.h"
-#include "platform/foundation/xml_attributes.h"
+#include "platform/foundation/xml/xml_attributes.h"
 #include "platform/quartzcore/transform3d.h"
 #include "platform/uikit/bezier_path.h"
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "platform/coregraphics/path.h"
-#include "platform/foundation/xml_parser.h"
+#include "platform/foundation/xml/xml_parser.h"
 
 namespace quellaro {
 

@@ -3,9 +3,9 @@
 #include <array>
 #include <span>
 
-#include "platform/foundation/limits.h"
-#include "platform/foundation/numbers.h"
-#include "platform/foundation/scanner.h"
+#include "platform/foundation/memory/limits.h"
+#include "platform/foundation/text/numbers.h"
+#include "platform/foundation/text/scanner.h"
 
 namespace quellaro {
 

@@ -2,7 +2,7 @@
 
 #include <numbers>
 
-#include "platform/foundation/scanner.h"
+#include "platform/foundation/text/scanner.h"
 
 namespace quellaro {
 

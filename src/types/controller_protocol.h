@@ -4,10 +4,9 @@
 #include <memory>
 #include <string>
 
-#include "assets/sdk_config.h"
-
 namespace quellaro {
 
+struct QLHalvoSDKConfig;
 class QLHalvoView;
 
 using Callback = std::function<void()>;

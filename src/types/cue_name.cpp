@@ -1,6 +1,6 @@
 #include "types/cue_name.h"
 
-#include "platform/foundation/utf8.h"
+#include "platform/foundation/text/utf8.h"
 
 namespace quellaro {
 

@@ -1,7 +1,6 @@
 #include "types/halvo_status.h"
 
 #include <array>
-#include <string>
 
 namespace quellaro {
 
@@ -35,15 +34,6 @@ const Row* rowOf(std::int64_t rawValue) {
   return nullptr;
 }
 
-class Category final : public std::error_category {
- public:
-  const char* name() const noexcept override { return QLHalvoStatusDomain.data(); }
-  std::string message(int code) const override {
-    const Row* row = rowOf(code);
-    return row != nullptr ? row->description : "Unknown status " + std::to_string(code);
-  }
-};
-
 }  // namespace
 
 std::optional<QLHalvoStatus> halvoStatusFromRawValue(std::int64_t rawValue) {
@@ -60,17 +50,5 @@ std::string_view sentenceOf(QLHalvoStatus status) {
   const Row* row = rowOf(static_cast<std::int64_t>(status));
   return row != nullptr ? row->description : "Not a status of this library";
 }
-
-NSError errorOf(QLHalvoStatus status) {
-  const auto code = static_cast<std::int64_t>(status);
-  return {std::string(QLHalvoStatusDomain), code, halvoStatusCategory().message(static_cast<int>(code))};
-}
-
-const std::error_category& halvoStatusCategory() {
-  static const Category category;
-  return category;
-}
-
-std::error_code make_error_code(QLHalvoStatus status) { return {static_cast<int>(status), halvoStatusCategory()}; }
 
 }  // namespace quellaro

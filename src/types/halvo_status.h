@@ -3,15 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
-#include <system_error>
-
-#include "platform/foundation/error.h"
-#include "types/export.h"
 
 namespace quellaro {
 
-// What a prepare or a play has come to. It is also an error code of the standard library's, in the category named
-// QLHalvoStatusDomain; every value counts as an error there, so a host compares with the values it accepts.
+// What a prepare or a play has come to.
 enum class QLHalvoStatus : std::int64_t {
   // prepare: every required part is ready. play: every part has played.
   success = 800,
@@ -42,17 +37,9 @@ enum class QLHalvoStatus : std::int64_t {
 inline constexpr std::string_view QLHalvoStatusDomain = "QuellaroHalvo.QLHalvoStatus";
 
 // Nothing for a raw value that names no case.
-QLHALVO_EXPORT std::optional<QLHalvoStatus> halvoStatusFromRawValue(std::int64_t rawValue);
+std::optional<QLHalvoStatus> halvoStatusFromRawValue(std::int64_t rawValue);
 // The case as it is spelled above; "unknown" for a value that is none. Ended by a zero, as the sentence is.
-QLHALVO_EXPORT std::string_view nameOf(QLHalvoStatus status);
+std::string_view nameOf(QLHalvoStatus status);
 // A sentence for a person.
-QLHALVO_EXPORT std::string_view sentenceOf(QLHalvoStatus status);
-QLHALVO_EXPORT NSError errorOf(QLHalvoStatus status);
-
-QLHALVO_EXPORT const std::error_category& halvoStatusCategory();
-QLHALVO_EXPORT std::error_code make_error_code(QLHalvoStatus status);
-
+std::string_view sentenceOf(QLHalvoStatus status);
 }  // namespace quellaro
-
-template <>
-struct std::is_error_code_enum<quellaro::QLHalvoStatus> : std::true_type {};

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/foundation/json_decoder.h"
-#include "platform/foundation/json_writer.h"
-#include "platform/foundation/utf8.h"
+#include "platform/foundation/json/json_decoder.h"
+#include "platform/foundation/json/json_writer.h"
+#include "platform/foundation/text/utf8.h"
 
 namespace quellaro {
 

@@ -6,8 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "types/export.h"
-
 namespace quellaro {
 
 class JSONField;
@@ -25,9 +23,10 @@ class QLHalvoMerchant {
   // initWithMerchantName:countryCode:city:merchantCategoryCodes:merchantId:
   // Null when the name or the country code is empty or there is no category code. An id that is absent or empty is
   // derived from the name: blanks, "_" and "-" removed, then lower-cased. Malformed UTF-8 becomes U+FFFD.
-  QLHALVO_EXPORT static std::shared_ptr<const QLHalvoMerchant> make(
-      const std::string& merchantName, const std::string& countryCode, const std::optional<std::string>& city,
-      const std::vector<std::string>& merchantCategoryCodes, const std::optional<std::string>& merchantId);
+  static std::shared_ptr<const QLHalvoMerchant> make(const std::string& merchantName, const std::string& countryCode,
+                                                     const std::optional<std::string>& city,
+                                                     const std::vector<std::string>& merchantCategoryCodes,
+                                                     const std::optional<std::string>& merchantId);
 
   // The stored form: an object with the fields' names as keys, "city" only when there is one. Reading it checks and
   // derives nothing; what is wrong is left with the field's decoder.
@@ -35,9 +34,9 @@ class QLHalvoMerchant {
   void writeJSON(JSONWriter& writer) const;
 
   // description: id-name-["code", "code"]
-  QLHALVO_EXPORT std::string description() const;
+  std::string description() const;
   // hash: of id, country code and city; differs from process to process.
-  QLHALVO_EXPORT std::uint64_t hash() const;
+  std::uint64_t hash() const;
   // isEqual: merchants are equal when their hashes are.
   friend bool operator==(const QLHalvoMerchant& a, const QLHalvoMerchant& b) { return a.hash() == b.hash(); }
 

@@ -20,16 +20,17 @@ inline constexpr const char* kRefused = R"({"status":0,"error":"no"})";
 class FakeEndpoint {
  public:
   MixpanelAnalyticsServiceProvider service() {
-    return MixpanelAnalyticsServiceProvider([this](const NSURL&, const std::string&, URLSessionCompletion completion) {
+    return MixpanelAnalyticsServiceProvider([this](const NSURL&, std::string body, URLSessionCompletion completion) {
+      open_.push_back({std::move(body), std::move(completion)});
       ++sent;
-      open_.push_back(std::move(completion));
     });
   }
 
   std::size_t open() const { return open_.size(); }
+  const std::string& oldestBody() const { return open_.front().body; }
   // Answers the oldest open request, inside this call; nothing means a transport error.
   void answer(std::optional<std::string> data) {
-    const URLSessionCompletion completion = std::move(open_.front());
+    const URLSessionCompletion completion = std::move(open_.front().completion);
     open_.erase(open_.begin());
     std::optional<NSError> error;
     if (!data) error = NSError{"NSURLErrorDomain", -1004, "Could not connect to the server."};
@@ -39,7 +40,11 @@ class FakeEndpoint {
   int sent = 0;
 
  private:
-  std::vector<URLSessionCompletion> open_;
+  struct Request {
+    std::string body;
+    URLSessionCompletion completion;
+  };
+  std::vector<Request> open_;
 };
 
 // A Library of the test's own, a wall clock that it sets (noon of 15 February 2024, UTC, in a device in UTC) and an
@@ -92,7 +97,17 @@ class AnalyticsFixture : public LibraryFixture {
     return text;
   }
   std::string current() const { return summary(currentPath()); }
+  // What replaces the current file once that has been delivered.
+  std::string next() const { return summary(library() / "mixpanel-analytics-data-next.json"); }
   std::string failed() const { return summary(failedPath()); }
+  // Of all plays that a file has counted.
+  static long long playsIn(const std::filesystem::path& path) {
+    long long plays = 0;
+    if (!std::filesystem::exists(path)) return 0;
+    for (const MixpanelAggregatedCueEvent& event : *decodeAggregatedCueEvents(readFile(path)))
+      plays += event.properties.totalCount;
+    return plays;
+  }
 
   ManualClock wallClock_{kStart};
   FakeEndpoint endpoint_;

@@ -2,7 +2,7 @@
 
 #include "analytics/reporting_period.h"
 #include "analytics_fixture.h"
-#include "platform/foundation/bundle.h"
+#include "platform/foundation/storage/bundle.h"
 
 namespace quellaro {
 namespace {

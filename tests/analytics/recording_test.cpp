@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "analytics_fixture.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 
 namespace quellaro {
 namespace {
@@ -133,7 +133,7 @@ TEST_F(Recording, WithoutAUsableAddressNothingWaits) {
   EXPECT_EQ(endpoint_.sent, 1);
 }
 
-TEST_F(Recording, PlaysDuringAnUploadWaitInOrder) {
+TEST_F(Recording, PlaysDuringAnUploadCountForTheNextPeriod) {
   play("old");
   endPeriod();
   const auto second = newManager();
@@ -141,29 +141,35 @@ TEST_F(Recording, PlaysDuringAnUploadWaitInOrder) {
   play(*second, "b", "1");
   second->merchant = merchantNamed("Late");
   play(*second, "a", "1");
-  play("c");
+  play("a");
   EXPECT_EQ(current(), "old/shop:1");
-  EXPECT_EQ(endpoint_.sent, 1);
+  EXPECT_EQ(next(), "b/shop:1 a/late:1 a/shop:2") << "on disk before the answer is there";
+  play("a", "2");
+  endPeriod();
+  play("a", "2");
   endpoint_.answer(kRefused);
-  EXPECT_EQ(current(), "a/shop:1 b/late:1 a/late:1 c/shop:1") << "for the merchant of the moment when they are counted";
+  EXPECT_EQ(current(), "b/shop:1 a/late:1 a/shop:2 a/shop:1 a/shop:1")
+      << "nothing is added to another version or period";
+  EXPECT_EQ(next(), "absent");
   EXPECT_EQ(failed(), "old/shop:1");
-  EXPECT_EQ(endpoint_.sent, 1) << "the upload they waited for was their attempt";
+  EXPECT_EQ(endpoint_.sent, 1);
 }
 
-TEST_F(Recording, AWaitingPlayMayNeedAnUploadItself) {
+TEST_F(Recording, PlaysThatWaitForFailedRecordsAreCountedAtTheAnswer) {
   leaveFailedRecord();
-  play("new", "2");  // sends the failed record, then the period of the other version
-  play("new", "3");  // then the period of version 2
-  play("last", "1");
+  for (const char* version : {"2", "2", "1"}) play("new", version);
   EXPECT_EQ(endpoint_.open(), 1U);
   endpoint_.answer(kRefused);
-  EXPECT_EQ(current(), "new/shop:1");
-  endpoint_.answer(kAccepted);
-  EXPECT_EQ(current(), "new/shop:1");
+  EXPECT_EQ(current(), "new/shop:1") << "the version is over";
+  EXPECT_EQ(next(), "new/shop:2 new/shop:1");
+  play("last");
   EXPECT_EQ(endpoint_.open(), 1U);
   endpoint_.answer(kAccepted);
-  EXPECT_EQ(current(), "new/shop:1 last/shop:1");
-  EXPECT_EQ(failed(), "old/shop:1");
+  EXPECT_EQ(current(), "new/shop:2 new/shop:1");
+  EXPECT_EQ(endpoint_.open(), 1U) << "another attempt for the failed records, before the last play";
+  endpoint_.answer(kAccepted);
+  EXPECT_EQ(current(), "new/shop:2 new/shop:1 last/shop:1");
+  EXPECT_EQ(readFile(failedPath()), "[]");
 }
 
 TEST_F(Recording, APendingPlayKeepsItsManager) {

@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <regex>
 
 #include "analytics/api_response.h"
+#include "analytics/reporting_period.h"
 #include "analytics_fixture.h"
-#include "platform/foundation/user_defaults.h"
+#include "platform/foundation/storage/user_defaults.h"
 
 namespace quellaro {
 namespace {
@@ -55,6 +58,20 @@ TEST_F(Upload, TheBodyToTheLetter) {
   const std::string other = bodyOf(record(std::nullopt), QLHalvoEnvironment::primary);
   for (const char* part : {R"("token":"0f3c5a7e9b1d2f4a6c8e0b2d4f6a8c1e")", R"("city":null)", R"("applicationId":"")"})
     EXPECT_NE(other.find(part), std::string::npos) << part;
+}
+
+TEST_F(Upload, TimesHaveAColonBeforeTheirMilliseconds) {
+  const std::pair<double, const char*> cases[] = {
+      {1719828540.001, "2024-07-01T10:09:00:001Z"},     {1719828540.0429, "2024-07-01T10:09:00:042Z"},
+      {1719828540.9999997, "2024-07-01T10:09:01:000Z"}, {-0.25, "1969-12-31T23:59:59:750Z"},
+      {253402300800, "10000-01-01T00:00:00:000Z"},      {-62135596801, "0001-12-31T23:59:59:000Z"},
+  };
+  for (const auto& [seconds, text] : cases)
+    EXPECT_EQ(networkTimeText(NSDate::withTimeIntervalSince1970(seconds)), text) << seconds;
+  for (const double seconds : {1e300, -1e300, std::numeric_limits<double>::infinity(), std::nan("")}) {
+    EXPECT_TRUE(networkTimeText({seconds}).ends_with(":000Z"));
+    EXPECT_TRUE(isPeriodElapsed({seconds}, "M"));
+  }
 }
 
 TEST_F(Upload, TheDistinctIdIsMadeOnceForEachApplication) {

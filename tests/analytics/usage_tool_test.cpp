@@ -4,8 +4,8 @@
 
 #include "analytics_fixture.h"
 #include "drawing_commands/run_tool.h"
-#include "platform/foundation/json_reader.h"
-#include "platform/foundation/user_defaults.h"
+#include "platform/foundation/json/json_reader.h"
+#include "platform/foundation/storage/user_defaults.h"
 #include "support/scripted_server.h"
 
 namespace quellaro {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 #include "platform/quartzcore/shape_layer.h"
 
 namespace quellaro {

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
+#include "assets/halvo_utility.h"
 #include "assets/sdk_config.h"
-#include "assets/utility.h"
 #include "assets/version_config.h"
 #include "support/library_fixture.h"
 

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
+#include "assets/halvo_utility.h"
 #include "assets/upgrade_controller.h"
-#include "assets/utility.h"
 #include "platform/dispatch/manual_clock.h"
-#include "platform/foundation/bundle.h"
+#include "platform/foundation/storage/bundle.h"
 #include "support/library_fixture.h"
 #include "support/scripted_server.h"
 

@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "assets/upgrade_fixture.h"
+#include "support/hardship/failing_memory.h"
 
 namespace quellaro {
 namespace {
@@ -22,7 +25,7 @@ TEST_F(Upgrade, InstallsWhatTheStoreListsAndThenKeepsQuietForAWeek) {
   publish("7", "q/7");
   installActive("1");
   writeFile(staging() / "audio.mp3", "of an earlier attempt");
-  writeFile(staging() / "audio.mp3.4711-0.tmp", "of a process that was killed");
+  writeFile(staging() / "audio.mp3.4711-0.halvo-unfinished", "of a process that was killed");
   const auto controller = makeController();
   controller->checkForUpgrade();
   EXPECT_FALSE(controller->didRemoteUpgradeFound());
@@ -225,7 +228,7 @@ TEST_F(Upgrade, DiscardedAssetsComeAgainWhateverTheirVersion) {
 TEST_F(Upgrade, WhatHasArrivedWholeIsInstalledWhateverElseLiesThere) {
   publish("", "q/0");
   writeFile(staging() / "other.txt", "kept");
-  writeFile(staging() / "audio.mp3.77-0.tmp", "of a write that was killed");
+  writeFile(staging() / "audio.mp3.77-0.halvo-unfinished", "of a write that was killed");
   const auto controller = makeController();
   controller->checkForUpgrade();
   while (takePrinted().empty()) MainQueue::shared().drain();
@@ -283,6 +286,39 @@ TEST_F(Upgrade, ChecksThatOverlapNeverMixTheirFiles) {
   driver_.settle();
   EXPECT_EQ(filesOf(active() / "quellaro"), setOf("4"));
   EXPECT_EQ(HalvoUtility::cueVersion("quellaro"), "4");
+}
+
+// Every one when QUELLARO_SWEEP is set; otherwise some.
+TEST_F(Upgrade, WhicheverAllocationFailsThereIsASetToPlayAndTheNextCheckMendsTheRest) {
+  publish("2", "q/2");
+  const long stride = std::getenv("QUELLARO_SWEEP") != nullptr ? 1 : 17;
+  for (long n = 0;; n += stride) {
+    SCOPED_TRACE(n);
+    std::filesystem::remove_all(library());
+    installActive("1");
+    driver_.settle();
+    const auto controller = makeController();
+    FailingAllocation failing(n);
+    controller->checkForUpgrade();
+    try {
+      driver_.settle();
+    } catch (const std::bad_alloc&) {
+      // The queue's own, before it has begun anything.
+      driver_.settle();
+    }
+    const bool hasFailed = failing.end();
+    const auto files = filesOf(active() / "quellaro");
+    EXPECT_TRUE(files == setOf("1") || files == setOf("2"));
+    wall_.set(secondsSince1970() + 2 * kWeek);
+    check(*makeController());
+    EXPECT_EQ(filesOf(active() / "quellaro"), setOf("2"));
+    EXPECT_EQ(HalvoUtility::cueVersion("quellaro"), "2");
+    takePrinted();
+    ASSERT_FALSE(HasFailure());
+    if (hasFailed) continue;
+    EXPECT_GT(n, 100);
+    break;
+  }
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 #include "platform/avfoundation/audio_session.h"
 #include "platform/avfoundation/simulated_output.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 #include "support/main_queue_driver.h"
 #include "support/recording_output.h"
 #include "support/temporary_directory.h"

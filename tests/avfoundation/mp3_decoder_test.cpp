@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {

@@ -16,7 +16,7 @@
 #include "platform/avfoundation/mp3_decoder.h"
 #include "platform/avfoundation/pulse_cookie.h"
 #include "platform/dispatch/main_queue.h"
-#include "platform/foundation/file_descriptor.h"
+#include "platform/foundation/storage/file_descriptor.h"
 #include "support/pulse_server.h"
 
 namespace quellaro {

@@ -7,6 +7,7 @@
 #include "check/told.h"
 #include "drawing_commands/read_png.h"
 #include "drawing_commands/run_tool.h"
+#include "platform/foundation/json/json_reader.h"
 #include "quartzcore/pictures.h"
 #include "support/temporary_directory.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "drawing_commands/run_tool.h"
-#include "platform/foundation/json_reader.h"
+#include "platform/foundation/json/json_reader.h"
 
 namespace quellaro {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 
 namespace quellaro {
 namespace {

@@ -1,9 +1,11 @@
 // halvo frame and halvo bench, as somebody at a terminal uses them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "drawing_commands/read_png.h"
 #include "drawing_commands/run_tool.h"
-#include "platform/foundation/json_reader.h"
+#include "platform/foundation/json/json_reader.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/json_decoder.h"
-#include "platform/foundation/json_reader.h"
-#include "platform/foundation/json_writer.h"
-#include "platform/foundation/utf8.h"
+#include "platform/foundation/json/json_decoder.h"
+#include "platform/foundation/json/json_reader.h"
+#include "platform/foundation/json/json_writer.h"
+#include "platform/foundation/text/utf8.h"
 
 namespace quellaro {
 namespace {

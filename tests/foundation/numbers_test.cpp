@@ -1,4 +1,4 @@
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/text/numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <limits>
 #include <random>
 
-#include "platform/foundation/decimal_scan.h"
+#include "platform/foundation/text/decimal_scan.h"
 
 namespace quellaro {
 namespace {

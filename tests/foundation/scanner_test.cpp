@@ -1,4 +1,4 @@
-#include "platform/foundation/scanner.h"
+#include "platform/foundation/text/scanner.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/decimal_scan.h"
+#include "platform/foundation/text/decimal_scan.h"
 
 namespace quellaro {
 namespace {

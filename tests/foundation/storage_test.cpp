@@ -10,10 +10,10 @@
 #include <string>
 
 #include "platform/foundation/application.h"
-#include "platform/foundation/bundle.h"
-#include "platform/foundation/file_manager.h"
 #include "platform/foundation/notification_center.h"
-#include "platform/foundation/user_defaults.h"
+#include "platform/foundation/storage/bundle.h"
+#include "platform/foundation/storage/file_manager.h"
+#include "platform/foundation/storage/user_defaults.h"
 #include "support/main_queue_driver.h"
 #include "support/temporary_directory.h"
 

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/foundation/xml_parser.h"
+#include "platform/foundation/xml/xml_parser.h"
 
 // One document read by three parsers, each telling what it heard in the same words.
 namespace quellaro {

@@ -1,4 +1,4 @@
-#include "stage.h"
+#include "play/stage.h"
 
 #include <gtest/gtest.h>
 

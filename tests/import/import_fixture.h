@@ -10,7 +10,7 @@
 
 #include "check/told.h"
 #include "drawing_commands/run_tool.h"
-#include "platform/foundation/json_reader.h"
+#include "platform/foundation/json/json_reader.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {

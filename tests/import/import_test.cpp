@@ -3,7 +3,7 @@
 #include <unistd.h>
 
 #include "animation/frame_file.h"
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "import/import_fixture.h"
 
 namespace quellaro {

@@ -12,10 +12,10 @@
 #include <memory>
 #include <string>
 
-#include "frame_view.h"
 #include "import/art/import_frame.h"
+#include "picture/frame_view.h"
+#include "picture/png_writer.h"
 #include "platform/quartzcore/compositor.h"
-#include "png_writer.h"
 
 namespace {
 
@@ -45,7 +45,8 @@ std::unique_ptr<cairo_surface_t, Release> meantBy(const std::string& source, dou
   cairo_set_source_rgb(context.get(), 1, 1, 1);
   cairo_paint(context.get());
   const double scale = kSide / std::max(width, height);
-  const RsvgRectangle viewport{(kSide - width * scale) / 2, (kSide - height * scale) / 2, width * scale, height * scale};
+  const RsvgRectangle viewport{(kSide - width * scale) / 2, (kSide - height * scale) / 2, width * scale,
+                               height * scale};
   rsvg_handle_set_dpi(handle.get(), 96);
   rsvg_handle_render_document(handle.get(), context.get(), &viewport, nullptr);
   cairo_surface_flush(surface.get());
@@ -83,7 +84,8 @@ void compare(const std::string& path, const char* keep) {
     }
   std::string notes;
   for (const halvo::ArtNote& note : frame.notes)
-    notes += (notes.empty() ? "" : "; ") + note.element + ": " + note.what + (note.howFar.empty() ? "" : ", " + note.howFar);
+    notes +=
+        (notes.empty() ? "" : "; ") + note.element + ": " + note.what + (note.howFar.empty() ? "" : ", " + note.howFar);
   std::printf("%.4f\t%.4f\t%zu\t%zu\t%.2f\t%zu\t%s\t%s\n", sum / (3.0 * kSide * kSide), 100.0 * far / (kSide * kSide),
               source.size(), frame.document.size(), took, frame.points, notes.c_str(), path.c_str());
   if (!keep) return;

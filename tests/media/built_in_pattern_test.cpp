@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "media/haptic_pattern_file.h"
-#include "platform/foundation/json_decoder.h"
+#include "platform/foundation/json/json_decoder.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {

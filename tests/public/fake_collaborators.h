@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "controller/halvo_collaborators.h"
 #include "media/haptics_feedback_error.h"
-#include "public/halvo_collaborators.h"
 
 namespace quellaro {
 

@@ -1,4 +1,4 @@
-#include "public/halvo_controller.h"
+#include "controller/halvo_controller.h"
 
 #include <gtest/gtest.h>
 

@@ -3,10 +3,10 @@
 #include <functional>
 #include <vector>
 
+#include "controller/halvo_controller.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/application.h"
-#include "platform/foundation/bundle.h"
-#include "public/halvo_controller.h"
+#include "platform/foundation/storage/bundle.h"
 #include "support/pulse_server.h"
 
 namespace quellaro {

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "assets/version_config.h"
 #include "support/nginx_server.h"
 #include "support/temporary_directory.h"

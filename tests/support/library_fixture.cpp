@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/foundation/application.h"
-#include "platform/foundation/bundle.h"
 #include "platform/foundation/console.h"
+#include "platform/foundation/storage/bundle.h"
 
 namespace quellaro {
 

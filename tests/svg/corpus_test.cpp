@@ -5,9 +5,9 @@
 #include "platform/foundation/console.h"
 #include "platform/quartzcore/layer.h"
 #include "support/temporary_directory.h"
-#include "svg/color.h"
 #include "svg/document.h"
-#include "svg/path.h"
+#include "svg/hex_color.h"
+#include "svg/path_data.h"
 #include "svg/shapes.h"
 #include "svg/transform_parser.h"
 

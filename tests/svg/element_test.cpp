@@ -5,8 +5,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "svg/color.h"
 #include "svg/document.h"
+#include "svg/hex_color.h"
 #include "svg/outline_text.h"
 #include "svg/transform_parser.h"
 

@@ -4,7 +4,7 @@
 
 #include "platform/coregraphics/color.h"
 #include "platform/coregraphics/path.h"
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace quellaro {
 

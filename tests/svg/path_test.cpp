@@ -1,9 +1,9 @@
-#include "svg/path.h"
+#include "svg/path_data.h"
 
 #include <gtest/gtest.h>
 
 #include "platform/foundation/console.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 #include "svg/outline_text.h"
 
 namespace quellaro {

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/foundation/url_error.h"
-#include "platform/foundation/url_session.h"
+#include "platform/foundation/network/url_error.h"
+#include "platform/foundation/network/url_session.h"
 #include "support/main_queue_driver.h"
 
 namespace quellaro {

@@ -1,4 +1,4 @@
-#include "platform/foundation/url_session.h"
+#include "platform/foundation/network/url_session.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 #include "support/nginx_server.h"
 #include "support/scripted_server.h"
 #include "url_session/fetch.h"
@@ -166,6 +166,23 @@ TEST(URLSession, EveryWayAnAnswerCanGoWrongIsAnErrorWithACode) {
     EXPECT_EQ(answer.text(), c.text);
     EXPECT_LE(server.requests().size(), 21u);
   }
+}
+
+TEST(URLSession, CurlsNumbersMeanTheSameWhateverItsVersion) {
+  const std::pair<int, URLErrorCode> cases[] = {{1, URLErrorCode::UnsupportedURL},
+                                                {6, URLErrorCode::CannotFindHost},
+                                                {7, URLErrorCode::CannotConnectToHost},
+                                                {8, URLErrorCode::BadServerResponse},
+                                                {28, URLErrorCode::TimedOut},
+                                                {35, URLErrorCode::SecureConnectionFailed},
+                                                {56, URLErrorCode::NetworkConnectionLost},
+                                                {60, URLErrorCode::ServerCertificateUntrusted},
+                                                {63, URLErrorCode::DataLengthExceedsMaximum},
+                                                {97, URLErrorCode::CannotConnectToHost},
+                                                {100, URLErrorCode::DataLengthExceedsMaximum},
+                                                {101, URLErrorCode::SecureConnectionFailed},
+                                                {9999, URLErrorCode::Unknown}};
+  for (const auto& [result, code] : cases) EXPECT_EQ(urlErrorCodeOfCurl(result), code) << result;
 }
 
 TEST(URLSession, ASlowTransferThatIsAliveLivesOn) {

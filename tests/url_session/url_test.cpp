@@ -1,4 +1,4 @@
-#include "platform/foundation/url.h"
+#include "platform/foundation/network/url.h"
 
 #include <gtest/gtest.h>
 

@@ -6,9 +6,9 @@
 
 #include <cerrno>
 
-#include "platform/foundation/file_descriptor.h"
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
+#include "platform/foundation/storage/file_descriptor.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace halvo {
 

@@ -2,9 +2,9 @@
 #include <string>
 #include <string_view>
 
+#include "c_interface/quellaro_halvo.h"
 #include "commands.h"
 #include "options.h"
-#include "public/quellaro_halvo.h"
 
 namespace {
 

@@ -138,8 +138,12 @@ int usageError(std::string_view command, std::string_view message) {
   return kExitUsage;
 }
 
-int failure(std::string_view message) {
+void tell(std::string_view message) {
   std::fprintf(stderr, "halvo: %.*s\n", static_cast<int>(message.size()), message.data());
+}
+
+int failure(std::string_view message) {
+  tell(message);
   return kExitFailure;
 }
 

@@ -61,7 +61,9 @@ std::function<std::optional<std::string>(const std::string&)> setSize(Size& size
 
 // Says on standard error that the arguments are unusable, and gives the exit status for it.
 int usageError(std::string_view command, std::string_view message);
+// Says on standard error what a person should know, and goes on.
+void tell(std::string_view message);
 // Says on standard error what went wrong, and gives the exit status for it.
-int failure(std::string_view message);
+[[nodiscard]] int failure(std::string_view message);
 
 }  // namespace halvo

@@ -5,7 +5,6 @@
 #include "platform/avfoundation/fallback_output.h"
 #include "platform/avfoundation/pulse_output.h"
 #include "platform/avfoundation/simulated_output.h"
-#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -15,7 +14,7 @@ namespace {
 constexpr std::int64_t kBadParameter = -50;
 
 std::shared_ptr<AudioOutput> makeDefaultOutput() {
-  return makeSharedObject<FallbackOutput>(makeSharedObject<PulseOutput>(), makeSharedObject<SimulatedOutput>(0.0F));
+  return std::make_shared<FallbackOutput>(std::make_shared<PulseOutput>(), std::make_shared<SimulatedOutput>(0.0F));
 }
 
 }  // namespace

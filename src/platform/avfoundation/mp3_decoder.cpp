@@ -8,8 +8,8 @@
 #include <optional>
 #include <utility>
 
-#include "platform/foundation/file_descriptor.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
+#include "platform/foundation/storage/file_descriptor.h"
 
 namespace quellaro {
 

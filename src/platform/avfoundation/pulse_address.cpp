@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/avfoundation/pulse_configuration.h"
-#include "platform/foundation/file_manager.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace quellaro {
 

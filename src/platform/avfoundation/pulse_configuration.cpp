@@ -5,7 +5,7 @@
 #include <set>
 #include <vector>
 
-#include "platform/foundation/file_manager.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace quellaro {
 

@@ -4,7 +4,7 @@
 
 #include "platform/avfoundation/pulse_connection.h"
 #include "platform/avfoundation/pulse_playback.h"
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace quellaro {
 

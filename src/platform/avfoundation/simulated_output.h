@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/avfoundation/audio_output.h"
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace quellaro {
 

@@ -43,7 +43,7 @@ class GrowingArray {
   void reserve(std::size_t capacity) {
     if (capacity <= capacity_) return;
     auto larger = std::make_unique_for_overwrite<Value[]>(capacity);
-    std::copy_n(values_.get(), size_, larger.get());
+    std::ranges::copy(values(), larger.get());
     values_ = std::move(larger);
     capacity_ = static_cast<std::uint32_t>(capacity);
   }

@@ -7,7 +7,6 @@
 #include "platform/corehaptics/haptic_error.h"
 #include "platform/corehaptics/haptic_pattern_player.h"
 #include "platform/dispatch/main_queue.h"
-#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -20,7 +19,7 @@ constexpr std::size_t kLongestStretch = static_cast<std::size_t>(10 * HapticCurv
 
 std::shared_ptr<HapticActuator>& processActuator() {
   static std::shared_ptr<HapticActuator> actuator;
-  if (!actuator) actuator = makeSharedObject<EvdevActuator>(makeSharedObject<SystemInputDevices>());
+  if (!actuator) actuator = std::make_shared<EvdevActuator>(std::make_shared<SystemInputDevices>());
   return actuator;
 }
 
@@ -59,7 +58,7 @@ std::optional<NSError> CHHapticEngine::startAndReturnError() {
 
 Result<std::shared_ptr<CHHapticPatternPlayer>> CHHapticEngine::createPlayerWithPattern(
     std::shared_ptr<const CHHapticPattern> pattern) {
-  return makeSharedObject<CHHapticPatternPlayer>(weak_from_this(), std::move(pattern));
+  return std::make_shared<CHHapticPatternPlayer>(weak_from_this(), std::move(pattern));
 }
 
 std::optional<NSError> CHHapticEngine::play(std::shared_ptr<const CHHapticPattern> pattern) {

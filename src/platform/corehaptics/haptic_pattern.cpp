@@ -2,14 +2,13 @@
 
 #include "platform/corehaptics/pattern_reader.h"
 #include "platform/corehaptics/pattern_sampler.h"
-#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
 Result<std::shared_ptr<const CHHapticPattern>> CHHapticPattern::initWithDictionary(const JSONValue& dictionary) {
   const Result<HapticPatternContent> content = readHapticPattern(dictionary);
   if (!content) return content.error();
-  return makeSharedObject<const CHHapticPattern>(sampleHapticPattern(*content));
+  return std::make_shared<const CHHapticPattern>(sampleHapticPattern(*content));
 }
 
 }  // namespace quellaro

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/corehaptics/haptic_curve.h"
-#include "platform/foundation/json_reader.h"
+#include "platform/foundation/json/json_reader.h"
 
 namespace quellaro {
 

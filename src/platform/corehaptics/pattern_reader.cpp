@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "platform/corehaptics/haptic_error.h"
-#include "platform/foundation/json_decoder.h"
-#include "platform/foundation/limits.h"
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/json/json_decoder.h"
+#include "platform/foundation/memory/limits.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace quellaro {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/corehaptics/pattern_content.h"
-#include "platform/foundation/json_reader.h"
+#include "platform/foundation/json/json_reader.h"
 
 namespace quellaro {
 

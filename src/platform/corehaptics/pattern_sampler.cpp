@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "platform/corehaptics/control_track.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 
 namespace quellaro {
 

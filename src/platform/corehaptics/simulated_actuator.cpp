@@ -4,7 +4,6 @@
 
 #include "platform/corehaptics/haptic_error.h"
 #include "platform/dispatch/main_queue.h"
-#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -33,7 +32,7 @@ class RecordingSession final : public ActuatorSession {
 
 Result<std::unique_ptr<ActuatorSession>> SimulatedActuator::open() {
   if (!isPresent_) return hapticError(CHHapticErrorCode::notSupported, "There is no haptic actuator");
-  felt_ = makeSharedObject<std::vector<Felt>>();
+  felt_ = std::make_shared<std::vector<Felt>>();
   return std::unique_ptr<ActuatorSession>(std::make_unique<RecordingSession>(felt_));
 }
 

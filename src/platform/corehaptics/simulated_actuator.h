@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "platform/corehaptics/actuator.h"
-#include "platform/foundation/shared_object.h"
 
 namespace quellaro {
 
@@ -20,7 +19,7 @@ class SimulatedActuator final : public HapticActuator {
 
   // Absent: simulates hardware without haptics.
   explicit SimulatedActuator(bool isPresent = true)
-      : isPresent_(isPresent), felt_(makeSharedObject<std::vector<Felt>>()) {}
+      : isPresent_(isPresent), felt_(std::make_shared<std::vector<Felt>>()) {}
 
   bool isPresent() override { return isPresent_; }
   std::string description() override { return isPresent_ ? "simulated" : "simulated, absent"; }

@@ -24,7 +24,7 @@ using PendingActivity = std::shared_ptr<void>;
 // calls them (the main thread, by definition), first in first out. A host without a loop calls run(). A host with one
 // watches fileDescriptor(), wakes at nextDeadline() and then calls drain(). A host that does neither sees nothing
 // happen.
-class [[gnu::visibility("default")]] MainQueue {
+class MainQueue {
  public:
   static MainQueue& shared();
 
@@ -75,10 +75,10 @@ class [[gnu::visibility("default")]] MainQueue {
     }
   };
 
-  [[gnu::visibility("hidden")]] void wake();
-  [[gnu::visibility("hidden")]] void queueDueTimers();
+  void wake();
+  void queueDueTimers();
   // Puts work that has not run back in front of all other.
-  [[gnu::visibility("hidden")]] void requeue(std::deque<Work> & unfinished) noexcept;
+  void requeue(std::deque<Work>& unfinished) noexcept;
 
   mutable std::mutex mutex_;
   std::deque<Work> ready_;

@@ -11,19 +11,19 @@ namespace quellaro {
 
 // The application's bundle identifier; absent or empty means none. An identifier that could name another directory
 // (holding "/", ".." or a NUL, or being ".") is refused and nothing changes.
-[[gnu::visibility("default")]] std::optional<NSError> setApplicationIdentifier(std::optional<std::string> identifier);
-[[gnu::visibility("default")]] std::optional<std::string> applicationIdentifier();
+std::optional<NSError> setApplicationIdentifier(std::optional<std::string> identifier);
+std::optional<std::string> applicationIdentifier();
 
 // The directory that stands for the application's Library, made when it is missing; absent restores the search below.
-[[gnu::visibility("default")]] void setLibraryDirectory(std::optional<std::string> path);
+void setLibraryDirectory(std::optional<std::string> path);
 
 // The Library directory in the user domain, without a slash at the end: $XDG_DATA_HOME/<identifier>, where
 // XDG_DATA_HOME unset, empty or relative means ~/.local/share, and where an application without an identifier shares a
 // directory of this library's own. Nothing when there is no home either. The directory is made, for its owner only,
 // when it is missing.
-[[gnu::visibility("default")]] std::optional<std::string> NSSearchPathForLibraryDirectory();
+std::optional<std::string> NSSearchPathForLibraryDirectory();
 
 // The same path, without making anything: for those who only look.
-[[gnu::visibility("default")]] std::optional<std::string> libraryDirectoryPath();
+std::optional<std::string> libraryDirectoryPath();
 
 }  // namespace quellaro

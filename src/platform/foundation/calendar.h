@@ -14,8 +14,6 @@ struct NSDateComponents {
   int hour = 0;
   int minute = 0;
   int second = 0;
-
-  friend bool operator==(const NSDateComponents&, const NSDateComponents&) = default;
 };
 
 // Any thread. A date some 30 million years from here, or none at all (not a number), gives the fields of the last date

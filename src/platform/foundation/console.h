@@ -14,7 +14,7 @@ using ConsoleSink = std::function<void(std::string_view)>;
 void print(std::string_view text);
 
 // An empty sink restores standard output.
-[[gnu::visibility("default")]] void setConsoleSink(ConsoleSink sink);
+void setConsoleSink(ConsoleSink sink);
 
 // For what the platform itself has to say to whoever operates the machine: one line on standard error.
 void logToStandardError(std::string_view text);

@@ -15,7 +15,7 @@ struct NSError {
   friend bool operator==(const NSError&, const NSError&) = default;
 
   // Everything about the error in one line, as it is printed.
-  [[gnu::visibility("default")]] std::string description() const;
+  std::string description() const;
 };
 
 // With the operating system's own words for `errnoValue`.

@@ -10,7 +10,7 @@
 namespace quellaro {
 
 // Tells whoever asked that something has happened. Observers run inside post(), on the thread that posts. Any thread.
-class [[gnu::visibility("default")]] NSNotificationCenter {
+class NSNotificationCenter {
  public:
   using Observer = std::function<void(const std::string& name)>;
   using Token = std::uint64_t;

@@ -9,10 +9,10 @@ namespace quellaro {
 
 // Draws layer trees into memory, with the processor alone. Keeps its buffers from one picture to the next, so one that
 // is kept is faster than a new one for every picture. One thread at a time.
-class [[gnu::visibility("default")]] Compositor {
+class Compositor {
  public:
   Compositor();
-  Compositor(Compositor &&) noexcept;
+  Compositor(Compositor&&) noexcept;
   Compositor& operator=(Compositor&&) noexcept;
   ~Compositor();
 

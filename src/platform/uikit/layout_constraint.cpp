@@ -32,15 +32,6 @@ void NSLayoutConstraint::activateConstraints(const std::vector<std::shared_ptr<N
   for (const auto& constraint : constraints) constraint->setActive(true);
 }
 
-void NSLayoutConstraint::deactivateConstraints(const std::vector<std::shared_ptr<NSLayoutConstraint>>& constraints) {
-  for (const auto& constraint : constraints) constraint->setActive(false);
-}
-
-void NSLayoutConstraint::setConstant(double constant) {
-  constant_ = constant;
-  layoutHasChanged();
-}
-
 void NSLayoutConstraint::setPriority(UILayoutPriority priority) {
   priority_ = priority;
   layoutHasChanged();

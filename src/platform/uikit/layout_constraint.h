@@ -41,7 +41,6 @@ class NSLayoutConstraint : public std::enable_shared_from_this<NSLayoutConstrain
                                                                 double constant);
   // One after the other, in their order.
   static void activateConstraints(const std::vector<std::shared_ptr<NSLayoutConstraint>>& constraints);
-  static void deactivateConstraints(const std::vector<std::shared_ptr<NSLayoutConstraint>>& constraints);
 
   std::shared_ptr<UIView> firstItem() const { return firstItem_.lock(); }
   NSLayoutAttribute firstAttribute() const { return firstAttribute_; }
@@ -51,7 +50,6 @@ class NSLayoutConstraint : public std::enable_shared_from_this<NSLayoutConstrain
   NSLayoutAttribute secondAttribute() const { return secondAttribute_; }
   double multiplier() const { return multiplier_; }
   double constant() const { return constant_; }
-  void setConstant(double constant);
   // 1 to 1000; 1000 (as it starts) is required.
   UILayoutPriority priority() const { return priority_; }
   void setPriority(UILayoutPriority priority);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/foundation/shared_object.h"
 #include "platform/quartzcore/compositor.h"
 #include "platform/uikit/layout_engine.h"
 
@@ -14,7 +13,7 @@ UIView::UIView(CGRect frame, LayerClass makeLayer) : layer_(makeLayer()) {
   layer_->setPosition({frame.origin.x + frame.size.width * 0.5, frame.origin.y + frame.size.height * 0.5});
 }
 
-std::shared_ptr<CALayer> UIView::layerClass() { return makeSharedObject<CALayer>(); }
+std::shared_ptr<CALayer> UIView::layerClass() { return std::make_shared<CALayer>(); }
 
 std::shared_ptr<UIView> UIView::initWithFrame(CGRect frame) { return std::shared_ptr<UIView>(new UIView(frame)); }
 

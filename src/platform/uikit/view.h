@@ -20,7 +20,7 @@ struct Surface;
 
 // A rectangle of the screen with a layer that holds its picture, and views above it. A view is held by its superview
 // and by whoever shows it, always by a shared pointer. Main thread only.
-class [[gnu::visibility("default")]] UIView : public std::enable_shared_from_this<UIView> {
+class UIView : public std::enable_shared_from_this<UIView> {
  public:
   static std::shared_ptr<UIView> initWithFrame(CGRect frame);
   // Null when the archive holds no frame.
@@ -30,7 +30,7 @@ class [[gnu::visibility("default")]] UIView : public std::enable_shared_from_thi
   virtual ~UIView() = default;
 
   // Writes what initWithCoder reads.
-  void encodeWithCoder(NSCoder & coder) const;
+  void encodeWithCoder(NSCoder& coder) const;
 
   // Where the view lies in its superview.
   CGRect frame() const;
@@ -83,7 +83,7 @@ class [[gnu::visibility("default")]] UIView : public std::enable_shared_from_thi
   // take a note for later. A view that needs display already waits until it has been drawn. May be empty.
   void setNeedsDisplayHandler(std::function<void()> handler) { needsDisplayHandler_ = std::move(handler); }
   // Lays out and draws the view and all above it over what the surface shows, one point of the view to a pixel.
-  void display(Compositor & compositor, const Surface& surface);
+  void display(Compositor& compositor, const Surface& surface);
 
  protected:
   // The kind of layer that a class of views has; a subclass hands its own to the constructor.
@@ -95,11 +95,11 @@ class [[gnu::visibility("default")]] UIView : public std::enable_shared_from_thi
   friend class NSLayoutConstraint;
   friend class LayoutEngine;
 
-  [[gnu::visibility("hidden")]] void addConstraint(std::shared_ptr<NSLayoutConstraint> constraint);
-  [[gnu::visibility("hidden")]] void removeConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint);
-  [[gnu::visibility("hidden")]] UIView& topmost();
-  [[gnu::visibility("hidden")]] bool subtreeNeedsLayout() const;
-  [[gnu::visibility("hidden")]] void layoutSubtree();
+  void addConstraint(std::shared_ptr<NSLayoutConstraint> constraint);
+  void removeConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint);
+  UIView& topmost();
+  bool subtreeNeedsLayout() const;
+  void layoutSubtree();
 
   std::shared_ptr<CALayer> layer_;
   std::weak_ptr<UIView> superview_;

@@ -4,7 +4,7 @@
 #include <array>
 #include <iterator>
 
-#include "check/numbers.h"
+#include "check/number_reading.h"
 
 namespace halvo {
 

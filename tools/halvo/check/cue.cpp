@@ -5,15 +5,15 @@
 #include <cmath>
 #include <cstdio>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "check/frames.h"
 #include "check/haptics.h"
 #include "check/sound.h"
 #include "check/timing.h"
-#include "frame_source.h"
 #include "input.h"
+#include "picture/frame_source.h"
 #include "platform/foundation/console.h"
-#include "platform/foundation/file_manager.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace halvo {
 

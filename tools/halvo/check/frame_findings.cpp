@@ -5,7 +5,7 @@
 #include <functional>
 #include <utility>
 
-#include "platform/foundation/xml_parser.h"
+#include "platform/foundation/xml/xml_parser.h"
 
 namespace halvo {
 

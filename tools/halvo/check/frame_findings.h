@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "check/report.h"
-#include "platform/foundation/xml_attributes.h"
+#include "platform/foundation/xml/xml_attributes.h"
 #include "svg/element.h"
 
 namespace halvo {

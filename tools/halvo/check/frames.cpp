@@ -6,10 +6,10 @@
 
 #include "animation/frame_file.h"
 #include "check/budget.h"
-#include "check/document.h"
-#include "frame_source.h"
-#include "platform/foundation/json_reader.h"
-#include "platform/foundation/numbers.h"
+#include "check/document_check.h"
+#include "picture/frame_source.h"
+#include "platform/foundation/json/json_reader.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace halvo {
 

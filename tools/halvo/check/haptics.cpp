@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "platform/corehaptics/haptic_pattern.h"
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/json_reader.h"
+#include "platform/foundation/json/json_reader.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace halvo {
 

@@ -5,7 +5,7 @@
 
 #include "check/cue.h"
 #include "check/report.h"
-#include "platform/foundation/json_writer.h"
+#include "platform/foundation/json/json_writer.h"
 
 namespace halvo {
 

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <cstdio>
 
-#include "check/numbers.h"
+#include "check/number_reading.h"
 #include "check/outline.h"
-#include "svg/color.h"
+#include "svg/hex_color.h"
 
 namespace halvo {
 

@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "check/commas.h"
-#include "check/numbers.h"
+#include "check/number_reading.h"
 #include "check/standard_path.h"
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/text/numbers.h"
 #include "svg/parse_observer.h"
-#include "svg/path.h"
+#include "svg/path_data.h"
 
 namespace halvo {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "check/findings.h"
-#include "platform/foundation/utf8.h"
+#include "platform/foundation/text/utf8.h"
 
 namespace halvo {
 

@@ -4,10 +4,10 @@
 #include <array>
 #include <cmath>
 
-#include "check/geometry.h"
-#include "check/numbers.h"
-#include "frame_source.h"
-#include "platform/foundation/numbers.h"
+#include "check/geometry_check.h"
+#include "check/number_reading.h"
+#include "picture/frame_source.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace halvo {
 

@@ -4,10 +4,10 @@
 #include <cmath>
 #include <cstdint>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "check/budget.h"
 #include "platform/avfoundation/mp3_decoder.h"
-#include "platform/foundation/file_manager.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace halvo {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "check/numbers.h"
+#include "check/number_reading.h"
 
 namespace halvo {
 

@@ -4,10 +4,10 @@
 #include <array>
 #include <charconv>
 
-#include "assets/file_manager.h"
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/json_reader.h"
-#include "platform/foundation/numbers.h"
+#include "assets/halvo_file_manager.h"
+#include "platform/foundation/json/json_reader.h"
+#include "platform/foundation/storage/file_manager.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace halvo {
 

@@ -4,7 +4,7 @@
 #include "commands.h"
 #include "import/import_options.h"
 #include "options.h"
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace halvo {
 

@@ -12,9 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include "assets/file_manager.h"
-#include "platform/foundation/file_descriptor.h"
-#include "platform/foundation/file_manager.h"
+#include "assets/halvo_file_manager.h"
+#include "platform/foundation/storage/file_descriptor.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace halvo {
 

@@ -6,10 +6,10 @@
 
 #include "import/ordered_work.h"
 #include "input.h"
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/json_writer.h"
-#include "platform/foundation/limits.h"
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/json/json_writer.h"
+#include "platform/foundation/memory/limits.h"
+#include "platform/foundation/storage/file_manager.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace halvo {
 

@@ -1,7 +1,7 @@
 #include "import/haptics.h"
 
 #include "check/haptics.h"
-#include "platform/foundation/file_manager.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace halvo {
 

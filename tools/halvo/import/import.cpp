@@ -2,7 +2,7 @@
 #include <memory>
 #include <utility>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "check/output.h"
 #include "import/cue_directory.h"
 #include "import/frames.h"

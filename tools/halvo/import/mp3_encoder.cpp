@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
 
 namespace halvo {
 

@@ -6,14 +6,14 @@
 #include <utility>
 #include <vector>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "check/sound.h"
 #include "import/cue_directory.h"
 #include "import/fitted_sound.h"
 #include "import/mp3_encoder.h"
 #include "platform/avfoundation/mp3_decoder.h"
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace halvo {
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "platform/foundation/file_manager.h"
-#include "platform/foundation/limits.h"
+#include "platform/foundation/memory/limits.h"
+#include "platform/foundation/storage/file_manager.h"
 
 namespace halvo {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "assets/file_manager.h"
+#include "assets/halvo_file_manager.h"
 #include "check/cue.h"
 #include "import/sound_input.h"
-#include "platform/foundation/json_writer.h"
+#include "platform/foundation/json/json_writer.h"
 
 namespace halvo {
 

@@ -1,5 +1,9 @@
 #include "platform/quartzcore/raster/outline.h"
 
+#include <algorithm>
+
+#include "platform/quartzcore/raster/curve.h"
+
 namespace quellaro {
 
 std::optional<Box> pointBox(const CGPath& path) {
@@ -19,6 +23,30 @@ std::optional<Box> pointBox(const CGPath& path) {
   }
   if (std::isnan(notANumber)) return std::nullopt;
   return box;
+}
+
+bool isStar(const CGPath& path, const Box& box) {
+  const auto verbs = path.verbs();
+  const bool oneContour = std::none_of(verbs.begin() + 1, verbs.end(), [](PathVerb v) { return v == PathVerb::Move; });
+  const std::size_t closes = static_cast<std::size_t>(std::count(verbs.begin(), verbs.end(), PathVerb::Close));
+  if (!oneContour || closes > 1 || (closes == 1 && verbs.back() != PathVerb::Close)) return false;
+  const PathPoints points = path.points();
+  const CGPoint middle = midpoint({box.minX, box.minY}, {box.maxX, box.maxY});
+  const auto seen = [&](std::size_t i) { return CGPoint{points[i].x - middle.x, points[i].y - middle.y}; };
+  CGPoint before = seen(points.size() - 1);
+  bool left = false;
+  bool right = false;
+  int rounds = 0;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const CGPoint now = seen(i);
+    const double cross = before.x * now.y - before.y * now.x;
+    left = left || cross < 0 || (cross == 0 && before.x * now.x + before.y * now.y <= 0);
+    right = right || cross > 0 || (cross == 0 && before.x * now.x + before.y * now.y <= 0);
+    if (left && right) return false;
+    rounds += before.y < 0 && now.y >= 0 ? 1 : 0;
+    before = now;
+  }
+  return rounds == 1;
 }
 
 }  // namespace quellaro

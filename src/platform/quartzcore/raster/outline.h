@@ -11,6 +11,10 @@ namespace quellaro {
 // number. Coordinates are taken as far away at most.
 std::optional<Box> pointBox(const CGPath& path);
 
+// Whether the path is one contour that goes once around the middle of `box` without ever turning back, seen from there:
+// then it cannot cross itself. It is enough that control points do.
+bool isStar(const CGPath& path, const Box& box);
+
 // Calls the sink for each segment, with points mapped: move(to), line(to), cubic(control1, control2, to), close(). A
 // quadratic curve comes as the cubic that it is.
 template <class Sink>

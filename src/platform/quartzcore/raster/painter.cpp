@@ -65,7 +65,8 @@ double widthThatShows(double lineWidth, const Box& outline, const Box& visible) 
 }  // namespace
 
 template <class AddEdges>
-void Painter::paint(const Surface& surface, const Box& box, const CGColor& color, const AddEdges& addEdges) {
+void Painter::paint(const Surface& surface, const Box& box, bool simple, const CGColor& color,
+                    const AddEdges& addEdges) {
   const Paint paint = paintOf(color);
   PixelRect band = pixelsAround(box, surface);
   if (paint.alpha() == 0 || band.empty()) return;
@@ -73,7 +74,7 @@ void Painter::paint(const Surface& surface, const Box& box, const CGColor& color
   const int rows = std::max(1, static_cast<int>(kBandPixels / static_cast<std::size_t>(band.width())));
   for (; band.top < bottom; band.top = band.bottom) {
     band.bottom = std::min(bottom, band.top + rows);
-    rasterizer_.begin(band);
+    rasterizer_.begin(band, simple);
     addEdges(band);
     rasterizer_.sweep(surface, paint, *spans_);
   }
@@ -83,7 +84,7 @@ void Painter::fill(const Surface& surface, const CGPath& path, const Affine& tra
   const std::optional<Box> box = pointBox(path);
   if (!box) return;
   const Box mapped = map(transform, *box);
-  paint(surface, mapped, color, [&](const PixelRect& area) {
+  paint(surface, mapped, isStar(path, *box), color, [&](const PixelRect& area) {
     const auto addEdges = [&](auto sink) {
       walkOutline(path, toArea(transform, area), sink);
       sink.close();
@@ -102,7 +103,7 @@ void Painter::stroke(const Surface& surface, const CGPath& path, const Affine& t
   const std::optional<Box> box = pointBox(path);
   if (!box || !(lineWidth > 0)) return;
   const double width = widthThatShows(lineWidth, *box, visibleBox(transform, {0, 0, surface.width, surface.height}));
-  paint(surface, map(transform, box->grown(StrokeSink::reach(width))), color, [&](const PixelRect& area) {
+  paint(surface, map(transform, box->grown(StrokeSink::reach(width))), false, color, [&](const PixelRect& area) {
     StrokeSink sink(rasterizer_, toArea(transform, area), width, visibleBox(transform, area));
     walkOutline(path, Affine{}, sink);
     sink.finish();

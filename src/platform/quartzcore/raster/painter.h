@@ -18,7 +18,7 @@ class Painter {
 
  private:
   template <class AddEdges>
-  void paint(const Surface& surface, const Box& box, const CGColor& color, const AddEdges& addEdges);
+  void paint(const Surface& surface, const Box& box, bool simple, const CGColor& color, const AddEdges& addEdges);
 
   const SpanFunctions* spans_;
   Rasterizer rasterizer_;

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/foundation/processor.h"
+#include "platform/foundation/memory/processor.h"
 #include "platform/quartzcore/raster/spans.h"
 #include "platform/quartzcore/raster/sweep_row.h"
 

@@ -52,7 +52,7 @@ void StrokeSink::move(CGPoint to) {
 void StrokeSink::line(CGPoint to) {
   const CGPoint way = to - current_;
   if (isZero(way)) return;
-  joinTowards(way);
+  joinTowards(way, std::sqrt(dot(way, way)));
   segmentTo(to, Corner::Join);
   endTangent_ = last_.direction;
 }
@@ -66,7 +66,7 @@ void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
     if (!first_) {
       beginWith(segmentAlong(unit(tangent), 0));
       corner = Corner::WithinCurve;
-    } else if (joinTowards(tangent)) {
+    } else if (joinTowards(tangent, 0)) {
       corner = Corner::WithinCurve;
     }
   }
@@ -83,24 +83,27 @@ void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
 
 // A corner of the outline is one between tangents. Where a curve comes to it, its chord there points elsewhere by half
 // a step, which the difference between a miter and a bevel, and a miter's point, show many times as large.
-bool StrokeSink::joinTowards(CGPoint way) {
+bool StrokeSink::joinTowards(CGPoint way, double length) {
   if (!first_) return false;
   const CGPoint direction = unit(way);
   if (dot(endTangent_, direction) >= cosineOfStep_) return false;
-  const auto turnInto = [this](CGPoint tangent, Corner corner) {
-    if (tangent.x == last_.direction.x && tangent.y == last_.direction.y) return;
-    const Segment segment = segmentAlong(tangent, last_.length);
-    turn(current_, last_, segment, corner);
-    last_ = segment;
-  };
-  turnInto(endTangent_, Corner::WithinCurve);
-  turnInto(direction, Corner::Join);
+  turnIntoEnd();
+  const Segment segment = segmentAlong(direction, length);
+  turn(current_, last_, segment, Corner::Join);
+  last_ = segment;
   return true;
+}
+
+void StrokeSink::turnIntoEnd() {
+  if (endTangent_.x == last_.direction.x && endTangent_.y == last_.direction.y) return;
+  const Segment end = segmentAlong(endTangent_, 0);
+  turn(current_, last_, end, Corner::WithinCurve);
+  last_ = end;
 }
 
 void StrokeSink::close() {
   line(start_);
-  if (first_) joinTowards(first_->direction);
+  if (first_) joinTowards(first_->direction, first_->length);
   endClosed();
   current_ = start_;
 }
@@ -118,7 +121,6 @@ void StrokeSink::segmentTo(CGPoint to, Corner corner) {
     turn(current_, last_, segment, corner);
   else
     beginWith(segment);
-  if (first_->length == 0) first_->length = length;
   last_ = segment;
   current_ = to;
 }
@@ -143,8 +145,8 @@ void StrokeSink::turn(CGPoint at, const Segment& from, const Segment& to, Corner
   const double needed = folds ? 0 : halfWidth_ * std::fabs(sine) / (1 + cosine);
   bool meets = !folds && needed <= std::min(from.length, to.length) / 2;
   CGPoint meeting = miter;
-  // At an end they meet on the line across it.
-  if (from.length == 0 || to.length == 0) {
+  // Where a curve begins or ends they meet on the line across it.
+  if (corner == Corner::WithinCurve && (from.length == 0 || to.length == 0)) {
     meets = halfWidth_ * std::fabs(sine) <= std::max(from.length, to.length) && cosine > 0;
     meeting = from.length == 0 ? from.normal : to.normal;
   }
@@ -185,31 +187,33 @@ void StrokeSink::turnOutside(Side& side, CGPoint at, const Segment& from, const 
 void StrokeSink::extend(Side& side, CGPoint to) {
   const CGPoint mapped = toArea_.map(to);
   if (side.isRight)
-    rasterizer_.clippedEdge(mapped, side.reached);
+    rasterizer_.clippedEdge(side.run, mapped, side.reached);
   else
-    rasterizer_.clippedEdge(side.reached, mapped);
+    rasterizer_.clippedEdge(side.run, side.reached, mapped);
   side.reached = mapped;
 }
 
 void StrokeSink::endOpen() {
   if (!first_) return;
-  if (endTangent_.x != last_.direction.x || endTangent_.y != last_.direction.y) {
-    const Segment end = segmentAlong(endTangent_, 0);
-    turn(current_, last_, end, Corner::WithinCurve);
-    last_ = end;
-  }
+  turnIntoEnd();
   extend(left_, current_ + last_.normal);
   extend(right_, current_ - last_.normal);
-  rasterizer_.clippedEdge(left_.reached, right_.reached);
-  rasterizer_.clippedEdge(right_.start, left_.start);
-  first_.reset();
+  rasterizer_.clippedEdge(left_.run, left_.reached, right_.reached);
+  rasterizer_.clippedEdge(left_.run, right_.start, left_.start);
+  finishSides(false);
 }
 
 void StrokeSink::endClosed() {
   if (!first_) return;
-  turn(current_, last_, *first_, Corner::Join);
+  turn(current_, last_, *first_, Corner::WithinCurve);
   extend(left_, start_ + first_->normal);
   extend(right_, start_ - first_->normal);
+  finishSides(true);
+}
+
+void StrokeSink::finishSides(bool isRing) {
+  rasterizer_.finish(left_.run, isRing);
+  rasterizer_.finish(right_.run, isRing);
   first_.reset();
 }
 

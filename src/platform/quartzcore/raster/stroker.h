@@ -34,26 +34,30 @@ class StrokeSink {
   struct Segment {
     CGPoint direction;  // of length 1
     CGPoint normal;     // to the left, half a line width long
-    double length = 0;
+    double length = 0;  // 0: the direction of a curve at its end
   };
   // Where a side of the stroke has been drawn to, in the area's subpixels. The right side runs backwards.
   struct Side {
     CGPoint start;
     CGPoint reached;
     bool isRight = false;
+    Rasterizer::Run run;
   };
 
   Segment segmentAlong(CGPoint direction, double length) const;
   void beginWith(const Segment& segment);
   void segmentTo(CGPoint to, Corner corner);
-  // Draws the join when the outline has a corner here; the next segment then goes on along `way`.
-  bool joinTowards(CGPoint way);
+  // Draws the join when the outline has a corner here; the next segment then goes on along `way`, for `length`.
+  bool joinTowards(CGPoint way, double length);
+  // A curve's last chord points elsewhere than the curve does at its end.
+  void turnIntoEnd();
   void turn(CGPoint at, const Segment& from, const Segment& to, Corner corner);
   void turnInside(Side& side, CGPoint at, CGPoint from, CGPoint to, CGPoint meeting, bool meets);
   void turnOutside(Side& side, CGPoint at, const Segment& from, const Segment& to, CGPoint meeting, Corner corner);
   void extend(Side& side, CGPoint to);
   void endOpen();
   void endClosed();
+  void finishSides(bool isRing);
 
   Rasterizer& rasterizer_;
   Affine toArea_;

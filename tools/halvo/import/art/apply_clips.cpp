@@ -14,8 +14,8 @@ DisplayList applyClips(DisplayList list, const PassContext& context) {
       if (Box box; isRectangle(clip->outline, box)) shape.outline = cut(std::move(shape.outline), box);
     for (const auto& clip : item.clips) {
       if (Box box; isRectangle(clip->outline, box)) continue;
-      shape.outline = combine(Combination::Intersection, {shape.outline, shape.rule}, {clip->outline, clip->rule},
-                              context.frame);
+      shape.outline =
+          combine(Combination::Intersection, {shape.outline, shape.rule}, {clip->outline, clip->rule}, context.frame);
       shape.rule = Rule::NonZero;
       shape.windsOneWay = true;
     }

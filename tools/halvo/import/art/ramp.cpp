@@ -108,7 +108,8 @@ std::vector<Profile> profilesOf(const std::vector<RampPoint>& ramp, const std::v
 }
 
 // Where the profile is at least that high.
-std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const std::vector<double>& amount, double level) {
+std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const std::vector<double>& amount,
+                                  double level) {
   std::vector<Stretch> result;
   const auto add = [&](double from, double to) {
     if (!(from < to)) return;
@@ -276,7 +277,9 @@ std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
       veil.colour.alpha = *high;
       veils.push_back(std::move(veil));
     } else {
-      addVeils(places, profile, std::clamp(static_cast<int>(std::ceil(*high * 255 / veilStep(profile.colour, fineness))), 1, most), veils);
+      addVeils(places, profile,
+               std::clamp(static_cast<int>(std::ceil(*high * 255 / veilStep(profile.colour, fineness))), 1, most),
+               veils);
     }
   }
   return veils;

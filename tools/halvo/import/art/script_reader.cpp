@@ -331,7 +331,8 @@ bool ScriptReader::makeContext() {
 bool ScriptReader::makePattern() {
   Surface surface;
   if (!pop(surface)) return false;
-  stack_.emplace_back(std::make_shared<ScriptPattern>(ScriptPattern{SurfacePattern{std::move(surface)}, {}, Spread::None}));
+  stack_.emplace_back(
+      std::make_shared<ScriptPattern>(ScriptPattern{SurfacePattern{std::move(surface)}, {}, Spread::None}));
   return true;
 }
 
@@ -581,7 +582,7 @@ bool ScriptReader::resetClip() {
 }  // namespace
 
 std::variant<DisplayList, ArtError> readScript(std::string_view script, const Matrix& toFrame,
-                                              std::vector<ArtNote>& notes) {
+                                               std::vector<ArtNote>& notes) {
   return ScriptReader(toFrame, notes).read(script);
 }
 

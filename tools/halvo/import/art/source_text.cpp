@@ -8,8 +8,8 @@
 
 #include "import/art/source_masks.h"
 #include "import/art/source_tags.h"
-#include "platform/foundation/content_decoder.h"
-#include "platform/foundation/numbers.h"
+#include "platform/foundation/network/content_decoder.h"
+#include "platform/foundation/text/numbers.h"
 
 namespace halvo::art {
 
@@ -118,7 +118,8 @@ class Preparing {
   }
 
   static std::string_view attributeName(const Tag& tag, std::string_view name) {
-    return std::find_if(tag.attributes.begin(), tag.attributes.end(), [&](const auto& a) { return a.name == name; })->name;
+    return std::find_if(tag.attributes.begin(), tag.attributes.end(), [&](const auto& a) { return a.name == name; })
+        ->name;
   }
 
   void removePicture(const Tag& tag) {
@@ -152,7 +153,8 @@ class Preparing {
     const std::string_view content =
         std::string_view(text_).substr(found->second->end, found->second->contentEnd - found->second->end);
     const bool blurs = content.find("feGaussianBlur") != std::string_view::npos;
-    const bool moves = content.find("feOffset") != std::string_view::npos || content.find("feDropShadow") != std::string_view::npos;
+    const bool moves =
+        content.find("feOffset") != std::string_view::npos || content.find("feDropShadow") != std::string_view::npos;
     return blurs && moves ? "a shadow" : blurs ? "a blur" : moves ? "a shadow" : "a filter";
   }
 

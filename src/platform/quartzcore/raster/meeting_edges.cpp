@@ -1,0 +1,101 @@
+// What a rasteriser does about rows in which edges meet, between the last edge and the sweep.
+#include <algorithm>
+#include <cstdlib>
+
+#include "platform/quartzcore/raster/rasterizer.h"
+#include "platform/quartzcore/raster/sweep_row.h"
+
+namespace quellaro {
+
+namespace {
+
+constexpr auto kFull = static_cast<std::int32_t>(kFullCover);
+
+// Sums below this may come from coordinates that were rounded apart.
+constexpr std::int32_t kRoundedSum = kFull / 32;
+
+// Whether winding numbers differ within the pixel's height.
+bool isPart(std::int32_t sum) { return sum % kFull > kRoundedSum && sum % kFull < kFull - kRoundedSum; }
+
+// Of one shape, in rows that are worked out anew; far beyond any honest shape, and a second's work.
+constexpr std::size_t kMostEdgesOfRows = std::size_t{1} << 20;
+
+}  // namespace
+
+void Rasterizer::resolveMeetings() {
+  if (!findOverlaps()) return;
+  const auto rows = static_cast<std::size_t>(area_.height());
+  if (!collectEdgesOfRows()) {
+    for (std::size_t y = 0; y < rows; ++y) seen_[y] = 0;
+    return;
+  }
+  for (std::size_t y = 0; y < rows; ++y) {
+    if ((seen_[y] & kOverlaps) == 0) continue;
+    rowEdges_.clear();
+    for (std::uint32_t next = firstOfRow_[y]; next != 0; next = edgesOfRows_[next - 1].next)
+      rowEdges_.push_back(edges_[edgesOfRows_[next - 1].edge]);
+    replaceRow(y, winding_.sidesOf(rowEdges_, static_cast<int>(y) << kSubpixelBits));
+  }
+}
+
+// Where an edge up and one down share a pixel, they enclose a thin line or a tip: unless something is enclosed left of
+// them already, or they have changed places, which shows in the sign of the sums around.
+bool Rasterizer::findOverlaps() {
+  const auto rows = static_cast<std::size_t>(area_.height());
+  const auto meets = [&](std::size_t y) { return y < rows && (seen_[y] & kMeets) != 0; };
+  Signs signs;
+  std::int32_t left = 0;
+  for (std::size_t y = 0; y < rows; ++y) {
+    left += leftCover_[y];
+    if (seen_[y] != 0 || meets(y + 1) || (y > 0 && meets(y - 1))) examine(y, left, signs);
+  }
+  bool any = false;
+  for (std::size_t y = 0; y < rows; ++y) {
+    if (signs.positive && signs.negative && meets(y)) seen_[y] |= kOverlaps;
+    any = any || (seen_[y] & kOverlaps) != 0;
+  }
+  return any;
+}
+
+void Rasterizer::examine(std::size_t y, std::int32_t left, Signs& signs) {
+  const Row row = rowAt(y);
+  std::uint32_t sum = static_cast<std::uint32_t>(left) * kFullCover;
+  const auto magnitude = [&] { return std::abs(static_cast<std::int32_t>(sum)); };
+  const bool turns = (*row.seen & kTurns) != 0;
+  // Left of the pixels in which edges follow on one another without a gap.
+  bool isPartBeforeEdges = false;
+  for (std::size_t block = 0; (block = findBlock(row.touched, block, blocks_, true)) < blocks_; ++block) {
+    for (std::size_t x = block * kBlockPixels; x < (block + 1) * kBlockPixels; ++x) {
+      const auto isOwned = [&](std::size_t column) { return row.owners[column] >= firstChain_; };
+      const bool follows = x > 0 && isOwned(x - 1);
+      if (!follows) isPartBeforeEdges = isPart(magnitude());
+      const bool shared = (row.owners[x] & kShared) != 0 || (turns && follows && row.owners[x] != row.owners[x - 1]);
+      if (isOwned(x) && shared && magnitude() > kRoundedSum) *row.seen |= kOverlaps;
+      sum += row.cells[x];
+      // Different at different heights on both sides of an edge.
+      if (follows && !isOwned(x) && isPartBeforeEdges && isPart(magnitude())) *row.seen |= kOverlaps;
+      signs.positive = signs.positive || static_cast<std::int32_t>(sum) > kRoundedSum;
+      signs.negative = signs.negative || static_cast<std::int32_t>(sum) < -kRoundedSum;
+    }
+  }
+}
+
+// Gives whether all edges are there and few enough.
+bool Rasterizer::collectEdgesOfRows() {
+  if (edges_.size() == kMostEdges) return false;
+  edgesOfRows_.clear();
+  firstOfRow_.assign(static_cast<std::size_t>(area_.height()), 0);
+  for (std::size_t i = 0; i < edges_.size(); ++i) {
+    const auto [upper, lower] = std::minmax(edges_[i].y0, edges_[i].y1);
+    for (int y = upper >> kSubpixelBits; y <= (lower - 1) >> kSubpixelBits; ++y) {
+      const auto row = static_cast<std::size_t>(y);
+      if ((seen_[row] & kOverlaps) == 0) continue;
+      if (edgesOfRows_.size() == kMostEdgesOfRows) return false;
+      edgesOfRows_.push_back({static_cast<std::uint32_t>(i), firstOfRow_[row]});
+      firstOfRow_[row] = static_cast<std::uint32_t>(edgesOfRows_.size());
+    }
+  }
+  return true;
+}
+
+}  // namespace quellaro

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+namespace quellaro {
+
+// In subpixels; what an edge adds to the winding number right of it depends on which of its ends is lower.
+struct FixedEdge {
+  int x0, y0, x1, y1;
+};
+
+// What edges that cross and run along one another enclose by the non-zero rule, within one row of pixels.
+class RowWinding {
+ public:
+  // A piece of the boundary, between two heights within the row. To the right of it lies what is enclosed when `cover`,
+  // its height, is positive.
+  struct Side {
+    int from, to;  // x
+    int cover;
+  };
+
+  // The row reaches from `top` for one pixel; the edges are some that cross it. Valid until the next call.
+  std::span<const Side> sidesOf(std::span<const FixedEdge> edges, int top);
+
+ private:
+  struct Crossing {
+    int from, to;  // x at the band's top and bottom
+    int winding;
+  };
+
+  void resolve(int top, int bottom);
+  bool isOrdered(int top, int bottom);
+  void emit(int height);
+
+  std::span<const FixedEdge> edges_;
+  std::vector<int> ends_;  // y
+  std::vector<Crossing> crossings_;
+  std::vector<Side> sides_;
+};
+
+}  // namespace quellaro

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/corehaptics/haptic_curve.h"
+#include "platform/foundation/error.h"
+#include "sheet/waveform.h"
+
+namespace halvo {
+
+// When the frames of a cue are on screen, in seconds from the start of the play.
+struct FrameTimes {
+  // Absent for a frame that never comes up, because the one before it has no time.
+  std::vector<std::optional<double>> starts;
+  double end = 0;
+
+  // The index of the frame that is seen at that time; nothing before the first one.
+  std::optional<std::size_t> frameAt(double seconds) const;
+};
+
+// What a contact sheet shows.
+struct SheetSource {
+  std::string name;
+  std::vector<std::string> frames;  // the documents' texts
+  std::optional<FrameTimes> times;
+  std::optional<Waveform> sound;
+  bool expectsHaptics = false;                   // says the configuration: only then they are read
+  double soundStart = 0;                         // seconds from the start of the play
+  std::optional<quellaro::HapticCurve> haptics;  // felt from the start of the play
+  std::vector<std::string> notes;                // what could not be shown, and why
+
+  // Seconds that the time axis needs; 0 when there is no time to show.
+  double duration() const;
+};
+
+// From a cue directory, an animation.json (with what lies beside it) or an SVG document. Fails when there is no frame
+// to show; anything else that is missing or unreadable becomes a note.
+quellaro::Result<SheetSource> readSheetSource(const std::string& path);
+
+}  // namespace halvo
