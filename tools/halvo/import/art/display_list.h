@@ -104,6 +104,11 @@ struct FlatShape {
   bool windsOneWay = false;
 };
 
+// What polygon clipping may still take, in corners. A small document can ask for more than anyone would wait for.
+struct Work {
+  double left = 2e7;
+};
+
 // A frame's measures.
 struct Frame {
   double side = 480;
@@ -111,6 +116,7 @@ struct Frame {
   Box viewport;
   // How far a curve may be from what it stands for.
   double tolerance = 0.005;
+  std::shared_ptr<Work> work = std::make_shared<Work>();
 };
 
 Item mapped(Item item, const Matrix& matrix);

@@ -53,6 +53,8 @@ std::variant<ArtFrame, ArtError> importFrame(std::string_view bytes, const ArtOp
   context.gradientSteps = options.gradientSteps;
   context.notes = &result.notes;
   const std::vector<art::FlatShape> shapes = art::flatten(std::get<art::DisplayList>(std::move(read)), context);
+  if (context.frame.work->left < 0)
+    return ArtError{std::nullopt, "the drawing is too intricate: its clips, masks and groups would take too long"};
   art::writeFrame(shapes, options.side, options.precision.value_or(decimalsFor(options.side)), result);
   return result;
 }

@@ -44,6 +44,7 @@ class Clipping {
 
   ClipperLib::Paths execute(ClipperLib::ClipType how, Rule subject, Rule other) {
     ClipperLib::Paths paths;
+    if (frame_.work->left < 0) return paths;
     const auto rule = [](Rule r) { return r == Rule::EvenOdd ? ClipperLib::pftEvenOdd : ClipperLib::pftNonZero; };
     clipper_.Execute(how, paths, rule(subject), rule(other));
     return paths;
@@ -71,6 +72,7 @@ class Clipping {
       path.push_back(rounded(segment.end));
       at = segment.end;
     }
+    frame_.work->left -= static_cast<double>(path.size());
     return path;
   }
 
@@ -170,6 +172,7 @@ double areaOf(const ClipperLib::Paths& paths) {
 }  // namespace
 
 Outline combine(Combination how, const Region& subject, const Region& other, const Frame& frame) {
+  if (frame.work->left < 0) return {};
   Clipping clipping(frame);
   clipping.add(subject.outline, ClipperLib::ptSubject);
   clipping.add(other.outline, ClipperLib::ptClip);

@@ -12,7 +12,7 @@ struct Region {
 };
 
 // By polygon clipping. What remains of a curve is a curve again. Every point lies within the result's contours once or
-// not at all.
+// not at all. Nothing remains when there has been too much work.
 Outline combine(Combination how, const Region& subject, const Region& other, const Frame& frame);
 
 // The same inside by the nonzero rule; the outline as it is where that is so already.

@@ -16,7 +16,7 @@ namespace halvo::art {
 namespace {
 
 constexpr std::size_t kMostBytes = std::size_t{64} << 20;
-constexpr std::size_t kMostElements = 200000;
+constexpr std::size_t kMostElements = 100000;
 // For masks, each of which looks through all of them.
 constexpr std::size_t kMostEdits = 20000;
 
@@ -53,14 +53,15 @@ class Preparing {
   std::variant<SourceText, ArtError> run() {
     const std::optional<TagScan> scan = scanTags(text_);
     if (!scan) return SourceText{text_, text_.find("<text") != std::string::npos, false};
-    if (scan->tags.size() > kMostElements)
-      return ArtError{std::nullopt, "the document has more than " + std::to_string(kMostElements) + " elements"};
     for (const Tag& tag : scan->tags)
       if (const auto id = tag.find("id")) ids_.emplace(*id, &tag);
     for (const std::string_view instruction : scan->instructions)
       if (instruction.starts_with("<?xml-stylesheet"))
         tell(ArtLoss::LeftOut, "xml-stylesheet", "a style sheet outside of the file is not read");
-    for (const Tag& tag : scan->tags) removeFrom(tag);
+    for (const Tag& tag : scan->tags) {
+      removeFrom(tag);
+      readMaskClasses(tag);
+    }
     const std::vector<Edit> withoutIds = removalsInMasks(*scan);
     for (const Tag& tag : scan->tags) maskOf(tag, withoutIds);
     turn(scan->tags.front());
@@ -157,31 +158,63 @@ class Preparing {
     return blurs && moves ? "a shadow" : blurs ? "a blur" : moves ? "a shadow" : "a filter";
   }
 
-  // What stands in a mask is drawn where it is used: its ids would be there twice.
-  std::vector<Edit> removalsInMasks(const TagScan& scan) const {
+  // What stands in a mask is drawn where it is used: its ids would be there twice, and its own masks are left out.
+  std::vector<Edit> removalsInMasks(const TagScan& scan) {
     std::vector<Edit> result = edits_;
     std::size_t maskEnd = 0;
     for (const Tag& tag : scan.tags) {
+      if (tag.begin < maskEnd) {
+        if (tag.find("id")) result.push_back({offsetOf(attributeName(tag, "id")), 0, "x-"});
+        if (const auto mask = maskReference(tag)) result.push_back({offsetOf(mask->name), 0, "x-"});
+      }
       if (tag.name == "mask") maskEnd = std::max(maskEnd, tag.elementEnd);
-      if (tag.begin < maskEnd && tag.name != "mask" && tag.find("id"))
-        result.push_back({offsetOf(attributeName(tag, "id")), 0, "x-"});
     }
     return result;
   }
 
-  void maskOf(const Tag& tag, const std::vector<Edit>& removals) {
-    std::string_view name;
-    std::string_view value;
-    if (const auto attribute = tag.find("mask")) {
-      name = attributeName(tag, "mask");
-      value = *attribute;
-    } else if (const auto found = findProperty(tag.find("style").value_or(""), "mask", 0)) {
-      name = found->name;
-      value = found->value;
+  // Of the element itself, not of its classes.
+  static std::optional<Property> maskReference(const Tag& tag) {
+    if (const auto attribute = tag.find("mask")) return Property{attributeName(tag, "mask"), *attribute};
+    return findProperty(tag.find("style").value_or(""), "mask", 0);
+  }
+
+  // Style sheets say of classes which mask they have; they lose it, and the elements are looked at by their classes.
+  void readMaskClasses(const Tag& tag) {
+    const std::string_view sheet = contentOfStyle(tag);
+    for (std::size_t from = 0; const auto found = findProperty(sheet, "mask", from);) {
+      from = static_cast<std::size_t>(found->value.data() - sheet.data());
+      rename(found->name);
+      const std::size_t open = sheet.rfind('{', from);
+      const std::size_t before = open == std::string_view::npos || open == 0 ? 0 : sheet.find_last_of("}/", open - 1);
+      std::string_view selectors = sheet.substr(before == std::string_view::npos ? 0 : before + (open > 0 ? 1 : 0));
+      selectors = selectors.substr(0, selectors.find('{'));
+      for (std::size_t dot = selectors.find('.'); dot != std::string_view::npos; dot = selectors.find('.', dot + 1)) {
+        const std::size_t end = std::min(selectors.find_first_of(" ,.:>\t\r\n", dot + 1), selectors.size());
+        maskOfClass_[selectors.substr(dot + 1, end - dot - 1)] = found->value;
+      }
     }
+  }
+
+  std::string_view maskByClass(const Tag& tag) const {
+    std::string_view classes = tag.find("class").value_or("");
+    while (!maskOfClass_.empty() && !classes.empty()) {
+      const std::size_t end = std::min(classes.find_first_of(" \t\r\n"), classes.size());
+      if (const auto found = maskOfClass_.find(classes.substr(0, end)); found != maskOfClass_.end())
+        return found->second;
+      classes.remove_prefix(std::min(end + 1, classes.size()));
+    }
+    return {};
+  }
+
+  void maskOf(const Tag& tag, const std::vector<Edit>& removals) {
+    const auto reference = maskReference(tag);
+    const std::string_view value = reference ? reference->value : maskByClass(tag);
     const std::string_view id = referredId(value);
-    if (edits_.size() > kMostEdits) return;
-    if (!id.empty() && tag.name != "mask" && maskByGroup(text_, tag, id, ids_, removals, edits_)) rename(name);
+    if (reference && value != "none") rename(reference->name);
+    if (id.empty() || !ids_.contains(id)) return;
+    const bool isPossible = tag.name != "mask" && edits_.size() < kMostEdits;
+    if (!isPossible || !maskByGroup(text_, tag, id, ids_, removals, edits_))
+      tell(ArtLoss::LeftOut, "mask#" + std::string(id), "a mask is left out, and what it masks is drawn whole");
   }
 
   // The root becomes a viewport within another.
@@ -212,6 +245,7 @@ class Preparing {
   SourceSize size_;
   std::vector<ArtNote>& notes_;
   TagsById ids_;
+  std::map<std::string_view, std::string_view, std::less<>> maskOfClass_;
   std::vector<Edit> edits_;
   bool hasText_ = false;
 };
@@ -226,15 +260,22 @@ Matrix turnOf(const SourceSize& size) {
 }
 
 std::variant<std::string, ArtError> unpackSource(std::string_view bytes) {
+  std::string text;
   if (!bytes.starts_with("\x1f\x8b")) {
     if (bytes.size() > kMostBytes) return ArtError{std::nullopt, "the document is larger than 64 MB"};
-    return std::string(bytes);
+    text = bytes;
+  } else {
+    quellaro::ContentDecoder decoder("gzip", kMostBytes);
+    const auto error = decoder.append(bytes, text);
+    if (text.size() >= kMostBytes) return ArtError{std::nullopt, "the document is larger than 64 MB when unpacked"};
+    if (error || decoder.finish()) return ArtError{std::nullopt, "the gzip data is damaged or cut off"};
   }
-  quellaro::ContentDecoder decoder("gzip", kMostBytes);
-  std::string text;
-  const auto error = decoder.append(bytes, text);
-  if (text.size() >= kMostBytes) return ArtError{std::nullopt, "the document is larger than 64 MB when unpacked"};
-  if (error || decoder.finish()) return ArtError{std::nullopt, "the gzip data is damaged or cut off"};
+  // Before anybody reads it, which would take as long as it is large.
+  std::size_t elements = 0;
+  for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at + 1))
+    elements += at + 1 < text.size() && std::isalpha(static_cast<unsigned char>(text[at + 1])) != 0 ? 1 : 0;
+  if (elements > kMostElements)
+    return ArtError{std::nullopt, "the document has more than " + std::to_string(kMostElements) + " elements"};
   return text;
 }
 
