@@ -1,7 +1,9 @@
 #include "import/art/ramp.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace halvo::art {
@@ -134,32 +136,65 @@ std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const st
   return result;
 }
 
-// The player multiplies colours by alpha in steps of 1/255, and so does it with what is below. Each veil makes up for
-// the rounding of those before it, or their errors would add up to another colour.
+// The player blends in steps of 1/255. Each veil is chosen so that it makes up for the rounding of those before it, or
+// their errors would add up to another colour: on backdrops of some brightnesses what comes out is reckoned along.
 class VeilLayer {
  public:
-  explicit VeilLayer(const Colour& colour) : wanted_{colour.red, colour.green, colour.blue} {}
+  explicit VeilLayer(const Colour& colour) : wanted_{colour.red, colour.green, colour.blue} {
+    for (auto& shown : shown_) std::copy(std::begin(kBackdrops), std::end(kBackdrops), shown.begin());
+  }
 
   double laid() const { return laid_; }
   // The colour that brings the veils laid so far to that alpha; nothing where it is too near.
   std::optional<Colour> next(double alpha) {
-    const double own = laid_ < 1 ? std::round(255 * (1 - (1 - alpha) / (1 - laid_))) / 255 : 0;
-    if (own <= 0) return std::nullopt;
-    laid_ = 1 - (1 - laid_) * (1 - own);
-    double shown[3];
-    for (int i = 0; i < 3; ++i) {
-      const double missing = wanted_[i] * laid_ - sum_[i] * (1 - own);
-      const double step = std::clamp(std::round(missing * 255) / 255, 0.0, own);
-      sum_[i] = sum_[i] * (1 - own) + step;
-      shown[i] = step / own;
-    }
-    return Colour{shown[0], shown[1], shown[2], own};
+    const int middle = laid_ < 1 ? static_cast<int>(std::lround(255 * (1 - (1 - alpha) / (1 - laid_)))) : 0;
+    if (middle <= 0) return std::nullopt;
+    Choice best;
+    for (int own = std::max(1, middle - 1); own <= std::min(255, middle + 1); ++own)
+      if (const Choice choice = with(own, alpha); choice.error < best.error) best = choice;
+    laid_ = 1 - (1 - laid_) * (1 - best.own / 255.0);
+    for (std::size_t i = 0; i < 3; ++i)
+      for (int& shown : shown_[i]) shown = best.parts[i] + blended(shown, best.own);
+    const double own = best.own;
+    return Colour{best.parts[0] / own, best.parts[1] / own, best.parts[2] / own, own / 255};
   }
 
  private:
-  double wanted_[3];
-  // Of the veils so far, multiplied by their alpha.
-  double sum_[3] = {};
+  static constexpr int kBackdrops[] = {255, 200, 140, 70};
+  struct Choice {
+    int own = 1;
+    // Of the colour, multiplied by alpha.
+    std::array<int, 3> parts{};
+    double error = 1e9;
+  };
+
+  static int blended(int below, int own) { return static_cast<int>(std::lround(below * (255 - own) / 255.0)); }
+
+  // The best parts for that alpha.
+  Choice with(int own, double alpha) const {
+    Choice choice{own, {}, 0};
+    for (std::size_t i = 0; i < 3; ++i) {
+      double least = 1e9;
+      const int plain = static_cast<int>(wanted_[i] * own);
+      for (int part = std::max(0, plain - 1); part <= std::min(own, plain + 2); ++part) {
+        double error = 0;
+        for (std::size_t k = 0; k < std::size(kBackdrops); ++k) {
+          const double meant = 255 * wanted_[i] * alpha + kBackdrops[k] * (1 - alpha);
+          const double off = part + blended(shown_[i][k], own) - meant;
+          error += off * off;
+        }
+        if (error < least) {
+          least = error;
+          choice.parts[i] = part;
+        }
+      }
+      choice.error += least;
+    }
+    return choice;
+  }
+
+  std::array<double, 3> wanted_;
+  std::array<std::array<int, std::size(kBackdrops)>, 3> shown_{};
   double laid_ = 0;
 };
 
@@ -167,9 +202,7 @@ void addVeils(const std::vector<RampPoint>& places, const Profile& profile, int 
   const double most = *std::max_element(profile.amount.begin(), profile.amount.end());
   VeilLayer layer(profile.colour);
   for (int k = 1; k <= count; ++k) {
-    // Uneven steps: even ones are rounded the same way each time, which adds up.
-    const double uneven = k < count && profile.colour.red > 0.3 ? 0.35 * std::sin(2.4 * k) : 0;
-    const double wanted = most * (k + uneven) / count;
+    const double wanted = most * k / count;
     const double level = (layer.laid() + wanted) / 2;
     const auto colour = layer.next(wanted);
     if (!colour) continue;
