@@ -38,7 +38,8 @@ quellaro::Bitmap meantBy(const std::string& source, double width, double height)
   cairo_set_source_rgb(context.get(), 1, 1, 1);
   cairo_paint(context.get());
   const double scale = kSide / std::max(width, height);
-  const RsvgRectangle viewport{(kSide - width * scale) / 2, (kSide - height * scale) / 2, width * scale, height * scale};
+  const RsvgRectangle viewport{(kSide - width * scale) / 2, (kSide - height * scale) / 2, width * scale,
+                               height * scale};
   cairo_rectangle(context.get(), viewport.x, viewport.y, viewport.width, viewport.height);
   cairo_clip(context.get());
   rsvg_handle_set_dpi(handle.get(), 96);

@@ -84,14 +84,19 @@ TEST(ImportArt, TellsWhatIsLost) {
        ArtLoss::LeftOut, "filter#f", "a blur"},
       {R"svg(<filter id="f"><feOffset dx="2"/></filter><rect width="9" height="9" style="filter : url(#f)"/>)svg",
        ArtLoss::LeftOut, "filter#f", "a shadow"},
-      {R"svg(<style>.a{filter:url(#f)}</style><rect class="a" width="9" height="9"/>)svg", ArtLoss::LeftOut, "filter", "a filter"},
-      {R"svg(<image id="logo" href="file:///etc/passwd" width="9" height="9"/>)svg", ArtLoss::LeftOut, "image#logo", "not fetched"},
-      {R"svg(<image xlink:href="data:image/png;base64,AAAA" width="9" height="9"></image>)svg", ArtLoss::LeftOut, "image", "pixels"},
+      {R"svg(<style>.a{filter:url(#f)}</style><rect class="a" width="9" height="9"/>)svg", ArtLoss::LeftOut, "filter",
+       "a filter"},
+      {R"svg(<image id="logo" href="file:///etc/passwd" width="9" height="9"/>)svg", ArtLoss::LeftOut, "image#logo",
+       "not fetched"},
+      {R"svg(<image xlink:href="data:image/png;base64,AAAA" width="9" height="9"></image>)svg", ArtLoss::LeftOut,
+       "image", "pixels"},
       {R"svg(<use xlink:href="other.svg#a"/>)svg", ArtLoss::LeftOut, "use", "outside of the file"},
       {R"svg(<style>@import url(http://127.0.0.1:9/a.css);</style>)svg", ArtLoss::LeftOut, "style", "not read"},
       {R"svg(<script>while(1);</script>)svg", ArtLoss::LeftOut, "script", "not run"},
-      {R"svg(<rect width="9" height="9"><animate attributeName="x" to="5"/></rect>)svg", ArtLoss::LeftOut, "animate", "animation"},
-      {R"svg(<g style="mix-blend-mode:multiply"><rect width="9" height="9"/></g>)svg", ArtLoss::Approximated, "g", "multiply"},
+      {R"svg(<rect width="9" height="9"><animate attributeName="x" to="5"/></rect>)svg", ArtLoss::LeftOut, "animate",
+       "animation"},
+      {R"svg(<g style="mix-blend-mode:multiply"><rect width="9" height="9"/></g>)svg", ArtLoss::Approximated, "g",
+       "multiply"},
       {R"svg(<mask id="m" maskContentUnits="objectBoundingBox"><rect width="1" height="1"/></mask><rect mask="url(#m)" width="9" height="9"/>)svg",
        ArtLoss::LeftOut, "mask#m", "drawn whole"},
       {R"svg(<pattern id="p" width=".001" height=".001"><rect width=".1" height=".1"/></pattern><rect width="99" height="99" fill="url(#p)"/>)svg",
@@ -115,17 +120,23 @@ TEST(ImportArt, TellsWhatIsLost) {
 TEST(ImportArt, StopsWhereWorkWouldNotEnd) {
   std::string uses = "<defs><g id='a0'><path d='M1 1h9v9'/></g>";
   for (int i = 1; i < 5; ++i)
-    uses += "<g id='a" + std::to_string(i) + "'>" + repeated("<use xlink:href='#a" + std::to_string(i - 1) + "'/>", 10) + "</g>";
+    uses += "<g id='a" + std::to_string(i) + "'>" +
+            repeated("<use xlink:href='#a" + std::to_string(i - 1) + "'/>", 10) + "</g>";
   const std::string documents[] = {
       uses + "</defs><use xlink:href='#a4'/>",
       "<g id='a'><use xlink:href='#a'/></g><clipPath id='c' clip-path='url(#c)'><rect width='4' height='4'/></clipPath>"
-      "<mask id='m'><rect width='9' height='9' mask='url(#m)'/></mask><rect width='9' height='9' mask='url(#m)' clip-path='url(#c)'/>",
-      "<path d='M-1e9 0L1e9 50L1e30 9L-1e300 4z' stroke='red' stroke-width='1e9' stroke-linejoin='round'/><path d='Mnan 1L1 inf'/>",
+      "<mask id='m'><rect width='9' height='9' mask='url(#m)'/></mask><rect width='9' height='9' mask='url(#m)' "
+      "clip-path='url(#c)'/>",
+      "<path d='M-1e9 0L1e9 50L1e30 9L-1e300 4z' stroke='red' stroke-width='1e9' stroke-linejoin='round'/><path "
+      "d='Mnan 1L1 inf'/>",
       "<path d='M0 5H100' stroke='red' stroke-dasharray='.0000001'/>",
-      "<linearGradient id='g' spreadMethod='repeat' x2='1e-9'><stop/><stop offset='1' stop-color='red'/></linearGradient>"
+      "<linearGradient id='g' spreadMethod='repeat' x2='1e-9'><stop/><stop offset='1' "
+      "stop-color='red'/></linearGradient>"
       "<rect width='9' height='9' fill='url(#g)'/>",
       "<linearGradient id='g'><stop/><stop offset='1' stop-opacity='0'/></linearGradient><g opacity='.5'>" +
-          repeated("<circle cx='50' cy='50' r='40' fill='url(#g)'/><circle cx='40' cy='60' r='40' fill='url(#g)'/>", 60) + "</g>",
+          repeated("<circle cx='50' cy='50' r='40' fill='url(#g)'/><circle cx='40' cy='60' r='40' fill='url(#g)'/>",
+                   60) +
+          "</g>",
   };
   for (const std::string& document : documents) {
     const auto imported = halvo::importFrame(kRoot + document + "</svg>", {});
@@ -135,9 +146,11 @@ TEST(ImportArt, StopsWhereWorkWouldNotEnd) {
 }
 
 TEST(ImportArt, FollowsItsOptionsAndIsTheSameOnEveryThread) {
-  const std::string document = kRoot + R"svg(<linearGradient id="g"><stop stop-color="#fff"/><stop offset="1"/></linearGradient>
+  const std::string document =
+      kRoot + R"svg(<linearGradient id="g"><stop stop-color="#fff"/><stop offset="1"/></linearGradient>
       <path d="M1.23456 1H99V99Z" fill="url(#g)"/></svg>)svg";
-  const auto coarse = std::get<ArtFrame>(halvo::importFrame(document, {.side = 100, .precision = 0, .gradientSteps = 3}));
+  const auto coarse =
+      std::get<ArtFrame>(halvo::importFrame(document, {.side = 100, .precision = 0, .gradientSteps = 3}));
   EXPECT_EQ(coarse.elements, 3U) << coarse.document;
   EXPECT_EQ(coarse.document.find('.', coarse.document.find(" d=")), std::string::npos) << coarse.document;
   EXPECT_NE(coarse.document.find(R"svg(width="100" height="100")svg"), std::string::npos);
@@ -159,8 +172,12 @@ TEST(PathText, IsShortAndMeansTheSameToThePlayer) {
       {{{1, 2}, {lineTo({3, 2}), lineTo({3, 4})}, true}, true, "M1 2h2v2z"},
       {{{-.5, .25}, {lineTo({.5, -.25}), lineTo({-1, 2})}, false}, true, "M-.5.25l1-.5L-1 2"},
       // A control point in the corner is none to the player.
-      {{{0, 0}, {curveTo({1, 1}, {0, 0}, {2, 2}), curveTo({4, 4}, {5, 5}, {6, 6})}, false}, true, "M0 0c1 1 0 0 2 2 2 2 3 3 4 4"},
-      {{{0, 0}, {curveTo({1, 1}, {3, 1}, {4, 0}), curveTo({5, -1}, {7, -1}, {8, 0})}, false}, true, "M0 0c1 1 3 1 4 0s3-1 4 0"},
+      {{{0, 0}, {curveTo({1, 1}, {0, 0}, {2, 2}), curveTo({4, 4}, {5, 5}, {6, 6})}, false},
+       true,
+       "M0 0c1 1 0 0 2 2 2 2 3 3 4 4"},
+      {{{0, 0}, {curveTo({1, 1}, {3, 1}, {4, 0}), curveTo({5, -1}, {7, -1}, {8, 0})}, false},
+       true,
+       "M0 0c1 1 3 1 4 0s3-1 4 0"},
       {{{1, 1}, {lineTo({1.001, 1})}, true}, false, ""},
   };
   for (const Case& c : cases) {

@@ -28,9 +28,10 @@ void compare(const std::string& path, const char* keep) {
   const Fidelity fidelity = fidelityOf(source, frame);
   std::string notes;
   for (const halvo::ArtNote& note : frame.notes)
-    notes += (notes.empty() ? "" : "; ") + note.element + ": " + note.what + (note.howFar.empty() ? "" : ", " + note.howFar);
-  std::printf("%.4f\t%.4f\t%zu\t%zu\t%.2f\t%zu\t%s\t%s\n", fidelity.mean, fidelity.farOff,
-              source.size(), frame.document.size(), took, frame.points, notes.c_str(), path.c_str());
+    notes +=
+        (notes.empty() ? "" : "; ") + note.element + ": " + note.what + (note.howFar.empty() ? "" : ", " + note.howFar);
+  std::printf("%.4f\t%.4f\t%zu\t%zu\t%.2f\t%zu\t%s\t%s\n", fidelity.mean, fidelity.farOff, source.size(),
+              frame.document.size(), took, frame.points, notes.c_str(), path.c_str());
   if (!keep) return;
   const std::string name = std::string(keep) + path.substr(path.rfind('/'));
   std::ofstream(name, std::ios::binary) << frame.document;

@@ -28,8 +28,8 @@ const Drawing kDrawings[] = {
         <path d="M10 60L50 62L12 70" stroke-miterlimit="20"/><path d="M10 85L50 88L12 92" stroke-miterlimit="2"/></g>)svg"},
     {"curves that bend within the pen, cusps, dots",
      R"svg(<g fill="none" stroke="#063" stroke-width="12" stroke-linecap="round" stroke-linejoin="round">
-        <path d="M20 30a4 4 0 0 1 8 0a4 4 0 0 1 8 0"/><path d="M50 20C95 60 45 60 90 20"/><path d="M10 75c30 -30 30 30 0 0"/>
-        <path d="M60 80h0"/><path d="M70 80h.01"/><circle cx="85" cy="80" r="4"/></g>)svg"},
+        <path d="M20 30a4 4 0 0 1 8 0a4 4 0 0 1 8 0"/><path d="M50 20C95 60 45 60 90 20"/><path d="M10 75c30 -30 30 30 0 10"/>
+        <path d="M60 80h0"/><path d="M70 80h.01"/><circle cx="85" cy="80" r="7"/></g>)svg"},
     {"dashes on lines, curves and rings",
      R"svg(<g fill="none" stroke="#309" stroke-width="5"><path d="M5 10H95" stroke-dasharray="10 4 2"/>
         <circle cx="30" cy="60" r="22" stroke-dasharray="12 6" stroke-dashoffset="5"/>
@@ -71,7 +71,8 @@ const Drawing kDrawings[] = {
      R"svg(<style>.a{fill:#0a0}#b{fill:none;stroke:red;stroke-width:3}</style><symbol id="s" viewBox="0 0 10 10"><path class="a" d="M0 0H10L5 10Z"/></symbol>
         <use xlink:href="#s" x="5" y="5" width="30" height="30"/><rect id="b" x="50" y="10" width="30" height="20"/>
         <svg x="10" y="50" width="80" height="40" viewBox="0 0 10 10"><circle cx="5" cy="5" r="8"/></svg>)svg"},
-    {"what lies outside of a wide viewport is cut off", R"svg(<circle cx="50" cy="25" r="45" fill="#639"/><path d="M-50 25H150" stroke="#fff" stroke-width="9"/>)svg",
+    {"what lies outside of a wide viewport is cut off",
+     R"svg(<circle cx="50" cy="25" r="45" fill="#639"/><path d="M-50 25H150" stroke="#fff" stroke-width="9"/>)svg",
      R"svg(width="100" height="50")svg"},
     {"a viewport filled unevenly", R"svg(<circle cx="5" cy="5" r="4" fill="#c63" stroke="#000"/>)svg",
      R"svg(width="60" height="30" viewBox="0 0 10 10" preserveAspectRatio="none")svg"},
@@ -85,7 +86,8 @@ TEST(ImportedArt, LooksLikeItsSource) {
     ASSERT_TRUE(frame) << drawing.what;
     const Fidelity fidelity = fidelityOf(source, *frame);
     EXPECT_TRUE(fidelity.isRight()) << drawing.what << ": mean " << fidelity.mean << ", far off " << fidelity.farOff
-                                    << " %\n" << frame->document.substr(0, 2000);
+                                    << " %\n"
+                                    << frame->document.substr(0, 2000);
     EXPECT_NE(frame->elements, 0U) << drawing.what;
   }
 }
@@ -97,13 +99,25 @@ TEST(ImportedArt, IsSmall) {
     std::size_t mostPoints;
   };
   const Case cases[] = {
-      {{"a stroke that the player draws itself", R"svg(<path d="M10 10C30 90 70 90 90 10" fill="none" stroke="#000"/>)svg"}, 4},
-      {{"a clip that cuts nothing", R"svg(<clipPath id="c"><path d="M0 0H100V100H0Z"/></clipPath><circle cx="50" cy="50" r="20" clip-path="url(#c)"/>)svg"}, 13},
-      {{"a circle, half of it", R"svg(<clipPath id="c"><path d="M0 0H50L51 100H0Z"/></clipPath><circle cx="50" cy="50" r="20" clip-path="url(#c)"/>)svg"}, 14},
-      {{"a circle within another", R"svg(<path fill-rule="evenodd" d="M50 20a30 30 0 1 0 .1 0zM50 30a20 20 0 1 0 .1 0z"/>)svg"}, 60},
-      {{"a line with round ends", R"svg(<path d="M10 10L90 50" stroke="#000" stroke-width="5" stroke-linecap="round"/>)svg"}, 15},
+      {{"a stroke that the player draws itself",
+        R"svg(<path d="M10 10C30 90 70 90 90 10" fill="none" stroke="#000"/>)svg"},
+       4},
+      {{"a clip that cuts nothing",
+        R"svg(<clipPath id="c"><path d="M0 0H100V100H0Z"/></clipPath><circle cx="50" cy="50" r="20" clip-path="url(#c)"/>)svg"},
+       13},
+      {{"a circle, half of it",
+        R"svg(<clipPath id="c"><path d="M0 0H50L51 100H0Z"/></clipPath><circle cx="50" cy="50" r="20" clip-path="url(#c)"/>)svg"},
+       14},
+      {{"a circle within another",
+        R"svg(<path fill-rule="evenodd" d="M50 20a30 30 0 1 0 .1 0zM50 30a20 20 0 1 0 .1 0z"/>)svg"},
+       60},
+      {{"a line with round ends",
+        R"svg(<path d="M10 10L90 50" stroke="#000" stroke-width="5" stroke-linecap="round"/>)svg"},
+       15},
       {{"neighbours of one colour, in one outline", R"svg(<path d="M1 1h9v9z"/><path d="M20 1h9v9z"/>)svg"}, 6},
-      {{"what nobody sees", R"svg(<rect x="200" width="9" height="9"/><rect width="9" height="9" opacity="0"/><path d="M5 5"/>)svg"}, 0},
+      {{"what nobody sees",
+        R"svg(<rect x="200" width="9" height="9"/><rect width="9" height="9" opacity="0"/><path d="M5 5"/>)svg"},
+       0},
   };
   for (const Case& c : cases) {
     const auto imported = halvo::importFrame(documentOf(c.drawing), {});

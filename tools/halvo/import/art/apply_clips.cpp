@@ -14,8 +14,7 @@ void apply(const Clip& clip, Shape& shape, const Frame& frame) {
     for (const HalfPlane& plane : *planes) shape.outline = cut(shape.outline, plane);
     return;
   }
-  shape.outline =
-      combine(Combination::Intersection, {shape.outline, shape.rule}, {clip.outline, clip.rule}, frame);
+  shape.outline = combine(Combination::Intersection, {shape.outline, shape.rule}, {clip.outline, clip.rule}, frame);
   shape.rule = Rule::NonZero;
   shape.windsOneWay = true;
 }

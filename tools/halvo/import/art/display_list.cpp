@@ -7,7 +7,8 @@ namespace halvo::art {
 namespace {
 
 void moveAlong(Paint& paint, const Matrix& back) {
-  if (auto* gradient = std::get_if<Gradient>(&paint)) gradient->toGradient = quellaro::concat(back, gradient->toGradient);
+  if (auto* gradient = std::get_if<Gradient>(&paint))
+    gradient->toGradient = quellaro::concat(back, gradient->toGradient);
   if (auto* pattern = std::get_if<Pattern>(&paint)) pattern->toPattern = quellaro::concat(back, pattern->toPattern);
 }
 

@@ -30,8 +30,9 @@ std::optional<double> evenAlpha(const Paint& paint) {
   if (!gradient || gradient->spread == Spread::None) return std::nullopt;
   const auto& stops = gradient->stops;
   const double alpha = stops.front().colour.alpha;
-  const bool isEven = std::all_of(stops.begin(), stops.end(),
-                                  [&](const GradientStop& stop) { return std::fabs(stop.colour.alpha - alpha) < 0.002; });
+  const bool isEven = std::all_of(stops.begin(), stops.end(), [&](const GradientStop& stop) {
+    return std::fabs(stop.colour.alpha - alpha) < 0.002;
+  });
   return isEven ? std::optional(alpha) : std::nullopt;
 }
 
@@ -105,8 +106,7 @@ void addOnTop(std::vector<Member>& members, Shape top, const PassContext& contex
     makeFill(lower.shape, context);
     makeFill(top, context);
     Member below = lower;
-    below.shape.outline =
-        combine(Combination::Intersection, {lower.shape.outline}, {top.outline}, context.frame);
+    below.shape.outline = combine(Combination::Intersection, {lower.shape.outline}, {top.outline}, context.frame);
     if (below.shape.outline.empty()) {
       result.push_back(std::move(lower));
       continue;

@@ -40,8 +40,8 @@ double GradientField::at(Point p) const {
 }
 
 Stretch GradientField::stretchOf(const Box& box) const {
-  const auto [low, high] = std::minmax({at({box.minX, box.minY}), at({box.maxX, box.minY}), at({box.maxX, box.maxY}),
-                                        at({box.minX, box.maxY})});
+  const auto [low, high] = std::minmax(
+      {at({box.minX, box.minY}), at({box.maxX, box.minY}), at({box.maxX, box.maxY}), at({box.minX, box.maxY})});
   if (!gradient_.isRadial) return {low, high};
   const double growth = gradient_.toRadius - gradient_.fromRadius;
   return {-gradient_.fromRadius / growth, high};

@@ -95,7 +95,11 @@ double determinant(const Matrix& m) { return m.a * m.d - m.b * m.c; }
 
 Matrix inverse(const Matrix& m) {
   const double over = 1 / determinant(m);
-  return {m.d * over,  -m.b * over, -m.c * over, m.a * over, (m.c * m.ty - m.d * m.tx) * over,
+  return {m.d * over,
+          -m.b * over,
+          -m.c * over,
+          m.a * over,
+          (m.c * m.ty - m.d * m.tx) * over,
           (m.b * m.tx - m.a * m.ty) * over};
 }
 

@@ -105,7 +105,8 @@ void PathText::curve(Place control1, Place control2, Place to) {
   const std::int64_t numbers[] = {control1.x, control1.y, control2.x, control2.y, to.x, to.y};
   constexpr bool kAcross[] = {kX, kY, kX, kY, kX, kY};
   // The player takes a control point at the corner of the frame for none.
-  const bool goesOn = isSmooth_ && !(control_ == Place{}) && control1 == Place{2 * at_.x - control_.x, 2 * at_.y - control_.y};
+  const bool goesOn =
+      isSmooth_ && !(control_ == Place{}) && control1 == Place{2 * at_.x - control_.x, 2 * at_.y - control_.y};
   if (goesOn)
     command('S', {numbers + 2, 4}, kAcross);
   else

@@ -7,9 +7,7 @@ namespace halvo::art {
 namespace {
 
 // First from the frame's units to the script's, then what the pattern says.
-Matrix fromFrame(const Matrix& pattern, const Matrix& toFrame) {
-  return quellaro::concat(inverse(toFrame), pattern);
-}
+Matrix fromFrame(const Matrix& pattern, const Matrix& toFrame) { return quellaro::concat(inverse(toFrame), pattern); }
 
 bool isIdentity(const Matrix& m) {
   const auto is = [](double value, double wanted) { return std::fabs(value - wanted) < 1e-6; };
@@ -66,8 +64,7 @@ void ScriptPainting::stroke(const ScriptContext& context) const {
   StrokeStyle style = context.stroke;
   style.pen = quellaro::concat(context.matrix, toFrame);
   style.pen.tx = style.pen.ty = 0;
-  add(context,
-      {mapped(withoutMoves(context.path), toFrame), context.rule, std::move(style), *std::move(paint), false});
+  add(context, {mapped(withoutMoves(context.path), toFrame), context.rule, std::move(style), *std::move(paint), false});
 }
 
 void ScriptPainting::addPicture(const ScriptContext& context, double opacity) const {
@@ -96,7 +93,8 @@ void ScriptPainting::mask(const ScriptContext& context, const ScriptPattern& thr
   if (const auto* colour = std::get_if<Colour>(&through.source)) {
     if (std::holds_alternative<SurfacePattern>(context.source->source)) return addPicture(context, colour->alpha);
     ScriptContext apart = context;
-    apart.target = std::make_shared<ScriptSurface>(ScriptSurface{context.target->width, context.target->height, false, {}});
+    apart.target =
+        std::make_shared<ScriptSurface>(ScriptSurface{context.target->width, context.target->height, false, {}});
     apart.clips.clear();
     paint(apart);
     context.target->list.items.push_back(

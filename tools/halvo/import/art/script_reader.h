@@ -11,6 +11,6 @@ namespace halvo::art {
 
 // What a drawing script draws, brought into the frame's units.
 std::variant<DisplayList, ArtError> readScript(std::string_view script, const Matrix& toFrame,
-                                              std::vector<ArtNote>& notes);
+                                               std::vector<ArtNote>& notes);
 
 }  // namespace halvo::art

@@ -26,9 +26,12 @@ std::size_t through(std::string_view text, std::string_view end) {
 std::size_t textLength(std::string_view text) {
   int depth = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\\') ++i;
-    else if (text[i] == '(') ++depth;
-    else if (text[i] == ')' && --depth == 0) return i + 1;
+    if (text[i] == '\\')
+      ++i;
+    else if (text[i] == '(')
+      ++depth;
+    else if (text[i] == ')' && --depth == 0)
+      return i + 1;
   }
   return text.size();
 }

@@ -65,10 +65,12 @@ bool maskByGroup(std::string_view document, const Tag& masked, std::string_view 
   constexpr std::string_view kPlain =
       " fill=\"#000\" fill-opacity=\"1\" fill-rule=\"nonzero\" stroke=\"none\" stroke-width=\"1\" stroke-opacity=\"1\""
       " clip-rule=\"nonzero\"";
-  std::string content = opening(isAlpha ? kAlphaMask : kLightMask, attributeText("transform", masked.find("transform").value_or("")));
+  std::string content =
+      opening(isAlpha ? kAlphaMask : kLightMask, attributeText("transform", masked.find("transform").value_or("")));
   const std::string region = regionOf(mask);
   content += "<g" + std::string(kPlain) + '>' + region + "<g";
-  for (const char* name : {"fill", "stroke", "fill-opacity", "stroke-width", "fill-rule", "style", "class", "transform"})
+  for (const char* name :
+       {"fill", "stroke", "fill-opacity", "stroke-width", "fill-rule", "style", "class", "transform"})
     if (const auto value = mask.find(name)) content += attributeText(name, *value);
   content += '>' + edited(document, mask.end, mask.contentEnd, removals) + "</g>";
   content += region == "<g>" ? "</g>" : "</svg>";

@@ -123,7 +123,8 @@ class Preparing {
   }
 
   static std::string_view attributeName(const Tag& tag, std::string_view name) {
-    return std::find_if(tag.attributes.begin(), tag.attributes.end(), [&](const auto& a) { return a.name == name; })->name;
+    return std::find_if(tag.attributes.begin(), tag.attributes.end(), [&](const auto& a) { return a.name == name; })
+        ->name;
   }
 
   void removePicture(const Tag& tag) {
@@ -157,7 +158,8 @@ class Preparing {
     const std::string_view content =
         std::string_view(text_).substr(found->second->end, found->second->contentEnd - found->second->end);
     const bool blurs = content.find("feGaussianBlur") != std::string_view::npos;
-    const bool moves = content.find("feOffset") != std::string_view::npos || content.find("feDropShadow") != std::string_view::npos;
+    const bool moves =
+        content.find("feOffset") != std::string_view::npos || content.find("feDropShadow") != std::string_view::npos;
     return blurs && moves ? "a shadow" : blurs ? "a blur" : moves ? "a shadow" : "a filter";
   }
 

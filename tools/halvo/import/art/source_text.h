@@ -38,7 +38,6 @@ inline constexpr double kAlphaMask = 0.123461;
 std::variant<std::string, ArtError> unpackSource(std::string_view bytes);
 
 // Tells of everything that the frame will not show.
-std::variant<SourceText, ArtError> prepareSource(std::string text, const SourceSize& size,
-                                                 std::vector<ArtNote>& notes);
+std::variant<SourceText, ArtError> prepareSource(std::string text, const SourceSize& size, std::vector<ArtNote>& notes);
 
 }  // namespace halvo::art

@@ -35,8 +35,7 @@ void addArc(Contour& contour, Point centre, Point from, Point to, double angle) 
 // round; the inner side of a corner passes the corner itself, so that this stays so however short the pieces are.
 class Outliner {
  public:
-  Outliner(const StrokeStyle& style, double tolerance)
-      : style_(style), half_(style.width / 2), tolerance_(tolerance) {}
+  Outliner(const StrokeStyle& style, double tolerance) : style_(style), half_(style.width / 2), tolerance_(tolerance) {}
 
   void add(const Contour& contour, Outline& result) {
     const std::vector<StrokePiece> pieces = piecesOf(contour, half_);

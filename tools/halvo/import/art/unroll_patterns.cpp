@@ -62,8 +62,8 @@ DisplayList unrollPatterns(DisplayList list, const PassContext& context) {
     if (shape.stroke) clip = {strokeOutline(shape.outline, *shape.stroke, context.frame), Rule::NonZero};
     item.clips.push_back(std::make_shared<const Clip>(std::move(clip)));
     // Pictures in pictures.
-    result.push_back({std::make_shared<Group>(Group{unrollPatterns(std::move(group->members), context), 1}),
-                      std::move(item.clips)});
+    result.push_back(
+        {std::make_shared<Group>(Group{unrollPatterns(std::move(group->members), context), 1}), std::move(item.clips)});
   });
 }
 

@@ -75,7 +75,8 @@ Element elementOf(const FlatShape& shape, int decimals, ArtFrame& frame) {
 void writeFrame(const std::vector<FlatShape>& shapes, int side, int decimals, ArtFrame& frame) {
   std::vector<Element> elements;
   for (const FlatShape& shape : shapes)
-    if (Element element = elementOf(shape, decimals, frame); !element.rest.empty()) elements.push_back(std::move(element));
+    if (Element element = elementOf(shape, decimals, frame); !element.rest.empty())
+      elements.push_back(std::move(element));
   const std::string length = std::to_string(side);
   std::string& text = frame.document;
   text = R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" + length + R"(" height=")" + length + R"(">)";
