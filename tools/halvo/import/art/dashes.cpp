@@ -41,7 +41,8 @@ class Dasher {
     offset = std::fmod(offset, period);
     if (offset < 0) offset += period;
     left_ = dashes_[0];
-    while (offset >= left_) {
+    // A dash of no length at the start is one all the same.
+    while (offset > 0 && offset >= left_) {
       offset -= left_;
       advance();
     }

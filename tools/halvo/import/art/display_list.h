@@ -106,7 +106,7 @@ struct FlatShape {
 
 // What polygon clipping may still take, in corners. A small document can ask for more than anyone would wait for.
 struct Work {
-  double left = 2e7;
+  double left = 6e6;
 };
 
 // A frame's measures.

@@ -13,16 +13,13 @@ namespace halvo::art {
 GradientField::GradientField(const Gradient& gradient, const Frame& frame) : gradient_(gradient), frame_(frame) {
   const Matrix& m = gradient.toGradient;
   const Point way = gradient.to - gradient.from;
-  if (!(std::fabs(determinant(m)) > 0) || !std::isfinite(determinant(m))) {
-    isRegular_ = false;
-  } else if (gradient.isRadial) {
-    isRegular_ = gradient.toRadius > gradient.fromRadius && length(way) <= gradient.toRadius - gradient.fromRadius;
-  } else if (const double square = dot(way, way); square > 0) {
-    slope_ = {(m.a * way.x + m.b * way.y) / square, (m.c * way.x + m.d * way.y) / square};
-    origin_ = dot(Point{m.tx, m.ty} - gradient.from, way) / square;
-  } else {
-    isRegular_ = false;
-  }
+  const double square = dot(way, way);
+  const double growth = gradient.toRadius - gradient.fromRadius;
+  isRegular_ = std::fabs(determinant(m)) > 0 && std::isfinite(determinant(m)) &&
+               (gradient.isRadial ? growth > 0 && square <= growth * growth : square > 0);
+  if (!isRegular_ || gradient.isRadial) return;
+  slope_ = {(m.a * way.x + m.b * way.y) / square, (m.c * way.x + m.d * way.y) / square};
+  origin_ = dot(Point{m.tx, m.ty} - gradient.from, way) / square;
 }
 
 // The outermost circle that passes there, by the larger root of |p - from - t way| = r + t growth.

@@ -131,4 +131,42 @@ Outline cut(Outline outline, const Box& box) {
   return outline;
 }
 
+std::optional<std::vector<HalfPlane>> halfPlanesOf(const Outline& outline) {
+  if (outline.size() != 1 || outline[0].segments.size() > 16) return std::nullopt;
+  std::vector<Point> corners{outline[0].start};
+  for (const Segment& segment : outline[0].segments) {
+    if (!segment.isLine) return std::nullopt;
+    if (!(segment.end == corners.back())) corners.push_back(segment.end);
+  }
+  while (corners.size() > 1 && corners.back() == corners.front()) corners.pop_back();
+  const std::size_t count = corners.size();
+  if (count < 3) return std::nullopt;
+  std::vector<HalfPlane> planes;
+  double turned = 0;
+  double direction = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const Point way = corners[(i + 1) % count] - corners[i];
+    const Point next = corners[(i + 2) % count] - corners[(i + 1) % count];
+    const double turn = std::atan2(cross(way, next), dot(way, next));
+    if (turn * direction < 0) return std::nullopt;
+    if (turn != 0) direction = turn;
+    turned += turn;
+    planes.push_back({Point{way.y, -way.x}, dot(Point{way.y, -way.x}, corners[i])});
+  }
+  // Once around, not twice.
+  if (std::fabs(turned) > 6.5) return std::nullopt;
+  if (direction < 0)
+    for (HalfPlane& plane : planes) plane = {plane.normal * -1, -plane.limit};
+  return planes;
+}
+
+bool containsBox(const std::vector<HalfPlane>& planes, const Box& box) {
+  const Point corners[] = {{box.minX, box.minY}, {box.maxX, box.minY}, {box.maxX, box.maxY}, {box.minX, box.maxY}};
+  for (const HalfPlane& plane : planes)
+    for (const Point corner : corners)
+      // Rounding in steps of the drawing library's cuts nothing off.
+      if (dot(corner, plane.normal) - plane.limit > 1e-3 * length(plane.normal)) return false;
+  return true;
+}
+
 }  // namespace halvo::art

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include "import/art/outline.h"
 
 namespace halvo::art {
@@ -14,5 +17,9 @@ struct HalfPlane {
 // along the border.
 Outline cut(const Outline& outline, const HalfPlane& plane);
 Outline cut(Outline outline, const Box& box);
+
+// The half planes whose common part a polygon without dents is; nothing for any other outline.
+std::optional<std::vector<HalfPlane>> halfPlanesOf(const Outline& outline);
+bool containsBox(const std::vector<HalfPlane>& planes, const Box& box);
 
 }  // namespace halvo::art

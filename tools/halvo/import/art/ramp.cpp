@@ -1,7 +1,9 @@
 #include "import/art/ramp.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace halvo::art {
@@ -9,15 +11,6 @@ namespace halvo::art {
 namespace {
 
 constexpr double kMostPeriods = 200;
-
-Colour between(const Colour& a, const Colour& b, double s) {
-  const auto mix = [s](double x, double y) { return x + (y - x) * s; };
-  return {mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue), mix(a.alpha, b.alpha)};
-}
-
-double distance(const Colour& a, const Colour& b) {
-  return 255 * std::max({std::fabs(a.red - b.red), std::fabs(a.green - b.green), std::fabs(a.blue - b.blue)});
-}
 
 void addPeriod(const std::vector<GradientStop>& stops, double start, bool isMirrored, std::vector<RampPoint>& ramp) {
   const auto at = [&](double offset) { return isMirrored ? start + 1 - offset : start + offset; };
@@ -44,14 +37,6 @@ std::vector<RampPoint> within(const std::vector<RampPoint>& ramp, const Stretch&
   return result;
 }
 
-// The share of one colour in the ramp, from the ends of its lines and places between.
-struct Profile {
-  Colour colour;
-  std::vector<double> amount;
-};
-
-constexpr int kPlaces = 16;
-
 // What lets so little through is laid in bands: where veils meet an outline's edge, they make it harder than one does.
 constexpr double kOpaque = 0.97;
 
@@ -63,137 +48,16 @@ std::vector<std::pair<RampPoint, RampPoint>> split(const RampPoint& a, const Ram
   return {{a, middle}, {middle, b}};
 }
 
-bool sameColour(const Colour& a, const Colour& b) { return distance(a, b) < 1; }
-
-// At `kPlaces` places of each line, from its begin to its end.
-std::vector<RampPoint> sampled(const std::vector<RampPoint>& ramp) {
-  std::vector<RampPoint> result;
-  for (std::size_t i = 0; i + 1 < ramp.size(); i += 2)
-    for (int k = 0; k <= kPlaces; ++k) {
-      const double s = static_cast<double>(k) / kPlaces;
-      result.push_back({ramp[i].t + (ramp[i + 1].t - ramp[i].t) * s, between(ramp[i].colour, ramp[i + 1].colour, s)});
-    }
-  return result;
-}
-
-std::size_t profileOf(const Colour& colour, std::vector<Profile>& profiles, std::size_t places) {
-  for (std::size_t i = 0; i < profiles.size(); ++i)
-    if (sameColour(profiles[i].colour, colour)) return i;
-  profiles.push_back({colour, std::vector<double>(places)});
-  return profiles.size() - 1;
-}
-
-// How much of each colour of the ramp is laid at each place: in the end, what is not covered by those after it.
-std::vector<Profile> profilesOf(const std::vector<RampPoint>& ramp, const std::vector<RampPoint>& places) {
-  std::vector<Profile> profiles;
-  for (std::size_t i = 0; i + 1 < ramp.size(); i += 2) {
-    const std::size_t a = profileOf(ramp[i].colour, profiles, places.size());
-    const std::size_t b = profileOf(ramp[i + 1].colour, profiles, places.size());
-    for (int k = 0; k <= kPlaces; ++k) {
-      const std::size_t place = i / 2 * (kPlaces + 1) + static_cast<std::size_t>(k);
-      const double s = static_cast<double>(k) / kPlaces;
-      profiles[a].amount[place] += (1 - s) * places[place].colour.alpha;
-      profiles[b].amount[place] += s * places[place].colour.alpha;
-    }
-  }
-  for (std::size_t place = 0; place < places.size(); ++place) {
-    double above = 0;
-    for (std::size_t i = profiles.size(); i-- > 0;) {
-      const double own = profiles[i].amount[place];
-      profiles[i].amount[place] = above < 0.999 ? std::min(1.0, own / (1 - above)) : 0;
-      above += own;
-    }
-  }
-  return profiles;
-}
-
-// Where the profile is at least that high.
-std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const std::vector<double>& amount,
-                                  double level) {
-  std::vector<Stretch> result;
-  const auto add = [&](double from, double to) {
-    if (!(from < to)) return;
-    if (!result.empty() && from - result.back().to < 1e-9)
-      result.back().to = to;
-    else
-      result.push_back({from, to});
-  };
-  for (std::size_t i = 0; i + 1 < places.size(); ++i) {
-    // From one line to the next.
-    if (i % (kPlaces + 1) == kPlaces) continue;
-    const double a = amount[i] - level;
-    const double b = amount[i + 1] - level;
-    const double from = places[i].t;
-    const double to = places[i + 1].t;
-    if (a >= 0 && b >= 0)
-      add(from, to);
-    else if (a >= 0)
-      add(from, from + (to - from) * a / (a - b));
-    else if (b >= 0)
-      add(to - (to - from) * b / (b - a), to);
-  }
-  return result;
-}
-
-// The player multiplies colours by alpha in steps of 1/255, and so does it with what is below. Each veil makes up for
-// the rounding of those before it, or their errors would add up to another colour.
-class VeilLayer {
- public:
-  explicit VeilLayer(const Colour& colour) : wanted_{colour.red, colour.green, colour.blue} {}
-
-  double laid() const { return laid_; }
-  // The colour that brings the veils laid so far to that alpha; nothing where it is too near.
-  std::optional<Colour> next(double alpha) {
-    const double own = laid_ < 1 ? std::round(255 * (1 - (1 - alpha) / (1 - laid_))) / 255 : 0;
-    if (own <= 0) return std::nullopt;
-    laid_ = 1 - (1 - laid_) * (1 - own);
-    double shown[3];
-    for (int i = 0; i < 3; ++i) {
-      const double missing = wanted_[i] * laid_ - sum_[i] * (1 - own);
-      const double step = std::clamp(std::round(missing * 255) / 255, 0.0, own);
-      sum_[i] = sum_[i] * (1 - own) + step;
-      shown[i] = step / own;
-    }
-    return Colour{shown[0], shown[1], shown[2], own};
-  }
-
- private:
-  double wanted_[3];
-  // Of the veils so far, multiplied by their alpha.
-  double sum_[3] = {};
-  double laid_ = 0;
-};
-
-void addVeils(const std::vector<RampPoint>& places, const Profile& profile, int count, std::vector<Veil>& veils) {
-  const double most = *std::max_element(profile.amount.begin(), profile.amount.end());
-  VeilLayer layer(profile.colour);
-  for (int k = 1; k <= count; ++k) {
-    // Uneven steps: even ones are rounded the same way each time, which adds up.
-    const double uneven = k < count && profile.colour.red > 0.3 ? 0.35 * std::sin(2.4 * k) : 0;
-    const double wanted = most * (k + uneven) / count;
-    const double level = (layer.laid() + wanted) / 2;
-    const auto colour = layer.next(wanted);
-    if (!colour) continue;
-    Veil veil{whereAtLeast(places, profile.amount, level), *colour};
-    if (!veil.where.empty()) veils.push_back(std::move(veil));
-  }
-}
-
-// Shadows mostly fall on what is much lighter. A light colour changes what is below it by less, so that finer steps
-// would be lost in rounding.
-double veilStep(const Colour& colour, const Fineness& fineness) {
-  return fineness.step * (1.3 + 0.6 * (colour.red + colour.green + colour.blue));
-}
-
-// How much of the ramp changes.
-double changingLength(const std::vector<RampPoint>& ramp) {
-  double sum = 0;
-  for (std::size_t i = 0; i + 1 < ramp.size(); i += 2)
-    if (!(ramp[i].colour == ramp[i + 1].colour)) sum += ramp[i + 1].t - ramp[i].t;
-  return sum;
-}
-
 }  // namespace
+
+Colour between(const Colour& a, const Colour& b, double s) {
+  const auto mix = [s](double x, double y) { return x + (y - x) * s; };
+  return {mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue), mix(a.alpha, b.alpha)};
+}
+
+double distance(const Colour& a, const Colour& b) {
+  return 255 * std::max({std::fabs(a.red - b.red), std::fabs(a.green - b.green), std::fabs(a.blue - b.blue)});
+}
 
 std::optional<std::vector<RampPoint>> rampOf(const Gradient& gradient, const Stretch& shown) {
   const std::vector<GradientStop>& stops = gradient.stops;
@@ -260,29 +124,6 @@ std::vector<Band> bandsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
     }
   }
   return bands;
-}
-
-std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fineness) {
-  if (ramp.empty()) return {};
-  const std::vector<RampPoint> places = sampled(ramp);
-  const std::vector<Profile> profiles = profilesOf(ramp, places);
-  std::vector<Veil> veils;
-  const double seen = std::min<double>(fineness.most, changingLength(ramp) * fineness.mostPerUnit);
-  const int most = std::max(1, static_cast<int>(seen / static_cast<double>(std::max<std::size_t>(1, profiles.size()))));
-  for (const Profile& profile : profiles) {
-    const auto [low, high] = std::minmax_element(profile.amount.begin(), profile.amount.end());
-    if (*high < 0.5 / 255) continue;
-    if (*high - *low < 0.5 / 255) {
-      Veil veil{{{places.front().t, places.back().t}}, profile.colour};
-      veil.colour.alpha = *high;
-      veils.push_back(std::move(veil));
-    } else {
-      addVeils(places, profile,
-               std::clamp(static_cast<int>(std::ceil(*high * 255 / veilStep(profile.colour, fineness))), 1, most),
-               veils);
-    }
-  }
-  return veils;
 }
 
 }  // namespace halvo::art

@@ -13,6 +13,10 @@ struct RampPoint {
   Colour colour;
 };
 
+Colour between(const Colour& a, const Colour& b, double s);
+// Of the component that differs most, of 255, whatever their alphas.
+double distance(const Colour& a, const Colour& b);
+
 struct Stretch {
   double from = 0, to = 0;
 };

@@ -14,6 +14,12 @@ bool isIdentity(const Matrix& m) {
   return is(m.a, 1) && is(m.b, 0) && is(m.c, 0) && is(m.d, 1) && is(m.tx, 0) && is(m.ty, 0);
 }
 
+// A move that nothing follows, as after each closing.
+Outline withoutMoves(Outline outline) {
+  std::erase_if(outline, [](const Contour& contour) { return contour.segments.empty() && !contour.isClosed; });
+  return outline;
+}
+
 }  // namespace
 
 void ScriptPainting::leaveOut(std::string element, std::string what) const {
@@ -49,7 +55,7 @@ void ScriptPainting::add(const ScriptContext& context, Shape shape) const {
 void ScriptPainting::fill(const ScriptContext& context) const {
   std::optional<Paint> paint = paintOf(context);
   if (!paint || context.path.empty()) return;
-  add(context, {mapped(context.path, toFrame), context.rule, std::nullopt, *std::move(paint), false});
+  add(context, {mapped(withoutMoves(context.path), toFrame), context.rule, std::nullopt, *std::move(paint), false});
 }
 
 void ScriptPainting::stroke(const ScriptContext& context) const {
@@ -58,7 +64,7 @@ void ScriptPainting::stroke(const ScriptContext& context) const {
   StrokeStyle style = context.stroke;
   style.pen = quellaro::concat(context.matrix, toFrame);
   style.pen.tx = style.pen.ty = 0;
-  add(context, {mapped(context.path, toFrame), context.rule, std::move(style), *std::move(paint), false});
+  add(context, {mapped(withoutMoves(context.path), toFrame), context.rule, std::move(style), *std::move(paint), false});
 }
 
 void ScriptPainting::addPicture(const ScriptContext& context, double opacity) const {
@@ -100,7 +106,8 @@ void ScriptPainting::mask(const ScriptContext& context, const ScriptPattern& thr
 }
 
 void ScriptPainting::clip(ScriptContext& context) const {
-  context.clips.push_back(std::make_shared<const Clip>(Clip{mapped(context.path, toFrame), context.rule}));
+  context.clips.push_back(
+      std::make_shared<const Clip>(Clip{mapped(withoutMoves(context.path), toFrame), context.rule}));
 }
 
 }  // namespace halvo::art

@@ -100,6 +100,11 @@ class Preparing {
       if (told.element == tag.name) tell(told.loss, tag.label(), told.what);
     hasText_ = hasText_ || tag.name == "text";
     removePicture(tag);
+    // A pattern's picture is drawn by itself, so that it is turned by itself.
+    if (tag.name == "pattern" && tag.contentEnd != tag.end) {
+      edits_.push_back({tag.end, 0, "<turned:g transform=\"matrix(1 .0005 -.0005 1 0 0)\">"});
+      edits_.push_back({tag.contentEnd, 0, "</turned:g>"});
+    }
     for (const char* const property : {"filter", "mix-blend-mode"}) {
       if (const auto value = tag.find(property)) removeEffect(tag, property, *value, attributeName(tag, property));
       for (const std::string_view list : {tag.find("style").value_or(""), contentOfStyle(tag)})
@@ -129,7 +134,7 @@ class Preparing {
            isOutside(reference) ? "a picture outside of the file is not fetched" : "a picture of pixels is left out");
       edits_.push_back({offsetOf(tag.name), 0, "x-"});
       // The end tag's name.
-      if (tag.contentEnd != tag.end) {
+      if (tag.elementEnd != tag.end) {
         const std::size_t at = text_.find(tag.name, tag.contentEnd);
         edits_.push_back({at, 0, "x-"});
       }

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "import/art/half_plane.h"
 #include "import/art/passes.h"
 
 namespace halvo::art {
@@ -9,8 +10,8 @@ namespace {
 using Clips = std::vector<std::shared_ptr<const Clip>>;
 
 bool cutsNothing(const Clip& clip, const Box& shown) {
-  Box box;
-  return isRectangle(clip.outline, box) && box.contains(shown);
+  const auto planes = halfPlanesOf(clip.outline);
+  return planes && containsBox(*planes, shown);
 }
 
 DisplayList spread(const DisplayList& list, const Clips& outer) {
