@@ -26,7 +26,7 @@ DisplayList unrollPatterns(DisplayList list, const PassContext& context);
 DisplayList resolveMasks(DisplayList list, const PassContext& context);
 
 // Groups hand their clips to their members, and everything is clipped by the viewport. Clips that cut nothing go.
-DisplayList spreadClips(DisplayList list, const PassContext& context);
+DisplayList spreadClips(const DisplayList& list, const PassContext& context);
 
 // Strokes that the player cannot draw, and those that are clipped, become fills.
 DisplayList outlineStrokes(DisplayList list, const PassContext& context);

@@ -67,7 +67,7 @@ std::vector<Light> gathered(std::vector<Light> lights) {
 std::shared_ptr<Group> masked(DisplayList content, DisplayList mask, bool byAlpha, const PassContext& context) {
   PassContext within = context;
   within.gradientSteps = kMostBands;
-  mask = outlineStrokes(spreadClips(std::move(mask), within), within);
+  mask = outlineStrokes(spreadClips(mask, within), within);
   std::vector<Shape> shapes = flattenGroups(applyClips(std::move(mask), within), within);
   for (Shape& shape : shapes) {
     if (!shape.stroke) continue;

@@ -37,7 +37,7 @@ DisplayList spread(const DisplayList& list, const Clips& outer) {
 
 }  // namespace
 
-DisplayList spreadClips(DisplayList list, const PassContext& context) {
+DisplayList spreadClips(const DisplayList& list, const PassContext& context) {
   const auto viewport = std::make_shared<const Clip>(Clip{rectangle(context.frame.viewport), Rule::NonZero});
   return spread(list, {viewport});
 }
