@@ -129,8 +129,10 @@ inline void Rasterizer::beginChain(Run& run, const FixedEdge& edge) {
 
 void Rasterizer::finish(Run& run, bool isClosed) {
   if (((run.chain ^ run.firstChain) & kUpwards) != 0) turnsAt(run.start);
-  if (run.returning != 0 && (!isClosed || run.returning != run.chain))
+  if (run.returning != 0 && (!isClosed || run.returning != run.chain)) {
     seen_[static_cast<std::size_t>(run.start >> kSubpixelBits)] |= kOverlaps;
+    anythingSeen_ = true;
+  }
   run = {};
 }
 
@@ -243,7 +245,7 @@ void Rasterizer::sweep(const Surface& surface, const Paint& paint, const SpanFun
   Row row = rowAt(0);
   for (int y = 0; y < area_.height(); ++y, advance(row)) {
     left += std::exchange(leftCover_[static_cast<std::size_t>(y)], 0);
-    const bool replaced = (std::exchange(*row.seen, 0) & kOverlaps) != 0;
+    const bool replaced = anythingSeen_ && (std::exchange(*row.seen, 0) & kOverlaps) != 0;
     spans.sweepRow({surface.row(area_.top + y) + area_.left, width, row.cells, blocks_, row.touched}, paint,
                    replaced ? 0 : static_cast<std::uint32_t>(left) * kFullCover);
   }
