@@ -139,9 +139,10 @@ void Rasterizer::finish(Run& run, bool isClosed) {
 inline void Rasterizer::own(Watch watch, const Row& row, std::size_t column) {
   std::uint32_t& owner = row.owners[column];
   const std::uint32_t before = owner;
-  if (before >= watch.firstChain && (before & ~kShared) != watch.chain) [[unlikely]]
-    return meet(*watch.run, row, owner);
-  owner = before >= watch.firstChain ? before : watch.chain;
+  if (before < watch.firstChain)
+    owner = watch.chain;
+  else if ((before & ~kShared) != watch.chain) [[unlikely]]
+    meet(*watch.run, row, owner);
 }
 
 // An edge up and one down may enclose what lies between them, a thin line or a tip. Two edges up, and whatever comes
