@@ -27,7 +27,7 @@ class RowWinding {
   struct Line {
     int upper, lower;  // y
     int x0, y0;
-    double slope;  // dividing once for each edge, not for each band, takes a seventh off a row's instructions
+    double slope;
     int winding;
   };
   struct Crossing {
