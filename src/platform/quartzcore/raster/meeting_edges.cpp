@@ -64,16 +64,26 @@ void Rasterizer::examine(std::size_t y, std::int32_t left, Signs& signs) {
   const bool turns = (*row.seen & kTurns) != 0;
   // Left of the pixels in which edges follow on one another without a gap.
   bool isPartBeforeEdges = false;
+  bool follows = false;
+  std::uint32_t before = 0;
+  std::size_t end = 0;
   for (std::size_t block = 0; (block = findBlock(row.touched, block, blocks_, true)) < blocks_; ++block) {
-    for (std::size_t x = block * kBlockPixels; x < (block + 1) * kBlockPixels; ++x) {
-      const auto isOwned = [&](std::size_t column) { return row.owners[column] >= firstChain_; };
-      const bool follows = x > 0 && isOwned(x - 1);
-      if (!follows) isPartBeforeEdges = isPart(magnitude());
-      const bool shared = (row.owners[x] & kShared) != 0 || (turns && follows && row.owners[x] != row.owners[x - 1]);
-      if (isOwned(x) && shared && magnitude() > kRoundedSum) *row.seen |= kOverlaps;
+    // A pixel that an edge reaches has its block touched, and so has the one right of it.
+    if (block * kBlockPixels != end) follows = false;
+    end = (block + 1) * kBlockPixels;
+    for (std::size_t x = block * kBlockPixels; x < end; ++x) {
+      const std::uint32_t owner = row.owners[x];
+      const bool isOwned = owner >= firstChain_;
+      if (isOwned) {
+        if (!follows) isPartBeforeEdges = isPart(magnitude());
+        const bool shared = (owner & kShared) != 0 || (turns && follows && owner != before);
+        if (shared && magnitude() > kRoundedSum) *row.seen |= kOverlaps;
+      }
       sum += row.cells[x];
       // Different at different heights on both sides of an edge.
-      if (follows && !isOwned(x) && isPartBeforeEdges && isPart(magnitude())) *row.seen |= kOverlaps;
+      if (follows && !isOwned && isPartBeforeEdges && isPart(magnitude())) *row.seen |= kOverlaps;
+      follows = isOwned;
+      before = owner;
       signs.positive = signs.positive || static_cast<std::int32_t>(sum) > kRoundedSum;
       signs.negative = signs.negative || static_cast<std::int32_t>(sum) < -kRoundedSum;
     }
@@ -84,12 +94,18 @@ void Rasterizer::examine(std::size_t y, std::int32_t left, Signs& signs) {
 bool Rasterizer::collectEdgesOfRows() {
   if (edges_.size() == kMostEdges) return false;
   edgesOfRows_.clear();
-  firstOfRow_.assign(static_cast<std::size_t>(area_.height()), 0);
+  const auto rows = static_cast<std::size_t>(area_.height());
+  firstOfRow_.assign(rows, 0);
+  // For each row the next one that is wanted, itself perhaps: most edges cross none.
+  nextRow_.resize(rows + 1);
+  nextRow_[rows] = static_cast<std::uint32_t>(rows);
+  for (std::size_t y = rows; y-- > 0;)
+    nextRow_[y] = (seen_[y] & kOverlaps) != 0 ? static_cast<std::uint32_t>(y) : nextRow_[y + 1];
   for (std::size_t i = 0; i < edges_.size(); ++i) {
     const auto [upper, lower] = std::minmax(edges_[i].y0, edges_[i].y1);
-    for (int y = upper >> kSubpixelBits; y <= (lower - 1) >> kSubpixelBits; ++y) {
-      const auto row = static_cast<std::size_t>(y);
-      if ((seen_[row] & kOverlaps) == 0) continue;
+    const auto end = static_cast<std::size_t>((lower - 1) >> kSubpixelBits) + 1;
+    for (std::size_t row = nextRow_[static_cast<std::size_t>(upper >> kSubpixelBits)]; row < end;
+         row = nextRow_[row + 1]) {
       if (edgesOfRows_.size() == kMostEdgesOfRows) return false;
       edgesOfRows_.push_back({static_cast<std::uint32_t>(i), firstOfRow_[row]});
       firstOfRow_[row] = static_cast<std::uint32_t>(edgesOfRows_.size());

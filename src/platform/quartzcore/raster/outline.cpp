@@ -40,8 +40,9 @@ bool isStar(const CGPath& path, const Box& box) {
   for (std::size_t i = 0; i < points.size(); ++i) {
     const CGPoint now = seen(i);
     const double cross = before.x * now.y - before.y * now.x;
-    left = left || cross < 0 || (cross == 0 && before.x * now.x + before.y * now.y <= 0);
-    right = right || cross > 0 || (cross == 0 && before.x * now.x + before.y * now.y <= 0);
+    const bool isStraight = cross == 0 && before.x * now.x + before.y * now.y <= 0;
+    left = left || cross < 0 || isStraight;
+    right = right || cross > 0 || isStraight;
     if (left && right) return false;
     rounds += before.y < 0 && now.y >= 0 ? 1 : 0;
     before = now;

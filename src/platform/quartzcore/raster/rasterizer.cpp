@@ -129,17 +129,20 @@ inline void Rasterizer::beginChain(Run& run, const FixedEdge& edge) {
 
 void Rasterizer::finish(Run& run, bool isClosed) {
   if (((run.chain ^ run.firstChain) & kUpwards) != 0) turnsAt(run.start);
-  if (run.returning != 0 && (!isClosed || run.returning != run.chain))
+  if (run.returning != 0 && (!isClosed || run.returning != run.chain)) {
     seen_[static_cast<std::size_t>(run.start >> kSubpixelBits)] |= kOverlaps;
+    anythingSeen_ = true;
+  }
   run = {};
 }
 
 inline void Rasterizer::own(Watch watch, const Row& row, std::size_t column) {
   std::uint32_t& owner = row.owners[column];
   const std::uint32_t before = owner;
-  if (before >= watch.firstChain && (before & ~kShared) != watch.chain) [[unlikely]]
-    return meet(*watch.run, row, owner);
-  owner = before >= watch.firstChain ? before : watch.chain;
+  if (before < watch.firstChain)
+    owner = watch.chain;
+  else if ((before & ~kShared) != watch.chain) [[unlikely]]
+    meet(*watch.run, row, owner);
 }
 
 // An edge up and one down may enclose what lies between them, a thin line or a tip. Two edges up, and whatever comes
@@ -243,7 +246,7 @@ void Rasterizer::sweep(const Surface& surface, const Paint& paint, const SpanFun
   Row row = rowAt(0);
   for (int y = 0; y < area_.height(); ++y, advance(row)) {
     left += std::exchange(leftCover_[static_cast<std::size_t>(y)], 0);
-    const bool replaced = (std::exchange(*row.seen, 0) & kOverlaps) != 0;
+    const bool replaced = anythingSeen_ && (std::exchange(*row.seen, 0) & kOverlaps) != 0;
     spans.sweepRow({surface.row(area_.top + y) + area_.left, width, row.cells, blocks_, row.touched}, paint,
                    replaced ? 0 : static_cast<std::uint32_t>(left) * kFullCover);
   }

@@ -135,7 +135,7 @@ class Rasterizer {
     std::uint32_t edge, next;
   };
   std::vector<EdgeOfRow> edgesOfRows_;
-  std::vector<std::uint32_t> firstOfRow_;
+  std::vector<std::uint32_t> firstOfRow_, nextRow_;
   std::vector<FixedEdge> rowEdges_;
   RowWinding winding_;
 };

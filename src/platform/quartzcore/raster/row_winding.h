@@ -24,16 +24,24 @@ class RowWinding {
   std::span<const Side> sidesOf(std::span<const FixedEdge> edges, int top);
 
  private:
+  struct Line {
+    int upper, lower;  // y
+    int x0, y0;
+    double slope;
+    int winding;
+  };
   struct Crossing {
     int from, to;  // x at the band's top and bottom
     int winding;
   };
 
   void resolve(int top, int bottom);
-  bool isOrdered(int top, int bottom);
+  bool collect(int top, int bottom);
+  int splitOf(int top, int bottom, bool allPass) const;
   void emit(int height);
+  static int xAt(const Line& line, int y);
 
-  std::span<const FixedEdge> edges_;
+  std::vector<Line> lines_;
   std::vector<int> ends_;  // y
   std::vector<Crossing> crossings_;
   std::vector<Side> sides_;
