@@ -28,20 +28,16 @@ class QLHalvoView : public UIView {
   // What the animation's player draws into.
   const std::shared_ptr<QLHalvoAnimationView>& animtionView() const { return animtionView_; }
   const std::shared_ptr<UIView>& backgroundView() const { return backgroundView_; }
-  const std::shared_ptr<NSLayoutConstraint>& leadingConstraint() const { return leadingConstraint_; }
 
   void layoutSubviews() override;
 
  private:
   explicit QLHalvoView(CGRect frame) : UIView(frame) {}
-  void addBackdrop();
-  void addAnimationView();
 
   // Width divided by height.
   const double animationViewAspectRatio_ = 1.0;
   std::shared_ptr<QLHalvoAnimationView> animtionView_;
   std::shared_ptr<UIView> backgroundView_;
-  std::shared_ptr<NSLayoutConstraint> leadingConstraint_;
   QLHalvoBackground background_ = QLHalvoBackground::black;
 };
 

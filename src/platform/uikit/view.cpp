@@ -5,7 +5,6 @@
 
 #include "platform/dispatch/guard.h"
 #include "platform/quartzcore/compositor.h"
-#include "platform/uikit/layout_engine.h"
 
 namespace quellaro {
 
@@ -68,15 +67,6 @@ void UIView::removeFromSuperview() {
   const std::shared_ptr<UIView> parent = superview();
   if (!parent) return;
   const auto self = shared_from_this();
-  for (std::shared_ptr<UIView> ancestor = parent; ancestor; ancestor = ancestor->superview()) {
-    const auto held = ancestor->constraints_;
-    for (const auto& constraint : held) {
-      const auto first = constraint->firstItem();
-      const auto second = constraint->secondItem();
-      if ((first && first->isDescendantOfView(*this)) || (second && second->isDescendantOfView(*this)))
-        constraint->setActive(false);
-    }
-  }
   std::erase(parent->subviews_, self);
   auto sublayers = parent->layer_->sublayers();
   std::erase(sublayers, layer_);
@@ -100,26 +90,9 @@ UIView& UIView::topmost() {
   return *view;
 }
 
-void UIView::setTranslatesAutoresizingMaskIntoConstraints(bool translates) {
-  translatesAutoresizingMaskIntoConstraints_ = translates;
-  setNeedsLayout();
-}
-
-void UIView::addConstraint(std::shared_ptr<NSLayoutConstraint> constraint) {
-  constraints_.push_back(std::move(constraint));
-  setNeedsLayout();
-}
-
-void UIView::removeConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint) {
-  std::erase(constraints_, constraint);
-  setNeedsLayout();
-}
-
 void UIView::layoutIfNeeded() {
   UIView& top = topmost();
-  if (!top.subtreeNeedsLayout()) return;
-  LayoutEngine(top).solve();
-  top.layoutSubtree();
+  if (top.subtreeNeedsLayout()) top.layoutSubtree();
 }
 
 bool UIView::subtreeNeedsLayout() const {
@@ -132,11 +105,6 @@ void UIView::layoutSubtree() {
   // A copy: layoutSubviews of a view below may rearrange views.
   const auto views = subviews_;
   for (const auto& subview : views) subview->layoutSubtree();
-}
-
-void UIView::layoutSubviews() {
-  for (const auto& subview : subviews_)
-    if (const auto solved = std::exchange(subview->solvedFrame_, std::nullopt)) subview->setFrame(*solved);
 }
 
 void UIView::setNeedsDisplay() {

@@ -9,8 +9,6 @@
 #include "platform/coregraphics/coder.h"
 #include "platform/coregraphics/geometry.h"
 #include "platform/quartzcore/layer.h"
-#include "platform/uikit/layout_anchor.h"
-#include "platform/uikit/layout_constraint.h"
 #include "platform/uikit/ui_color.h"
 
 namespace quellaro {
@@ -48,32 +46,15 @@ class UIView : public std::enable_shared_from_this<UIView> {
   const std::vector<std::shared_ptr<UIView>>& subviews() const { return subviews_; }
   // Above the others; taken from where it was.
   void addSubview(const std::shared_ptr<UIView>& view);
-  // Constraints between what goes and what stays end.
   void removeFromSuperview();
   // A view counts as its own descendant.
   bool isDescendantOfView(const UIView& view) const;
 
-  NSLayoutYAxisAnchor topAnchor() { return {shared_from_this(), NSLayoutAttribute::Top}; }
-  NSLayoutYAxisAnchor bottomAnchor() { return {shared_from_this(), NSLayoutAttribute::Bottom}; }
-  NSLayoutXAxisAnchor leadingAnchor() { return {shared_from_this(), NSLayoutAttribute::Leading}; }
-  NSLayoutXAxisAnchor trailingAnchor() { return {shared_from_this(), NSLayoutAttribute::Trailing}; }
-  NSLayoutXAxisAnchor centerXAnchor() { return {shared_from_this(), NSLayoutAttribute::CenterX}; }
-  NSLayoutYAxisAnchor centerYAnchor() { return {shared_from_this(), NSLayoutAttribute::CenterY}; }
-  NSLayoutDimension widthAnchor() { return {shared_from_this(), NSLayoutAttribute::Width}; }
-  NSLayoutDimension heightAnchor() { return {shared_from_this(), NSLayoutAttribute::Height}; }
-
-  // While true (as it starts) the view stays where its frame says; otherwise its constraints place it.
-  bool translatesAutoresizingMaskIntoConstraints() const { return translatesAutoresizingMaskIntoConstraints_; }
-  void setTranslatesAutoresizingMaskIntoConstraints(bool translates);
-  // The active constraints whose nearest common ancestor is this view, in the order of their activation.
-  const std::vector<std::shared_ptr<NSLayoutConstraint>>& constraints() const { return constraints_; }
-
   void setNeedsLayout() { needsLayout_ = true; }
   // Brings the whole tree of views that this one is part of up to date.
   void layoutIfNeeded();
-  // Moves the subviews to where the constraints put them. Called by layoutIfNeeded; views that place subviews on their
-  // own do so after calling this.
-  virtual void layoutSubviews();
+  // Places the subviews; called by layoutIfNeeded. Where nothing else is said they stay where their frames say.
+  virtual void layoutSubviews() {}
 
   // Says that the picture has changed; kept at the topmost view, where whoever draws it looks.
   void setNeedsDisplay();
@@ -92,11 +73,6 @@ class UIView : public std::enable_shared_from_this<UIView> {
   explicit UIView(CGRect frame, LayerClass makeLayer = &UIView::layerClass);
 
  private:
-  friend class NSLayoutConstraint;
-  friend class LayoutEngine;
-
-  void addConstraint(std::shared_ptr<NSLayoutConstraint> constraint);
-  void removeConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint);
   UIView& topmost();
   bool subtreeNeedsLayout() const;
   void layoutSubtree();
@@ -104,10 +80,6 @@ class UIView : public std::enable_shared_from_this<UIView> {
   std::shared_ptr<CALayer> layer_;
   std::weak_ptr<UIView> superview_;
   std::vector<std::shared_ptr<UIView>> subviews_;
-  std::vector<std::shared_ptr<NSLayoutConstraint>> constraints_;
-  // Where the constraints want the view, until its superview puts it there.
-  std::optional<CGRect> solvedFrame_;
-  bool translatesAutoresizingMaskIntoConstraints_ = true;
   bool needsLayout_ = true;
   bool needsDisplay_ = true;
   std::function<void()> needsDisplayHandler_;
