@@ -62,9 +62,9 @@ std::vector<Profile> profilesOf(const std::vector<RampPoint>& ramp, const std::v
   return profiles;
 }
 
-// Where the profile is at least that high.
-std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const std::vector<double>& amount,
-                                  double level) {
+// Where the profile is at least so high, and lower than that.
+std::vector<Stretch> whereWithin(const std::vector<RampPoint>& places, const std::vector<double>& amount, double low,
+                                 double high) {
   std::vector<Stretch> result;
   const auto add = [&](double from, double to) {
     if (!(from < to)) return;
@@ -76,16 +76,15 @@ std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const st
   for (std::size_t i = 0; i + 1 < places.size(); ++i) {
     // From one line to the next.
     if (i % (kPlaces + 1) == kPlaces) continue;
-    const double a = amount[i] - level;
-    const double b = amount[i + 1] - level;
-    const double from = places[i].t;
-    const double to = places[i + 1].t;
-    if (a >= 0 && b >= 0)
-      add(from, to);
-    else if (a >= 0)
-      add(from, from + (to - from) * a / (a - b));
-    else if (b >= 0)
-      add(to - (to - from) * b / (b - a), to);
+    const double a = amount[i];
+    const double rise = amount[i + 1] - a;
+    const double length = places[i + 1].t - places[i].t;
+    if (rise == 0) {
+      if (a >= low && a < high) add(places[i].t, places[i + 1].t);
+      continue;
+    }
+    const auto [first, last] = std::minmax({(low - a) / rise, (high - a) / rise});
+    add(places[i].t + length * std::max(0.0, first), last >= 1 ? places[i + 1].t : places[i].t + length * last);
   }
   return result;
 }
@@ -98,31 +97,45 @@ class VeilLayer {
     for (auto& shown : shown_) std::copy(std::begin(kBackdrops), std::end(kBackdrops), shown.begin());
   }
 
-  double laid() const { return laid_; }
-  // The colour that brings the veils laid so far to that alpha; nothing where it is too near.
-  std::optional<Colour> next(double alpha) {
-    const int middle = laid_ < 1 ? static_cast<int>(std::lround(255 * (1 - (1 - alpha) / (1 - laid_)))) : 0;
-    if (middle <= 0) return std::nullopt;
-    Choice best;
-    for (int own = std::max(1, middle - 1); own <= std::min(255, middle + 1); ++own)
-      if (const Choice choice = with(own, alpha); choice.error < best.error) best = choice;
+  // What has still to be laid where it is to be that alpha in the end.
+  double missing(double alpha) const { return laid_ < 1 ? (alpha - laid_) / (1 - laid_) : 0; }
+  // The colour that brings what is laid to that alpha; nothing where it is too near.
+  std::optional<Colour> upTo(double alpha) const {
+    const Choice best = choose(alpha);
+    if (best.own == 0) return std::nullopt;
+    const double own = best.own;
+    return Colour{best.parts[0] / own, best.parts[1] / own, best.parts[2] / own, own / 255};
+  }
+  // The same, for others to lie on.
+  std::optional<Colour> lay(double alpha) {
+    const Choice best = choose(alpha);
+    const auto colour = upTo(alpha);
+    if (!colour) return colour;
     laid_ = 1 - (1 - laid_) * (1 - best.own / 255.0);
     for (std::size_t i = 0; i < 3; ++i)
       for (int& shown : shown_[i]) shown = best.parts[i] + blended(shown, best.own);
-    const double own = best.own;
-    return Colour{best.parts[0] / own, best.parts[1] / own, best.parts[2] / own, own / 255};
+    return colour;
   }
 
  private:
   static constexpr int kBackdrops[] = {255, 200, 140, 70};
   struct Choice {
-    int own = 1;
+    int own = 0;
     // Of the colour, multiplied by alpha.
     std::array<int, 3> parts{};
     double error = 1e9;
   };
 
   static int blended(int below, int own) { return static_cast<int>(std::lround(below * (255 - own) / 255.0)); }
+
+  Choice choose(double alpha) const {
+    const int middle = static_cast<int>(std::lround(255 * missing(alpha)));
+    Choice best;
+    if (middle <= 0) return best;
+    for (int own = std::max(1, middle - 1); own <= std::min(255, middle + 1); ++own)
+      if (const Choice choice = with(own, alpha); choice.error < best.error) best = choice;
+    return best;
+  }
 
   // The best parts for that alpha.
   Choice with(int own, double alpha) const {
@@ -152,15 +165,22 @@ class VeilLayer {
   double laid_ = 0;
 };
 
-void addVeils(const std::vector<RampPoint>& places, const Profile& profile, int count, std::vector<Veil>& veils) {
-  const double most = *std::max_element(profile.amount.begin(), profile.amount.end());
+// A veil lies wherever the profile is as high as it or higher, and what is missing between it and the next is laid in
+// bands side by side, so that few blends are rounded at any place. Where two bands meet in a pixel, they let through by
+// a quarter of the product of their alphas too much: no seam shows as long as they are as sheer as this.
+constexpr double kSheerest = 0.125;
+
+void addVeils(const std::vector<RampPoint>& places, const Profile& profile, double low, double high, int count,
+              std::vector<Veil>& veils) {
   VeilLayer layer(profile.colour);
-  for (int k = 1; k <= count; ++k) {
-    const double wanted = most * k / count;
-    const double level = (layer.laid() + wanted) / 2;
-    const auto colour = layer.next(wanted);
+  const double step = (high - low) / count;
+  for (int k = 0; k <= count; ++k) {
+    const double alpha = low + step * k;
+    const bool isLaid = k == 0 || layer.missing(alpha) > kSheerest;
+    const auto colour = isLaid ? layer.lay(alpha) : layer.upTo(alpha);
     if (!colour) continue;
-    Veil veil{whereAtLeast(places, profile.amount, level), *colour};
+    const double from = k == 0 ? -1 : alpha - step / 2;
+    Veil veil{whereWithin(places, profile.amount, from, isLaid || k == count ? 2 : alpha + step / 2), *colour};
     if (!veil.where.empty()) veils.push_back(std::move(veil));
   }
 }
@@ -196,7 +216,7 @@ std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
       veil.colour.alpha = *high;
       veils.push_back(std::move(veil));
     } else {
-      addVeils(places, profile,
+      addVeils(places, profile, *low, *high,
                std::clamp(static_cast<int>(std::ceil(*high * 255 / veilStep(profile.colour, fineness))), 1, most),
                veils);
     }
