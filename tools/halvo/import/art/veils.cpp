@@ -20,6 +20,12 @@ constexpr int kPlaces = 16;
 
 bool sameColour(const Colour& a, const Colour& b) { return distance(a, b) < 1; }
 
+// The colour of an end that cannot be seen hardly tells where the ramp nears it.
+bool leadsAway(const Colour& seen, const Colour& gone) {
+  constexpr double kNear = 8;
+  return gone.alpha < 1.0 / 255 && distance(seen, gone) < kNear;
+}
+
 // At `kPlaces` places of each line, from its begin to its end.
 std::vector<RampPoint> sampled(const std::vector<RampPoint>& ramp) {
   std::vector<RampPoint> result;
@@ -42,8 +48,10 @@ std::size_t profileOf(const Colour& colour, std::vector<Profile>& profiles, std:
 std::vector<Profile> profilesOf(const std::vector<RampPoint>& ramp, const std::vector<RampPoint>& places) {
   std::vector<Profile> profiles;
   for (std::size_t i = 0; i + 1 < ramp.size(); i += 2) {
-    const std::size_t a = profileOf(ramp[i].colour, profiles, places.size());
-    const std::size_t b = profileOf(ramp[i + 1].colour, profiles, places.size());
+    const Colour& from = ramp[i].colour;
+    const Colour& to = ramp[i + 1].colour;
+    const std::size_t a = profileOf(leadsAway(to, from) ? to : from, profiles, places.size());
+    const std::size_t b = profileOf(leadsAway(from, to) ? from : to, profiles, places.size());
     for (int k = 0; k <= kPlaces; ++k) {
       const std::size_t place = i / 2 * (kPlaces + 1) + static_cast<std::size_t>(k);
       const double s = static_cast<double>(k) / kPlaces;
@@ -185,12 +193,6 @@ void addVeils(const std::vector<RampPoint>& places, const Profile& profile, doub
   }
 }
 
-// Shadows mostly fall on what is much lighter. A light colour changes what is below it by less, so that finer steps
-// would be lost in rounding.
-double veilStep(const Colour& colour, const Fineness& fineness) {
-  return fineness.step * (1.3 + 0.6 * (colour.red + colour.green + colour.blue));
-}
-
 // How much of the ramp changes.
 double changingLength(const std::vector<RampPoint>& ramp) {
   double sum = 0;
@@ -217,8 +219,7 @@ std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
       veils.push_back(std::move(veil));
     } else {
       addVeils(places, profile, *low, *high,
-               std::clamp(static_cast<int>(std::ceil(*high * 255 / veilStep(profile.colour, fineness))), 1, most),
-               veils);
+               std::clamp(static_cast<int>(std::ceil((*high - *low) * 255 / fineness.step)), 1, most), veils);
     }
   }
   return veils;
