@@ -77,6 +77,8 @@ Said sayFill(const Outline& outline, const std::string& colour, int decimals) {
   return {{{"fill=\"" + colour + '"', "path", "d=\"" + path.text() + "\"/>"}}, path.points()};
 }
 
+// Each is an element, of which a cue may have only so many.
+constexpr std::size_t kMostDots = 1000;
 // Of an ellipse in curves.
 constexpr std::size_t kPointsOfDot = 13;
 
@@ -104,9 +106,10 @@ Said sayStroke(const FlatShape& shape, const std::string& colour, int decimals) 
 Said say(const FlatShape& shape, int decimals) {
   const std::string colour = hexadecimal(shape.colour);
   if (!shape.strokeWidth) return sayFill(shape.outline, colour, decimals);
-  Said stroke = sayStroke(shape, colour, decimals);
-  if (shape.asFill.empty()) return stroke;
+  if (shape.asFill.empty()) return sayStroke(shape, colour, decimals);
   Said fill = sayFill(shape.asFill, colour, decimals);
+  if (shape.dots.size() > kMostDots) return fill;
+  Said stroke = sayStroke(shape, colour, decimals);
   return fill.size() < stroke.size() ? fill : stroke;
 }
 
