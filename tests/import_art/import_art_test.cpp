@@ -137,6 +137,7 @@ TEST(ImportArt, StopsWhereWorkWouldNotEnd) {
           repeated("<circle cx='50' cy='50' r='40' fill='url(#g)'/><circle cx='40' cy='60' r='40' fill='url(#g)'/>",
                    60) +
           "</g>",
+      "<path stroke='red' stroke-linejoin='round' d='M9 50" + repeated("l3 1l4-3 1 5-8-3", 20000) + "'/>",
   };
   for (const std::string& document : documents) {
     const auto imported = halvo::importFrame(kRoot + document + "</svg>", {});

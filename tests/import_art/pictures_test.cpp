@@ -45,6 +45,9 @@ const Drawing kDrawings[] = {
         <clipPath id="c"><path clip-rule="evenodd" d="M55 55H95V95H55ZM65 65H85V85H65Z"/></clipPath>
         <g clip-path="url(#a)"><rect width="40" height="100" fill="#08f"/></g><rect width="100" height="100" fill="#f80" clip-path="url(#b)"/>
         <path d="M50 75Q75 50 98 75" fill="none" stroke="#000" stroke-width="14" stroke-linecap="round" clip-path="url(#c)"/>)svg"},
+    {"round strokes: rings with corners, in a sheer group, sheer themselves",
+     R"svg(<g fill="none" stroke="#a20" stroke-width="9" stroke-linejoin="round"><path d="M20 10L40 40H8Z"/><path d="M60 20q20 -20 30 0t-8 25z"/>
+        <path d="M10 60L30 90L50 60" stroke-opacity=".5" stroke-linecap="round"/><g opacity=".5"><path d="M60 60L75 90L90 60" stroke-linecap="round"/></g></g>)svg"},
     {"group opacity over members that overlap",
      R"svg(<rect y="40" width="100" height="20" fill="#fc0"/><g opacity=".5"><circle cx="40" cy="50" r="30" fill="#00f"/><circle cx="60" cy="50" r="30" fill="#f00"/>
         <g opacity=".7"><rect x="30" y="20" width="40" height="15"/><rect x="45" y="10" width="10" height="70" fill="#fff" fill-opacity=".5"/></g></g>)svg"},
@@ -92,37 +95,40 @@ TEST(ImportedArt, LooksLikeItsSource) {
   }
 }
 
-// Curves stay curves wherever they are cut, and strokes stay strokes: what a frame costs is what its points are.
+// Curves stay curves wherever they are cut, and strokes stay strokes, with dots where they are round and dots show.
 TEST(ImportedArt, IsSmall) {
   struct Case {
     Drawing drawing;
-    std::size_t mostPoints;
+    std::size_t mostBytes;
   };
   const Case cases[] = {
       {{"a stroke that the player draws itself",
         R"svg(<path d="M10 10C30 90 70 90 90 10" fill="none" stroke="#000"/>)svg"},
-       4},
+       155},
       {{"a clip that cuts nothing",
         R"svg(<clipPath id="c"><path d="M0 0H100V100H0Z"/></clipPath><circle cx="50" cy="50" r="20" clip-path="url(#c)"/>)svg"},
-       13},
+       177},
       {{"a circle, half of it",
         R"svg(<clipPath id="c"><path d="M0 0H50L51 100H0Z"/></clipPath><circle cx="50" cy="50" r="20" clip-path="url(#c)"/>)svg"},
-       14},
+       208},
       {{"a circle within another",
         R"svg(<path fill-rule="evenodd" d="M50 20a30 30 0 1 0 .1 0zM50 30a20 20 0 1 0 .1 0z"/>)svg"},
-       60},
-      {{"a line with round ends",
-        R"svg(<path d="M10 10L90 50" stroke="#000" stroke-width="5" stroke-linecap="round"/>)svg"},
-       15},
-      {{"neighbours of one colour, in one outline", R"svg(<path d="M1 1h9v9z"/><path d="M20 1h9v9z"/>)svg"}, 6},
+       362},
+      {{"lines with round ends: a corner, an end upon another line, a dot",
+        R"svg(<path d="M10 10L90 50L50 90M50 30V80M20 80h.01" fill="none" stroke="#000" stroke-width="5" stroke-linecap="round" stroke-linejoin="round"/>)svg"},
+       353},
+      {{"a round corner too blunt to show, in a ring",
+        R"svg(<path d="M50 20a30 30 0 1 0 .1 0z" fill="none" stroke="#000" stroke-width="5" stroke-linejoin="round"/>)svg"},
+       250},
+      {{"neighbours of one colour, in one outline", R"svg(<path d="M1 1h9v9z"/><path d="M20 1h9v9z"/>)svg"}, 124},
       {{"what nobody sees",
         R"svg(<rect x="200" width="9" height="9"/><rect width="9" height="9" opacity="0"/><path d="M5 5"/>)svg"},
-       0},
+       71},
   };
   for (const Case& c : cases) {
     const auto imported = halvo::importFrame(documentOf(c.drawing), {});
     const auto& frame = std::get<halvo::ArtFrame>(imported);
-    EXPECT_LE(frame.points, c.mostPoints) << c.drawing.what << '\n' << frame.document;
+    EXPECT_LE(frame.document.size(), c.mostBytes) << c.drawing.what << '\n' << frame.document;
   }
 }
 

@@ -5,6 +5,8 @@
 
 #include "import/art/gradient_field.h"
 #include "import/art/passes.h"
+#include "import/art/players_stroke.h"
+#include "import/art/stroke_outline.h"
 
 namespace halvo::art {
 
@@ -52,12 +54,27 @@ class Bander {
     if (const auto* gradient = std::get_if<Gradient>(&shape.paint)) return addGradient(shape, *gradient);
     const auto* colour = std::get_if<Colour>(&shape.paint);
     if (!colour) return;
-    FlatShape flat{std::move(shape.outline), *colour, std::nullopt, shape.windsOneWay};
-    if (shape.stroke) flat.strokeWidth = shape.stroke->width * shape.stroke->pen.stretch();
-    result_.push_back(std::move(flat));
+    if (shape.stroke) return addStroke(shape, *colour);
+    result_.push_back({std::move(shape.outline), *colour, std::nullopt, shape.windsOneWay});
   }
 
  private:
+  void addStroke(const Shape& shape, const Colour& colour) {
+    FlatShape flat{shape.outline, colour, shape.stroke->width * shape.stroke->pen.stretch()};
+    if (auto dotted = dottedStroke(shape, context_.frame)) {
+      Outline outline = strokeOutline(shape.outline, *shape.stroke, context_.frame);
+      if (colour.alpha >= 1) {
+        flat.outline = std::move(dotted->lines);
+        flat.dots = std::move(dotted->dots);
+        flat.asFill = std::move(outline);
+      } else if (!dotted->dots.empty()) {
+        // Its group has made it sheer.
+        flat = {std::move(outline), colour, std::nullopt, true};
+      }
+    }
+    result_.push_back(std::move(flat));
+  }
+
   void addGradient(const Shape& shape, const Gradient& gradient) {
     const char* const name = gradient.isRadial ? "radialGradient" : "linearGradient";
     const GradientField field(gradient, context_.frame);

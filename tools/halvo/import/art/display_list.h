@@ -102,7 +102,14 @@ struct FlatShape {
   Colour colour;
   std::optional<double> strokeWidth;
   bool windsOneWay = false;
+  // Laid over a stroke whose ends or corners are round, as wide as it is.
+  std::vector<Point> dots = {};
+  // What such a stroke covers, dots and all: the writer takes what is shorter.
+  Outline asFill = {};
 };
+
+// Around what says most of it; a stroke's own reach comes on top.
+inline Box boundsOf(const FlatShape& shape) { return boundsOf(shape.asFill.empty() ? shape.outline : shape.asFill); }
 
 // What polygon clipping may still take, in corners. A small document can ask for more than anyone would wait for.
 struct Work {

@@ -1,3 +1,5 @@
+#include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "import/art/passes.h"
@@ -6,14 +8,19 @@ namespace halvo::art {
 
 namespace {
 
+template <class Element>
+void append(std::vector<Element>& to, std::vector<Element>& from) {
+  to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
+}
+
 bool isSeen(const FlatShape& shape, const Box& viewport) {
-  if (shape.outline.empty() || std::lround(shape.colour.alpha * 255) == 0) return false;
-  const Box box = boundsOf(shape.outline).grown(shape.strokeWidth ? *shape.strokeWidth * 5 : 0);
+  if ((shape.outline.empty() && shape.asFill.empty()) || std::lround(shape.colour.alpha * 255) == 0) return false;
+  const Box box = boundsOf(shape).grown(shape.strokeWidth ? *shape.strokeWidth * 5 : 0);
   return !isEmpty(commonBox(box, viewport));
 }
 
 bool samePaint(const FlatShape& a, const FlatShape& b) {
-  return a.colour == b.colour && a.strokeWidth == b.strokeWidth;
+  return a.colour == b.colour && a.strokeWidth == b.strokeWidth && a.asFill.empty() == b.asFill.empty();
 }
 
 // One outline of both looks like both over each other: where they overlap, nothing may cancel out or show twice.
@@ -21,7 +28,7 @@ bool mayJoin(const FlatShape& a, const FlatShape& b) {
   if (!samePaint(a, b)) return false;
   if (a.colour.alpha >= 1 && (a.strokeWidth || (a.windsOneWay && b.windsOneWay))) return true;
   const double reach = a.strokeWidth ? *a.strokeWidth * 5 : 0;
-  const Box common = commonBox(boundsOf(a.outline).grown(reach), boundsOf(b.outline).grown(reach));
+  const Box common = commonBox(boundsOf(a).grown(reach), boundsOf(b).grown(reach));
   return !(common.minX <= common.maxX && common.minY <= common.maxY);
 }
 
@@ -34,7 +41,9 @@ std::vector<FlatShape> mergeShapes(std::vector<FlatShape> shapes, const PassCont
     if (!result.empty() && mayJoin(result.back(), shape)) {
       FlatShape& last = result.back();
       last.windsOneWay = last.windsOneWay && shape.windsOneWay;
-      for (Contour& contour : shape.outline) last.outline.push_back(std::move(contour));
+      append(last.outline, shape.outline);
+      append(last.asFill, shape.asFill);
+      append(last.dots, shape.dots);
     } else {
       result.push_back(std::move(shape));
     }

@@ -20,6 +20,12 @@ constexpr int kPlaces = 16;
 
 bool sameColour(const Colour& a, const Colour& b) { return distance(a, b) < 1; }
 
+// The colour of an end that cannot be seen hardly tells where the ramp nears it.
+bool leadsAway(const Colour& seen, const Colour& gone) {
+  constexpr double kNear = 8;
+  return gone.alpha < 1.0 / 255 && distance(seen, gone) < kNear;
+}
+
 // At `kPlaces` places of each line, from its begin to its end.
 std::vector<RampPoint> sampled(const std::vector<RampPoint>& ramp) {
   std::vector<RampPoint> result;
@@ -42,8 +48,10 @@ std::size_t profileOf(const Colour& colour, std::vector<Profile>& profiles, std:
 std::vector<Profile> profilesOf(const std::vector<RampPoint>& ramp, const std::vector<RampPoint>& places) {
   std::vector<Profile> profiles;
   for (std::size_t i = 0; i + 1 < ramp.size(); i += 2) {
-    const std::size_t a = profileOf(ramp[i].colour, profiles, places.size());
-    const std::size_t b = profileOf(ramp[i + 1].colour, profiles, places.size());
+    const Colour& from = ramp[i].colour;
+    const Colour& to = ramp[i + 1].colour;
+    const std::size_t a = profileOf(leadsAway(to, from) ? to : from, profiles, places.size());
+    const std::size_t b = profileOf(leadsAway(from, to) ? from : to, profiles, places.size());
     for (int k = 0; k <= kPlaces; ++k) {
       const std::size_t place = i / 2 * (kPlaces + 1) + static_cast<std::size_t>(k);
       const double s = static_cast<double>(k) / kPlaces;
@@ -62,9 +70,9 @@ std::vector<Profile> profilesOf(const std::vector<RampPoint>& ramp, const std::v
   return profiles;
 }
 
-// Where the profile is at least that high.
-std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const std::vector<double>& amount,
-                                  double level) {
+// Where the profile is at least so high, and lower than that.
+std::vector<Stretch> whereWithin(const std::vector<RampPoint>& places, const std::vector<double>& amount, double low,
+                                 double high) {
   std::vector<Stretch> result;
   const auto add = [&](double from, double to) {
     if (!(from < to)) return;
@@ -76,16 +84,15 @@ std::vector<Stretch> whereAtLeast(const std::vector<RampPoint>& places, const st
   for (std::size_t i = 0; i + 1 < places.size(); ++i) {
     // From one line to the next.
     if (i % (kPlaces + 1) == kPlaces) continue;
-    const double a = amount[i] - level;
-    const double b = amount[i + 1] - level;
-    const double from = places[i].t;
-    const double to = places[i + 1].t;
-    if (a >= 0 && b >= 0)
-      add(from, to);
-    else if (a >= 0)
-      add(from, from + (to - from) * a / (a - b));
-    else if (b >= 0)
-      add(to - (to - from) * b / (b - a), to);
+    const double a = amount[i];
+    const double rise = amount[i + 1] - a;
+    const double length = places[i + 1].t - places[i].t;
+    if (rise == 0) {
+      if (a >= low && a < high) add(places[i].t, places[i + 1].t);
+      continue;
+    }
+    const auto [first, last] = std::minmax({(low - a) / rise, (high - a) / rise});
+    add(places[i].t + length * std::max(0.0, first), last >= 1 ? places[i + 1].t : places[i].t + length * last);
   }
   return result;
 }
@@ -98,31 +105,45 @@ class VeilLayer {
     for (auto& shown : shown_) std::copy(std::begin(kBackdrops), std::end(kBackdrops), shown.begin());
   }
 
-  double laid() const { return laid_; }
-  // The colour that brings the veils laid so far to that alpha; nothing where it is too near.
-  std::optional<Colour> next(double alpha) {
-    const int middle = laid_ < 1 ? static_cast<int>(std::lround(255 * (1 - (1 - alpha) / (1 - laid_)))) : 0;
-    if (middle <= 0) return std::nullopt;
-    Choice best;
-    for (int own = std::max(1, middle - 1); own <= std::min(255, middle + 1); ++own)
-      if (const Choice choice = with(own, alpha); choice.error < best.error) best = choice;
+  // What has still to be laid where it is to be that alpha in the end.
+  double missing(double alpha) const { return laid_ < 1 ? (alpha - laid_) / (1 - laid_) : 0; }
+  // The colour that brings what is laid to that alpha; nothing where it is too near.
+  std::optional<Colour> upTo(double alpha) const {
+    const Choice best = choose(alpha);
+    if (best.own == 0) return std::nullopt;
+    const double own = best.own;
+    return Colour{best.parts[0] / own, best.parts[1] / own, best.parts[2] / own, own / 255};
+  }
+  // The same, for others to lie on.
+  std::optional<Colour> lay(double alpha) {
+    const Choice best = choose(alpha);
+    const auto colour = upTo(alpha);
+    if (!colour) return colour;
     laid_ = 1 - (1 - laid_) * (1 - best.own / 255.0);
     for (std::size_t i = 0; i < 3; ++i)
       for (int& shown : shown_[i]) shown = best.parts[i] + blended(shown, best.own);
-    const double own = best.own;
-    return Colour{best.parts[0] / own, best.parts[1] / own, best.parts[2] / own, own / 255};
+    return colour;
   }
 
  private:
   static constexpr int kBackdrops[] = {255, 200, 140, 70};
   struct Choice {
-    int own = 1;
+    int own = 0;
     // Of the colour, multiplied by alpha.
     std::array<int, 3> parts{};
     double error = 1e9;
   };
 
   static int blended(int below, int own) { return static_cast<int>(std::lround(below * (255 - own) / 255.0)); }
+
+  Choice choose(double alpha) const {
+    const int middle = static_cast<int>(std::lround(255 * missing(alpha)));
+    Choice best;
+    if (middle <= 0) return best;
+    for (int own = std::max(1, middle - 1); own <= std::min(255, middle + 1); ++own)
+      if (const Choice choice = with(own, alpha); choice.error < best.error) best = choice;
+    return best;
+  }
 
   // The best parts for that alpha.
   Choice with(int own, double alpha) const {
@@ -152,23 +173,24 @@ class VeilLayer {
   double laid_ = 0;
 };
 
-void addVeils(const std::vector<RampPoint>& places, const Profile& profile, int count, std::vector<Veil>& veils) {
-  const double most = *std::max_element(profile.amount.begin(), profile.amount.end());
+// A veil lies wherever the profile is as high as it or higher, and what is missing between it and the next is laid in
+// bands side by side, so that few blends are rounded at any place. Where two bands meet in a pixel, they let through by
+// a quarter of the product of their alphas too much: no seam shows as long as they are as sheer as this.
+constexpr double kSheerest = 0.125;
+
+void addVeils(const std::vector<RampPoint>& places, const Profile& profile, double low, double high, int count,
+              std::vector<Veil>& veils) {
   VeilLayer layer(profile.colour);
-  for (int k = 1; k <= count; ++k) {
-    const double wanted = most * k / count;
-    const double level = (layer.laid() + wanted) / 2;
-    const auto colour = layer.next(wanted);
+  const double step = (high - low) / count;
+  for (int k = 0; k <= count; ++k) {
+    const double alpha = low + step * k;
+    const bool isLaid = k == 0 || layer.missing(alpha) > kSheerest;
+    const auto colour = isLaid ? layer.lay(alpha) : layer.upTo(alpha);
     if (!colour) continue;
-    Veil veil{whereAtLeast(places, profile.amount, level), *colour};
+    const double from = k == 0 ? -1 : alpha - step / 2;
+    Veil veil{whereWithin(places, profile.amount, from, isLaid || k == count ? 2 : alpha + step / 2), *colour};
     if (!veil.where.empty()) veils.push_back(std::move(veil));
   }
-}
-
-// Shadows mostly fall on what is much lighter. A light colour changes what is below it by less, so that finer steps
-// would be lost in rounding.
-double veilStep(const Colour& colour, const Fineness& fineness) {
-  return fineness.step * (1.3 + 0.6 * (colour.red + colour.green + colour.blue));
 }
 
 // How much of the ramp changes.
@@ -196,9 +218,8 @@ std::vector<Veil> veilsOf(const std::vector<RampPoint>& ramp, const Fineness& fi
       veil.colour.alpha = *high;
       veils.push_back(std::move(veil));
     } else {
-      addVeils(places, profile,
-               std::clamp(static_cast<int>(std::ceil(*high * 255 / veilStep(profile.colour, fineness))), 1, most),
-               veils);
+      addVeils(places, profile, *low, *high,
+               std::clamp(static_cast<int>(std::ceil((*high - *low) * 255 / fineness.step)), 1, most), veils);
     }
   }
   return veils;

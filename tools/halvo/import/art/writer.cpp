@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
+#include <utility>
 
 #include "import/art/path_text.h"
+#include "import/art/players_stroke.h"
 
 namespace halvo::art {
 
@@ -51,32 +54,75 @@ bool hasPointedCorner(const Contour& contour) {
 
 struct Element {
   std::string paint;
+  std::string tag;
   std::string rest;
 };
 
-Element elementOf(const FlatShape& shape, int decimals, ArtFrame& frame) {
+// One shape, in one of the ways to say it.
+struct Said {
+  std::vector<Element> elements;
+  std::size_t points = 0;
+
+  std::size_t size() const {
+    std::size_t sum = 0;
+    for (const Element& element : elements) sum += element.tag.size() + element.rest.size() + sizeof "<></g>";
+    return elements.empty() ? 0 : sum + elements.front().paint.size() + elements.back().paint.size();
+  }
+};
+
+Said sayFill(const Outline& outline, const std::string& colour, int decimals) {
   PathText path(decimals);
-  for (const Contour& contour : shape.outline) path.add(contour, shape.strokeWidth.has_value());
+  for (const Contour& contour : outline) path.add(contour, false);
   if (path.text().empty()) return {};
-  frame.points += path.points();
-  ++frame.elements;
+  return {{{"fill=\"" + colour + '"', "path", "d=\"" + path.text() + "\"/>"}}, path.points()};
+}
+
+// Each is an element, of which a cue may have only so many.
+constexpr std::size_t kMostDots = 1000;
+// Of an ellipse in curves.
+constexpr std::size_t kPointsOfDot = 13;
+
+Said sayStroke(const FlatShape& shape, const std::string& colour, int decimals) {
+  Said said;
+  const double width = *shape.strokeWidth;
+  PathText path(decimals);
+  for (const Contour& contour : shape.outline) path.add(contour, true);
+  if (!path.text().empty()) {
+    std::string rest = "stroke-width=\"" + shortNumber(width, decimals) + '"';
+    if (std::any_of(shape.outline.begin(), shape.outline.end(), hasPointedCorner)) rest += " stroke-miterlimit=\"10\"";
+    rest += " d=\"" + path.text() + "\"/>";
+    said.elements.push_back({"fill=\"none\" stroke=\"" + colour + '"', "path", std::move(rest)});
+  }
+  const auto number = [&](double value) { return shortNumber(value, decimals); };
+  const std::vector<Point> dots = dotsThatShow(shape.outline, shape.dots, width);
+  for (const Point at : dots)
+    said.elements.push_back(
+        {"fill=\"" + colour + '"', "circle",
+         "cx=\"" + number(at.x) + "\" cy=\"" + number(at.y) + "\" r=\"" + number(width / 2) + "\"/>"});
+  said.points = path.points() + dots.size() * kPointsOfDot;
+  return said;
+}
+
+Said say(const FlatShape& shape, int decimals) {
   const std::string colour = hexadecimal(shape.colour);
-  if (!shape.strokeWidth) return {"fill=\"" + colour + '"', "d=\"" + path.text() + "\"/>"};
-  Element element{"fill=\"none\" stroke=\"" + colour + '"', ""};
-  element.rest = "stroke-width=\"" + shortNumber(*shape.strokeWidth, decimals) + '"';
-  if (std::any_of(shape.outline.begin(), shape.outline.end(), hasPointedCorner))
-    element.rest += " stroke-miterlimit=\"10\"";
-  element.rest += " d=\"" + path.text() + "\"/>";
-  return element;
+  if (!shape.strokeWidth) return sayFill(shape.outline, colour, decimals);
+  if (shape.asFill.empty()) return sayStroke(shape, colour, decimals);
+  Said fill = sayFill(shape.asFill, colour, decimals);
+  if (shape.dots.size() > kMostDots) return fill;
+  Said stroke = sayStroke(shape, colour, decimals);
+  return fill.size() < stroke.size() ? fill : stroke;
 }
 
 }  // namespace
 
 void writeFrame(const std::vector<FlatShape>& shapes, int side, int decimals, ArtFrame& frame) {
   std::vector<Element> elements;
-  for (const FlatShape& shape : shapes)
-    if (Element element = elementOf(shape, decimals, frame); !element.rest.empty())
-      elements.push_back(std::move(element));
+  for (const FlatShape& shape : shapes) {
+    Said said = say(shape, decimals);
+    frame.points += said.points;
+    frame.elements += said.elements.size();
+    std::move(said.elements.begin(), said.elements.end(), std::back_inserter(elements));
+  }
   const std::string length = std::to_string(side);
   std::string& text = frame.document;
   text = R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" + length + R"(" height=")" + length + R"(">)";
@@ -89,7 +135,8 @@ void writeFrame(const std::vector<FlatShape>& shapes, int side, int decimals, Ar
       ++frame.elements;
       text += "<g " + elements[i].paint + '>';
     }
-    for (; i < end; ++i) text += "<path " + (isRun ? "" : elements[i].paint + ' ') + elements[i].rest;
+    for (; i < end; ++i)
+      text += '<' + elements[i].tag + ' ' + (isRun ? "" : elements[i].paint + ' ') + elements[i].rest;
     if (isRun) text += "</g>";
   }
   text += "</svg>";
