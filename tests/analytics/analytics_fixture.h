@@ -105,8 +105,7 @@ class AnalyticsFixture : public LibraryFixture {
     long long plays = 0;
     if (!std::filesystem::exists(path)) return 0;
     const auto events = decodeAggregatedCueEvents(readFile(path));
-    for (const MixpanelAggregatedCueEvent& event : *events)
-      plays += event.properties.totalCount;
+    for (const MixpanelAggregatedCueEvent& event : *events) plays += event.properties.totalCount;
     return plays;
   }
 
