@@ -34,6 +34,10 @@ constexpr std::size_t kUsual = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 }  // namespace
 
 // NOLINTBEGIN(cppcoreguidelines-no-malloc,misc-new-delete-overloads)
+#ifndef __clang__
+// Under a sanitizer the compiler sees only half of each pair.
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
 void* operator new(std::size_t size) { return allocateOrThrow(size, kUsual); }
 void* operator new[](std::size_t size) { return allocateOrThrow(size, kUsual); }
 void* operator new(std::size_t size, std::align_val_t alignment) {
