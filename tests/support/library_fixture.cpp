@@ -6,6 +6,7 @@
 #include "platform/foundation/application.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/storage/bundle.h"
+#include "platform/foundation/storage/user_defaults.h"
 
 namespace quellaro {
 
@@ -18,6 +19,8 @@ LibraryFixture::LibraryFixture() {
 
 LibraryFixture::~LibraryFixture() {
   setConsoleSink({});
+  // What is kept for later would be written when the program ends, and would bring the directory back.
+  NSUserDefaults::standardUserDefaults().synchronize();
   setLibraryDirectory(std::nullopt);
 }
 
