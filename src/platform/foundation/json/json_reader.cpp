@@ -251,9 +251,13 @@ Result<JSONDocument> JSONDocument::parse(std::string bytes) {
   auto content = std::make_unique<Content>();
   content->bytes = std::move(bytes);
   simdjson::error_code error = content->parse();
-  if (error == simdjson::NUMBER_ERROR) {
-    content->bytes = withoutLargeIntegers(content->bytes);
-    error = content->parse();
+  // Which error an integer beyond 64 bits is, and of which sign, differs between the parser's versions.
+  if (error != simdjson::SUCCESS && error != simdjson::MEMALLOC) {
+    std::string rewritten = withoutLargeIntegers(content->bytes);
+    if (rewritten != content->bytes) {
+      content->bytes = std::move(rewritten);
+      error = content->parse();
+    }
   }
   // No fault of the text.
   if (error == simdjson::MEMALLOC) throw std::bad_alloc();
