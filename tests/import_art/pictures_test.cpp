@@ -55,6 +55,8 @@ const Drawing kDrawings[] = {
      R"svg(<mask id="m"><rect width="80" height="80" fill="#fff"/><circle cx="30" cy="30" r="15" fill="#808080"/><circle cx="30" cy="30" r="8" fill="#000"/></mask>
         <mask id="n" style="mask-type:luminance" maskUnits="userSpaceOnUse" x="50" y="50" width="40" height="20"><path d="M0 0H100V100H0Z" fill="#fff"/></mask>
         <g mask="url(#m)"><circle cx="50" cy="50" r="45" fill="#06c"/></g><g style="mask:url(#n)" transform="translate(5 5)"><rect width="100" height="100" fill="#fa0"/></g>)svg"},
+    {"the same drawn twice, whose edges are darker",
+     R"svg(<path id="p" d="M5 10L95 14M5 30L95 37M5 50L95 61M5 70L95 84" fill="none" stroke="#000"/><use href="#p"/>)svg"},
     {"a linear gradient, slanted, with three colours",
      R"svg(<linearGradient id="g" gradientTransform="rotate(30)"><stop stop-color="#f00"/><stop offset=".4" stop-color="#ff0"/><stop offset="1" stop-color="#00f"/></linearGradient>
         <path d="M10 10H90V60Q50 110 10 60Z" fill="url(#g)"/>)svg"},

@@ -1,5 +1,7 @@
+#include <array>
 #include <cmath>
 #include <iterator>
+#include <set>
 #include <utility>
 
 #include "import/art/passes.h"
@@ -23,9 +25,18 @@ bool samePaint(const FlatShape& a, const FlatShape& b) {
   return a.colour == b.colour && a.strokeWidth == b.strokeWidth && a.asFill.empty() == b.asFill.empty();
 }
 
-// One outline of both looks like both over each other: where they overlap, nothing may cancel out or show twice.
-bool mayJoin(const FlatShape& a, const FlatShape& b) {
-  if (!samePaint(a, b)) return false;
+// In thousandths of a unit.
+using Place = std::array<long, 4>;
+Place placeOf(const FlatShape& shape) {
+  const Box box = boundsOf(shape);
+  return {std::lround(box.minX * 1000), std::lround(box.minY * 1000), std::lround(box.maxX * 1000),
+          std::lround(box.maxY * 1000)};
+}
+
+// One outline of both looks like both over each other: where they overlap, nothing may cancel out or show twice. What
+// is drawn twice at the same place stays so, as its edges are darker than when it is drawn once.
+bool mayJoin(const FlatShape& a, const std::set<Place>& placesInA, const FlatShape& b) {
+  if (!samePaint(a, b) || placesInA.contains(placeOf(b))) return false;
   if (a.colour.alpha >= 1 && (a.strokeWidth || (a.windsOneWay && b.windsOneWay))) return true;
   const double reach = a.strokeWidth ? *a.strokeWidth * 5 : 0;
   const Box common = commonBox(boundsOf(a).grown(reach), boundsOf(b).grown(reach));
@@ -36,9 +47,11 @@ bool mayJoin(const FlatShape& a, const FlatShape& b) {
 
 std::vector<FlatShape> mergeShapes(std::vector<FlatShape> shapes, const PassContext& context) {
   std::vector<FlatShape> result;
+  std::set<Place> places;  // of the last one's parts
   for (FlatShape& shape : shapes) {
     if (!isSeen(shape, context.frame.viewport)) continue;
-    if (!result.empty() && mayJoin(result.back(), shape)) {
+    const Place place = placeOf(shape);
+    if (!result.empty() && mayJoin(result.back(), places, shape)) {
       FlatShape& last = result.back();
       last.windsOneWay = last.windsOneWay && shape.windsOneWay;
       append(last.outline, shape.outline);
@@ -46,7 +59,9 @@ std::vector<FlatShape> mergeShapes(std::vector<FlatShape> shapes, const PassCont
       append(last.dots, shape.dots);
     } else {
       result.push_back(std::move(shape));
+      places.clear();
     }
+    places.insert(place);
   }
   return result;
 }
