@@ -11,14 +11,8 @@
 
 namespace quellaro {
 
-namespace {
-
-constexpr const char* kFrameFileName = "animation.json";
-
-}  // namespace
-
 void QLHalvoAnimationController::prepare(const std::string& cueName, Callback onSuccess, Callback onFailure) {
-  const std::string path = HalvoFileManager::assetsDirectoryPath(cueName) + "/" + kFrameFileName;
+  const std::string path = HalvoFileManager::assetsDirectoryPath(cueName) + "/" + kAnimationFile;
   const bool exists = FileManager::fileExistsAtPath(path);
   const std::optional<NSError> error = exists ? loadFrames(path) : std::nullopt;
   // The host learns only that it failed; whoever made the file wants to know why.

@@ -1,17 +1,14 @@
 #pragma once
 
 #include <expat.h>
-#include <libxml/parser.h>
-#include <libxml/parserInternals.h>
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "platform/foundation/xml/xml_parser.h"
 
-// One document read by three parsers, each telling what it heard in the same words.
+// One document read by two parsers, each telling what it heard in the same words.
 namespace quellaro {
 
 struct Heard {
@@ -55,31 +52,6 @@ inline Heard hearExpat(std::string_view text) {
       [](void* data, const char* name) { static_cast<Heard*>(data)->end(name); });
   heard.wellFormed = XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1) == XML_STATUS_OK;
   XML_ParserFree(parser);
-  return heard;
-}
-
-inline Heard hearLibxml(std::string_view text) {
-  Heard heard;
-  xmlSAXHandler handler{};
-  // The first of its interfaces, which gives names as written.
-  handler.startElement = [](void* data, const xmlChar* name, const xmlChar** attributes) {
-    const auto asText = [](const xmlChar* characters) { return reinterpret_cast<const char*>(characters); };
-    static_cast<Heard*>(data)->start(asText(name));
-    for (; attributes != nullptr && *attributes != nullptr; attributes += 2)
-      static_cast<Heard*>(data)->attribute(asText(attributes[0]), asText(attributes[1]));
-  };
-  handler.endElement = [](void* data, const xmlChar* name) {
-    static_cast<Heard*>(data)->end(reinterpret_cast<const char*>(name));
-  };
-  const xmlParserCtxtPtr context = xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size()));
-  const xmlSAXHandlerPtr own = std::exchange(context->sax, &handler);
-  context->userData = &heard;
-  context->replaceEntities = 1;
-  xmlParseDocument(context);
-  heard.wellFormed = context->wellFormed != 0;
-  context->sax = own;
-  xmlFreeDoc(context->myDoc);
-  xmlFreeParserCtxt(context);
   return heard;
 }
 

@@ -6,7 +6,7 @@
 #include "controller/halvo_controller.h"
 #include "media/haptics_manager.h"
 #include "platform/corehaptics/simulated_actuator.h"
-#include "public/fake_collaborators.h"
+#include "controller/fake_collaborators.h"
 #include "support/library_fixture.h"
 
 namespace quellaro {

@@ -8,12 +8,12 @@
 
 #include "animation/halvo_view.h"
 #include "c_interface/c_interface.h"
+#include "controller/fake_collaborators.h"
 #include "platform/avfoundation/audio_session.h"
 #include "platform/avfoundation/simulated_output.h"
 #include "platform/corehaptics/haptic_engine.h"
 #include "platform/corehaptics/simulated_actuator.h"
-#include "public/fake_collaborators.h"
-#include "shortage/failing_allocations.h"
+#include "support/hardship/failing_memory.h"
 #include "support/library_fixture.h"
 
 namespace quellaro {
@@ -86,18 +86,16 @@ class Shortage : public LibraryFixture {
   void sweep(
       long least, const std::function<void()>& before, const std::function<quellaro_halvo_result()>& call,
       const std::function<void()>& after = [] {}) {
-    for (long number = 1;; ++number) {
+    for (long number = 0;; ++number) {
       SCOPED_TRACE("allocation " + std::to_string(number));
       makeHost();
       before();
       pump();
       answers_.clear();
-      quellaro_halvo_result result = quellaro_halvo_result_ok;
-      {
-        const FailingAllocation failing(number);
-        result = call();
-        pump();
-      }
+      FailingAllocation failing(number, FailingOn::everyThread);
+      const quellaro_halvo_result result = call();
+      pump();
+      const bool hasFailed = failing.end();
       pump();
       EXPECT_EQ(answers_.size(), result == quellaro_halvo_result_ok ? 1U : 0U);
       EXPECT_FALSE(quellaro_halvo_controller_is_playing(controller_.get()));
@@ -120,7 +118,7 @@ class Shortage : public LibraryFixture {
       EXPECT_TRUE(answers_[1] == 800 || answers_[1] == 801) << answers_[1];
       dropHost();
       if (HasFailure()) return;
-      if (FailingAllocation::hasFailed()) continue;
+      if (hasFailed) continue;
       EXPECT_GT(number, least);
       return;
     }

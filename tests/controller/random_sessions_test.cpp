@@ -16,7 +16,7 @@
 #include "platform/avfoundation/simulated_output.h"
 #include "platform/corehaptics/haptic_engine.h"
 #include "platform/corehaptics/simulated_actuator.h"
-#include "public/fake_collaborators.h"
+#include "controller/fake_collaborators.h"
 #include "support/library_fixture.h"
 
 namespace quellaro {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "media/haptics_feedback_error.h"
-#include "public/fake_collaborators.h"
+#include "controller/fake_collaborators.h"
 #include "support/library_fixture.h"
 
 namespace quellaro {
