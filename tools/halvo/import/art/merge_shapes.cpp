@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <iterator>
@@ -25,18 +26,31 @@ bool samePaint(const FlatShape& a, const FlatShape& b) {
   return a.colour == b.colour && a.strokeWidth == b.strokeWidth && a.asFill.empty() == b.asFill.empty();
 }
 
-// In thousandths of a unit.
-using Place = std::array<long, 4>;
-Place placeOf(const FlatShape& shape) {
-  const Box box = boundsOf(shape);
-  return {std::lround(box.minX * 1000), std::lround(box.minY * 1000), std::lround(box.maxX * 1000),
-          std::lround(box.maxY * 1000)};
+// Which edges an outline has, each by its ends, whichever comes first, in twentieths of a unit.
+using Edges = std::set<std::array<long, 4>>;
+
+void addEdges(const FlatShape& shape, Edges& edges) {
+  for (const Contour& contour : shape.outline) {
+    const auto add = [&](const Point& from, const Point& to) {
+      std::array<long, 2> a{std::lround(from.x * 20), std::lround(from.y * 20)};
+      std::array<long, 2> b{std::lround(to.x * 20), std::lround(to.y * 20)};
+      if (b < a) std::swap(a, b);
+      edges.insert({a[0], a[1], b[0], b[1]});
+    };
+    Point from = contour.start;
+    for (const Segment& segment : contour.segments) add(std::exchange(from, segment.end), segment.end);
+    const bool isClosed = contour.isClosed || !shape.strokeWidth;
+    if (isClosed && (from.x != contour.start.x || from.y != contour.start.y)) add(from, contour.start);
+  }
 }
 
-// One outline of both looks like both over each other: where they overlap, nothing may cancel out or show twice. What
-// is drawn twice at the same place stays so, as its edges are darker than when it is drawn once.
-bool mayJoin(const FlatShape& a, const std::set<Place>& placesInA, const FlatShape& b) {
-  if (!samePaint(a, b) || placesInA.contains(placeOf(b))) return false;
+bool haveCommon(const Edges& a, const Edges& b) {
+  return std::any_of(b.begin(), b.end(), [&](const auto& edge) { return a.contains(edge); });
+}
+
+// One outline of both looks like both over each other: where they overlap, nothing may cancel out or show twice.
+bool mayJoin(const FlatShape& a, const FlatShape& b) {
+  if (!samePaint(a, b)) return false;
   if (a.colour.alpha >= 1 && (a.strokeWidth || (a.windsOneWay && b.windsOneWay))) return true;
   const double reach = a.strokeWidth ? *a.strokeWidth * 5 : 0;
   const Box common = commonBox(boundsOf(a).grown(reach), boundsOf(b).grown(reach));
@@ -47,21 +61,23 @@ bool mayJoin(const FlatShape& a, const std::set<Place>& placesInA, const FlatSha
 
 std::vector<FlatShape> mergeShapes(std::vector<FlatShape> shapes, const PassContext& context) {
   std::vector<FlatShape> result;
-  std::set<Place> places;  // of the last one's parts
+  Edges edges;  // of the last one
   for (FlatShape& shape : shapes) {
     if (!isSeen(shape, context.frame.viewport)) continue;
-    const Place place = placeOf(shape);
-    if (!result.empty() && mayJoin(result.back(), places, shape)) {
+    Edges own;
+    addEdges(shape, own);
+    // An edge that is drawn twice is darker than one that is drawn once, and stays so.
+    if (!result.empty() && mayJoin(result.back(), shape) && !haveCommon(edges, own)) {
       FlatShape& last = result.back();
       last.windsOneWay = last.windsOneWay && shape.windsOneWay;
       append(last.outline, shape.outline);
       append(last.asFill, shape.asFill);
       append(last.dots, shape.dots);
+      edges.merge(own);
     } else {
       result.push_back(std::move(shape));
-      places.clear();
+      edges = std::move(own);
     }
-    places.insert(place);
   }
   return result;
 }
