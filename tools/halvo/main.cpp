@@ -5,6 +5,7 @@
 #include "c_interface/quellaro_halvo.h"
 #include "commands.h"
 #include "options.h"
+#include "platform/foundation/text/utf8.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ void printHelp(std::FILE* file) {
 int run(const std::string& name, int argc, char** argv) {
   for (const Command& command : kCommands)
     if (command.name == name && command.run != nullptr) return command.run(argc, argv);
-  std::fprintf(stderr, "halvo: unknown command %s\nTry 'halvo --help'.\n", name.c_str());
+  std::fprintf(stderr, "halvo: unknown command %s\nTry 'halvo --help'.\n", quellaro::printable(name).c_str());
   return halvo::kExitUsage;
 }
 

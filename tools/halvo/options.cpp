@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/foundation/text/utf8.h"
+
 namespace halvo {
 
 namespace {
@@ -132,15 +134,20 @@ std::function<std::optional<std::string>(const std::string&)> setSize(Size& size
   };
 }
 
+namespace {
+
+// Names of files and what stands in them are told without what would act on a terminal.
+std::string shown(std::string_view message) { return quellaro::printable(message, 10'000); }
+
+}  // namespace
+
 int usageError(std::string_view command, std::string_view message) {
-  std::fprintf(stderr, "halvo %.*s: %.*s\nTry 'halvo %.*s --help'.\n", static_cast<int>(command.size()), command.data(),
-               static_cast<int>(message.size()), message.data(), static_cast<int>(command.size()), command.data());
+  const std::string name(command);
+  std::fprintf(stderr, "halvo %s: %s\nTry 'halvo %s --help'.\n", name.c_str(), shown(message).c_str(), name.c_str());
   return kExitUsage;
 }
 
-void tell(std::string_view message) {
-  std::fprintf(stderr, "halvo: %.*s\n", static_cast<int>(message.size()), message.data());
-}
+void tell(std::string_view message) { std::fprintf(stderr, "halvo: %s\n", shown(message).c_str()); }
 
 int failure(std::string_view message) {
   tell(message);

@@ -1,5 +1,4 @@
 #include <cstdint>
-#include <cstdio>
 
 #include "commands.h"
 #include "options.h"
@@ -43,7 +42,7 @@ int frame(int argc, char** argv) {
                                    std::to_string(texts.size()) + (texts.size() == 1 ? " frame" : " frames"));
   const auto document = quellaro::SVGDocument::parse(std::string(texts[static_cast<std::size_t>(number - 1)]));
   if (!document->viewbox() || !canBeShown(*document->viewbox()))
-    std::fprintf(stderr, "halvo: %s: the document has no size, so the picture is empty\n", source.c_str());
+    tell(source + ": the document has no size, so the picture is empty");
   const auto view = makeView(size, background);
   showFrame(*view, document);
   quellaro::Bitmap bitmap(size.width, size.height);
