@@ -95,7 +95,8 @@ TEST_F(DrawingCommands, UnusableArgumentsAndFilesAreToldApart) {
       {"layers /dev/zero", 1, "File too large"},
       {"help", 0, "Commands:"},
       {"help frame", 0, "-o OUT.png"},
-      {"help frames", 2, "unknown command frames"},
+      {"help 'fra\033mes'", 2, "unknown command fra?mes"},
+      {"frame 'no\033[31mne' -o x.png", 1, "no?[31mne: No such file"},
       {"frame -h", 0, "-o OUT.png"},
       {"--version", 0, "halvo 1."},
   };
