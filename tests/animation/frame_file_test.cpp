@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/foundation/console.h"
 #include "platform/foundation/memory/limits.h"
 #include "platform/quartzcore/shape_layer.h"
 
@@ -44,6 +45,29 @@ TEST(FrameFile, AFrameOutlivesTheOthersAndTheTexts) {
   kept.reset();
   const auto shape = std::static_pointer_cast<CAShapeLayer>(layer->sublayers()[0]);
   EXPECT_EQ(shape->path()->points()[1], (CGPoint{3, 4}));
+}
+
+// Two threads share the work of a large cue, and nobody can tell.
+TEST(FrameFile, ALargeCueIsReadInOrder) {
+  constexpr std::size_t kCount = 400;
+  constexpr const char* kNoCommands[] = {"LLL", "qMq", "zzz", "HaH", "tTt"};
+  std::string json = "[";
+  std::string expected;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    const std::string number = std::to_string(i);
+    json += (i == 0 ? "\"" : ",\"") +
+            std::string("<svg><path id='" + number + "' d='M0 0" + kNoCommands[i % 5] + "'/>") +
+            std::string(i % 7 * 1000, ' ') + "</svg>\"";
+    expected += std::string("Don't have any solutions for cmd ") + kNoCommands[i % 5] + ".\n";
+  }
+  std::string printed;
+  setConsoleSink([&](std::string_view line) { printed += line; });
+  const auto documents = parseFrames(std::move(*decodeFrames(json + "]")));
+  setConsoleSink({});
+  ASSERT_EQ(documents->size(), kCount);
+  for (std::size_t i = 0; i < kCount; ++i)
+    EXPECT_EQ(documents->at(i)->elements()->at(0)->attr().find("id"), std::to_string(i));
+  EXPECT_EQ(printed, expected);
 }
 
 TEST(FrameFile, MoreFramesThanAnyCueHasAreAnError) {

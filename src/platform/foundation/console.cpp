@@ -13,6 +13,9 @@ struct Console {
   ConsoleSink sink;
 };
 
+// Where this thread's texts go instead, if anywhere.
+thread_local std::vector<std::string>* kept = nullptr;
+
 Console& console() {
   // Never destroyed: somebody may print while the process exits.
   static Console& shared = *new Console;  // NOLINT(cppcoreguidelines-owning-memory)
@@ -27,6 +30,10 @@ void writeLine(std::FILE* file, const std::string& line) {
 }  // namespace
 
 void print(std::string_view text) {
+  if (kept != nullptr) {
+    kept->emplace_back(text);
+    return;
+  }
   std::string line(text);
   line += '\n';
   const std::lock_guard lock(console().mutex);
@@ -35,6 +42,10 @@ void print(std::string_view text) {
   else
     writeLine(stdout, line);
 }
+
+KeptPrints::KeptPrints() { kept = &texts_; }
+
+KeptPrints::~KeptPrints() { kept = nullptr; }
 
 void setConsoleSink(ConsoleSink sink) {
   const std::lock_guard lock(console().mutex);

@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace quellaro {
 
@@ -12,6 +14,20 @@ using ConsoleSink = std::function<void(std::string_view)>;
 
 // Prints the text and one line break. Goes to standard output, as is, unless a sink has been set.
 void print(std::string_view text);
+
+// While one lives, what its thread prints is kept in it instead.
+class KeptPrints {
+ public:
+  KeptPrints();
+  ~KeptPrints();
+  KeptPrints(const KeptPrints&) = delete;
+  KeptPrints& operator=(const KeptPrints&) = delete;
+
+  std::vector<std::string> take() { return std::move(texts_); }
+
+ private:
+  std::vector<std::string> texts_;
+};
 
 // An empty sink restores standard output.
 void setConsoleSink(ConsoleSink sink);

@@ -21,12 +21,13 @@ class Arena {
  public:
   // `expectedBytes` are asked for when the first thing comes.
   explicit Arena(std::size_t expectedBytes) : memory_(expectedBytes, &blocks_), bulk_(expectedBytes, &blocks_) {}
-  // Begins in memory that had another use before: what the process has already touched costs it nothing. The bulk gets
-  // the larger share of it.
-  explicit Arena(std::string used)
+  // Begins in part of some memory that had another use before: what the process has already touched costs it nothing.
+  // The bulk gets the larger share of it.
+  Arena(std::shared_ptr<std::string> used, std::span<char> part)
       : used_(std::move(used)),
-        memory_(used_.data() + bulkShare(), used_.size() - bulkShare(), &blocks_),
-        bulk_(used_.data(), bulkShare(), &blocks_) {}
+        part_(part),
+        memory_(part.data() + bulkShare(), part.size() - bulkShare(), &blocks_),
+        bulk_(part.data(), bulkShare(), &blocks_) {}
   Arena(const Arena&) = delete;
   Arena& operator=(const Arena&) = delete;
 
@@ -37,8 +38,8 @@ class Arena {
 
   // What has not been taken of the memory that had another use goes back to the system until it is.
   void giveBackUnused() {
-    giveBackFrom(bulk_, used_.data() + bulkShare());
-    giveBackFrom(memory_, used_.data() + used_.size());
+    giveBackFrom(bulk_, part_.data() + bulkShare());
+    giveBackFrom(memory_, part_.data() + part_.size());
   }
 
   // A copy that lives as long as the arena.
@@ -68,16 +69,17 @@ class Arena {
     bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override { return this == &other; }
   };
 
-  std::size_t bulkShare() const { return used_.size() / 8 * 5; }
+  std::size_t bulkShare() const { return part_.size() / 8 * 5; }
   // `end` is that of the first block.
   void giveBackFrom(std::pmr::memory_resource& resource, const char* end) {
     auto* const next = static_cast<char*>(resource.allocate(1, 1));
-    if (std::less_equal<>()(used_.data(), next) && std::less<>()(next, end))
+    if (std::less_equal<>()(part_.data(), next) && std::less<>()(next, end))
       giveBackPages(next, static_cast<std::size_t>(end - next));
   }
 
   Blocks blocks_;
-  std::string used_;
+  std::shared_ptr<std::string> used_;
+  std::span<char> part_;
   std::pmr::monotonic_buffer_resource memory_;
   std::pmr::monotonic_buffer_resource bulk_;
 };
