@@ -36,6 +36,8 @@ TEST_F(Signing, TheKeyIsOneThatOthersCanRead) {
   EXPECT_EQ(run("store keygen " + key_).status, 1);
   EXPECT_EQ(readFile(key_), before);
   EXPECT_EQ(run("store keygen " + (directory_ / "no/where").string()).status, 1);
+  EXPECT_EQ(run("store keygen " + (directory_ / "full").string(), "trap '' XFSZ; ulimit -f 0; ").status, 1);
+  EXPECT_FALSE(fs::exists(directory_ / "full"));
 }
 
 TEST_F(Signing, WhatIsSignedIsVerifiedByThatKeyAlone) {
@@ -78,10 +80,13 @@ TEST_F(Signing, AnUnsignedVersionAfterASignedOneIsTold) {
   EXPECT_THAT(storeCommand("rollback", "--cue quellaro --to 0.9").output, HasSubstr("this version is not signed"));
   EXPECT_THAT(verify(key_).output, HasSubstr("the entry is not signed"));
   ASSERT_EQ(storeCommand("rollback", "--cue quellaro --to 1").status, 0);
+  EXPECT_EQ(storeCommand("rollback", "--cue quellaro --to 0.9").status, 0);
   EXPECT_EQ(storeCommand("rollback", "--cue quellaro --to 0.9 --sign " + key_).status, 0);
   EXPECT_EQ(verify(key_).status, 0);
   writeCue("3");
   EXPECT_THAT(publish("3").output, HasSubstr("this version is not signed"));
+  EXPECT_EQ(publishSigned("3").status, 0);
+  EXPECT_EQ(verify(key_).status, 0);
 }
 
 TEST_F(Signing, KeysThatAreNoneOrNotKeptAreRefused) {

@@ -128,7 +128,13 @@ TEST_F(Store, AVersionIsListedAgainUnderItsOwnPath) {
     EXPECT_EQ(outcome.status, 1) << c.arguments;
     EXPECT_THAT(outcome.output, HasSubstr(c.reason));
   }
+  // A disk that is full.
+  const Outcome full =
+      storeCommand("rollback", "--cue quellaro --to 1 --sdk-version 2.0.0", "trap '' XFSZ; ulimit -f 0; ");
+  EXPECT_EQ(full.status, 1);
+  EXPECT_THAT(full.output, HasSubstr("File too large"));
   EXPECT_EQ(config(), after);
+  EXPECT_THAT(storeCommand("list").output, Not(HasSubstr("unfinished")));
 }
 
 TEST_F(Store, OnlyWhatNobodyNeedsIsPruned) {
@@ -247,6 +253,18 @@ TEST_F(Store, NothingIsWrittenOutsideOfIt) {
     EXPECT_THAT(outcome.output, HasSubstr("leads out of the store"));
   }
   EXPECT_TRUE(fs::is_empty(directory_ / "outside"));
+
+  // Of a list that lies elsewhere, and may just not be there at the moment, nothing would be left.
+  for (const char* target : {"list.json", "nowhere/list.json"}) {
+    fs::rename(store() / "version_config.json", directory_ / "list.json");
+    fs::create_symlink(directory_ / target, store() / "version_config.json");
+    EXPECT_THAT(run("publish " + cue().string() + " --store " + store().string() + " --cue other --version 1").output,
+                HasSubstr("this is a symbolic link"));
+    EXPECT_FALSE(fs::exists(store() / "other"));
+    fs::remove(store() / "version_config.json");
+    fs::rename(directory_ / "list.json", store() / "version_config.json");
+  }
+  EXPECT_EQ(listed("2.0.0"), "1 quellaro/1");
 }
 
 TEST_F(Store, DiffTellsWhatDevicesGetDifferently) {

@@ -1,5 +1,7 @@
 #include "store/asset_store.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <utility>
@@ -49,8 +51,8 @@ Result<Change> publishNow(const std::string& store, const Publication& publicati
   const Inventory inventory = takeInventory(store, *config);
   const auto same = sameSet(store, inventory, publication, files);
   if (!same) return same.error();
-  // What is listed and not there is published again.
-  if (*same != nullptr && config->lists(publication))
+  // What is listed and not there is published again; what is to be signed is listed once more.
+  if (*same != nullptr && config->lists(publication) && !options.key)
     return NSError{"halvo", 0,
                    configPath + ": version " + publication.version + " of " + publication.cue +
                        " is listed already, with this content"};
@@ -66,6 +68,7 @@ Result<Change> publishNow(const std::string& store, const Publication& publicati
   if (!record) return record.error();
   if (const auto problem = list(store, *config, publication, {publication.version, *path, record->signature})) {
     FileManager::removeItemAtPath(directory);
+    rmdir(parentOf(directory).c_str());
     return *problem;
   }
   return change;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <set>
 #include <utility>
 #include <vector>
@@ -30,7 +31,8 @@ void noteUse(const std::string& store, const std::string& filepath) {
 // A set that is there, signed anew when there is a key.
 Result<SetSignature> signatureOf(const std::string& store, const StoredSet& set, const Publication& publication,
                                  const ChangeOptions& options) {
-  if (!options.key) return set.version == publication.version ? set.signature : SetSignature{};
+  const bool isThat = set.cue == publication.cue && set.version == publication.version;
+  if (!options.key) return isThat ? set.signature : SetSignature{};
   const std::string directory = inDirectory(store, set.path);
   const auto signature = options.key->sign(publication.cue, publication.version, directory);
   if (!signature || options.dryRun) return signature;
@@ -44,6 +46,9 @@ Result<SetSignature> signatureOf(const std::string& store, const StoredSet& set,
 
 std::optional<NSError> list(const std::string& store, const StoreConfig& config, const Publication& publication,
                             const QLHalvoVersionCue& listing) {
+  const std::string path = inDirectory(store, kVersionConfigFile);
+  if (std::filesystem::is_symlink(path))
+    return NSError{"halvo", 0, path + ": this is a symbolic link, whose place a file would take"};
   const std::string text = config.with(publication, listing);
   const Result<StoreConfig> changed = StoreConfig::parse(text);
   if (!changed) return changed.error();
@@ -51,7 +56,7 @@ std::optional<NSError> list(const std::string& store, const StoreConfig& config,
   for (const Listing& before : listingsOf(config.entries())) gone.insert(before.filepath);
   for (const Listing& after : listingsOf(changed->entries())) gone.erase(after.filepath);
   for (const std::string& filepath : gone) noteUse(store, filepath);
-  return replaceDurably(inDirectory(store, kVersionConfigFile), text);
+  return replaceDurably(path, text);
 }
 
 bool isSignedFor(const StoreConfig& config, const Publication& publication) {

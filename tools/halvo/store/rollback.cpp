@@ -72,7 +72,7 @@ Result<Change> rollBack(const std::string& store, Publication publication, const
   if (!set) return set.error();
   if ((*set)->path == publication.version) publication.version = (*set)->version;
   if (const auto files = readPlayableCue(inDirectory(store, (*set)->path)); !files) return files.error();
-  if (config->lists(publication)) {
+  if (config->lists(publication) && !options.key) {
     Change change{publication, (*set)->path};
     change.wasListed = true;
     return change;

@@ -1,6 +1,7 @@
 #include "store/set_writer.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <optional>
@@ -92,6 +93,8 @@ Result<SetRecord> writeSet(const std::string& directory, const Publication& publ
   }
   if (problem) {
     FileManager::removeItemAtPath(staged);
+    // The cue's own, when it is new.
+    rmdir(parent.c_str());
     return *problem;
   }
   syncDirectory(parent);
