@@ -20,6 +20,7 @@ class DirectorySource final : public StoreSource {
 
   std::vector<StoreAnswer> get(const std::vector<std::string>& paths) override {
     std::vector<StoreAnswer> answers;
+    answers.reserve(paths.size());
     for (const std::string& path : paths) answers.push_back(read(path));
     return answers;
   }

@@ -1,8 +1,8 @@
 #include "store/listed_path.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
+#include <filesystem>
+#include <system_error>
 
 #include "platform/foundation/network/url.h"
 
@@ -10,14 +10,11 @@ namespace halvo {
 
 namespace {
 
-struct Free {
-  void operator()(char* text) const { std::free(text); }
-};
-
 std::optional<std::string> realPath(const std::string& path) {
-  const std::unique_ptr<char, Free> real(realpath(path.c_str(), nullptr));
-  if (!real) return std::nullopt;
-  return std::string(real.get());
+  std::error_code error;
+  const std::filesystem::path real = std::filesystem::canonical(path, error);
+  if (error) return std::nullopt;
+  return real.string();
 }
 
 int hexDigit(char c) {

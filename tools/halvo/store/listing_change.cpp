@@ -34,7 +34,7 @@ Result<SetSignature> signatureOf(const std::string& store, const StoredSet& set,
   const bool isThat = set.cue == publication.cue && set.version == publication.version;
   if (!options.key) return isThat ? set.signature : SetSignature{};
   const std::string directory = inDirectory(store, set.path);
-  const auto signature = options.key->sign(publication.cue, publication.version, directory);
+  auto signature = options.key->sign(publication.cue, publication.version, directory);
   if (!signature || options.dryRun) return signature;
   const SetRecord record{publication.cue, publication.version, *signature};
   if (const auto problem = replaceDurably(inDirectory(directory, kSetRecordFile), encodeSetRecord(record)))

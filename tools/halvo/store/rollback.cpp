@@ -54,6 +54,7 @@ Result<const StoredSet*> setCalled(const std::string& store, const Inventory& in
   if (sets.empty()) return refusal(store + ": version " + name + " of " + cue + " is not there, or not whole");
   if (sets.size() == 1) return sets.front();
   std::vector<std::string> paths;
+  paths.reserve(sets.size());
   for (const StoredSet* set : sets) paths.push_back(printable(set->path, 200));
   return refusal(store + ": version " + name + " of " + cue + " is there more than once: say which path is meant, " +
                  joined(paths));

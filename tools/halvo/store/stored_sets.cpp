@@ -128,11 +128,11 @@ Inventory takeInventory(const std::string& store, const StoreConfig& config) {
 
 std::vector<const StoredSet*> setsNamed(const Inventory& inventory, const std::string& cue,
                                         const std::string& version) {
+  const std::string name = cue + " " + version;
   std::vector<const StoredSet*> sets;
   for (const StoredSet& set : inventory.sets) {
     const auto& names = set.listedAs;
-    if ((set.cue == cue && set.version == version) ||
-        std::find(names.begin(), names.end(), cue + " " + version) != names.end())
+    if ((set.cue == cue && set.version == version) || std::find(names.begin(), names.end(), name) != names.end())
       sets.push_back(&set);
   }
   return sets;

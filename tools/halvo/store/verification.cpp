@@ -12,6 +12,7 @@
 #include "check/cue.h"
 #include "check/output.h"
 #include "platform/foundation/storage/file_manager.h"
+#include "store/durable_files.h"
 
 namespace halvo {
 
@@ -75,7 +76,7 @@ void checkSignature(const std::string& directory, const Listing& listing, const 
   }
   for (const auto& [file, digest] : listing.signature.sha256)
     if (std::find(kCueFiles.begin(), kCueFiles.end(), file) != kCueFiles.end() &&
-        sha256OfFile(directory + "/" + file) != digest)
+        sha256OfFile(inDirectory(directory, file)) != digest)
       remarks.push_back({Severity::Error, listing.filepath + "/" + file, "it is not the file that was signed"});
 }
 
@@ -83,6 +84,7 @@ VerifiedCue verifyCue(StoreSource& source, const Listing& listing, const VerifyO
                       std::vector<Remark>& allRemarks) {
   VerifiedCue cue{listing, 0, false};
   std::vector<std::string> paths;
+  paths.reserve(kCueFiles.size());
   for (const char* file : kCueFiles) paths.push_back(listing.filepath + "/" + file);
   std::vector<Remark> remarks;
   const Workplace workplace;
