@@ -9,8 +9,19 @@ namespace quellaro {
 
 namespace {
 
+SetSignature signatureOf(const std::optional<JSONValue>& cue) {
+  SetSignature signature;
+  if (!cue) return signature;
+  if (const auto text = cue->member("signature")) signature.signature = text->string().value_or("");
+  if (const auto digests = cue->member("sha256"))
+    for (const auto& [file, digest] : digests->members()) signature.sha256.emplace(file, digest.string().value_or(""));
+  return signature;
+}
+
 QLHalvoVersionCue decodeCue(const JSONField& json) {
-  return {.version = json.required("version").string(), .filepath = json.required("filepath").string()};
+  return {.version = json.required("version").string(),
+          .filepath = json.required("filepath").string(),
+          .signature = signatureOf(json.value())};
 }
 
 QLHalvoAnalyticsInfo decodeAnalytics(const JSONField& json) {

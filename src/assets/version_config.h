@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "assets/set_signature.h"
 #include "platform/foundation/error.h"
 
 namespace quellaro {
@@ -14,6 +15,8 @@ struct QLHalvoVersionCue {
   std::optional<std::string> version;
   // Below the base address of the remote asset store. It only ever forms an address.
   std::optional<std::string> filepath;
+  // Empty, in whole or in part, when the entry has none or none of the right types, which fails nothing.
+  SetSignature signature;
 };
 
 // How usage is counted and sent.

@@ -61,6 +61,21 @@ TEST(VersionConfig, TheFirstEntryThatListsTheVersionIsChosen) {
   for (const char* version : {"2", "2.0.0", " 2.0"}) EXPECT_FALSE(selectForSdkVersion(*entries, version)) << version;
 }
 
+TEST(VersionConfig, SignaturesAreReadAndFailNothing) {
+  const std::pair<std::string, SetSignature> rows[] = {
+      {R"("sha256": {"a": "12", "b": null}, "signature": "x", )", {{{"a", "12"}, {"b", ""}}, "x"}},
+      {R"("sha256": ["a"], "signature": {}, )", {}},
+      {R"("sha256": null, )", {}},
+  };
+  for (const auto& [keys, expected] : rows) {
+    std::string text = "[" + entry(R"(["2.0"])") + "]";
+    text.insert(text.find(R"("version")"), keys);
+    const auto entries = decodeVersionConfigs(text);
+    ASSERT_TRUE(entries) << text;
+    EXPECT_TRUE(entries->front().cues->at("q").signature == expected) << keys;
+  }
+}
+
 TEST(VersionConfig, OneThingWrongAnywhereFailsTheWhole) {
   const std::vector<std::pair<std::string, std::string>> rows = {
       {"[]", ""},

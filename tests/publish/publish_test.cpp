@@ -1,86 +1,47 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <array>
-#include <cstdio>
 #include <string>
 
-#include "assets/halvo_file_manager.h"
-#include "assets/version_config.h"
+#include "publish/store_fixture.h"
 #include "support/nginx_server.h"
-#include "support/temporary_directory.h"
 
 namespace quellaro {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
 
-struct Outcome {
-  int status = -1;
-  std::string output;  // standard output and standard error
-};
-
-// `before`: what the shell does first.
-Outcome run(const std::string& arguments, const std::string& before = "") {
-  Outcome outcome;
-  std::FILE* pipe = popen((before + QUELLARO_HALVO_TOOL " " + arguments + " 2>&1").c_str(), "r");
-  std::array<char, 4096> buffer;
-  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
-    outcome.output.append(buffer.data(), count);
-  outcome.status = WEXITSTATUS(pclose(pipe));
-  return outcome;
-}
-
-class Publish : public testing::Test {
- protected:
-  Publish() { writeCue("one"); }
-
-  // The built-in cue; `mark` tells cues apart.
-  void writeCue(const std::string& mark) const {
-    for (const std::string name : kCueFiles) {
-      std::string content = readFile(QUELLARO_BUNDLE "/" + name);
-      if (name == "play_config.json") content.insert(content.find('{') + 1, "\"mark\": \"" + mark + "\",");
-      writeFile(cue() / name, content);
-    }
-  }
-  Outcome publish(const std::string& version, const std::string& more = "--sdk-version 2.0.0",
-                  const std::string& before = "") const {
-    return run("publish " + cue().string() + " --store " + store().string() + " --cue Quel_laro --version '" + version +
-                   "' " + more,
-               before);
-  }
-  // "version filepath" of the cue for a library version; empty when it is not listed.
-  std::string listed(const std::string& sdkVersion, const std::string& name = "quellaro") const {
-    const auto entries = decodeVersionConfigs(readFile(store() / "version_config.json"));
-    EXPECT_TRUE(entries);
-    const auto entry = selectForSdkVersion(*entries, sdkVersion);
-    if (!entry || entry->cues->count(name) == 0) return "";
-    return *entry->cues->at(name).version + " " + *entry->cues->at(name).filepath;
-  }
-  fs::path cue() const { return directory_ / "cue"; }
-  fs::path store() const { return directory_ / "store"; }
-
-  TemporaryDirectory directory_;
-};
+using Publish = StoreTest;
 
 TEST_F(Publish, WritesUnderAFreshPathAndListsItThere) {
   const Outcome first = publish("2");
   EXPECT_EQ(first.status, 0);
-  EXPECT_EQ(first.output, "published version 2 of quellaro for library version 2.0.0 at quellaro/2\n");
+  EXPECT_THAT(first.output, StartsWith("published version 2 of quellaro for library version 2.0.0 at quellaro/2\n"));
+  // First what is listed, then the list.
+  EXPECT_THAT(first.output, MatchesRegex("(.|\n)*\n  rsync -rlt --exclude=/version_config.json (.|\n)*\n"
+                                         "  rsync -t .*/version_config.json' SERVER:DIRECTORY/\n"));
   EXPECT_EQ(listed("2.0.0"), "2 quellaro/2");
   for (const char* name : kCueFiles) EXPECT_EQ(readFile(store() / "quellaro/2" / name), readFile(cue() / name));
 
-  // Back and forth: no file that devices may be fetching is ever written over.
+  // No file that devices may be fetching is ever written over, and what is there is not copied.
   writeCue("two");
   EXPECT_EQ(publish("3").status, 0);
-  EXPECT_EQ(publish("2").status, 0);
-  EXPECT_EQ(listed("2.0.0"), "2 quellaro/2-2");
+  EXPECT_THAT(publish("2").output, HasSubstr("with other content"));
+  EXPECT_EQ(listed("2.0.0"), "3 quellaro/3");
+  writeCue("one");
+  EXPECT_THAT(publish("2").output, HasSubstr("at quellaro/2, which is there already"));
+  EXPECT_EQ(listed("2.0.0"), "2 quellaro/2");
   EXPECT_THAT(readFile(store() / "quellaro/2/play_config.json"), HasSubstr("one"));
   EXPECT_EQ(publish("../a b/\u00e9").status, 0);
   EXPECT_EQ(listed("2.0.0"), "../a b/\u00e9 quellaro/_._a_b___");
+  EXPECT_EQ(publish(".. a_b/\u00e9").status, 0);
+  EXPECT_EQ(listed("2.0.0"), ".. a_b/\u00e9 quellaro/_._a_b___-2");
+  // Something that is listed and gone is mended.
+  fs::remove_all(store() / "quellaro/_._a_b___-2");
+  EXPECT_EQ(publish(".. a_b/\u00e9").status, 0);
 }
 
 TEST_F(Publish, WhatElseIsListedStays) {
@@ -125,11 +86,16 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
     EXPECT_FALSE(fs::exists(store() / "quellaro/2")) << c.file;
   }
   writeCue("fine");
+  EXPECT_THAT(publish("1").output, HasSubstr("with other content"));
+  writeCue("one");
   EXPECT_THAT(publish("1").output, HasSubstr("listed already"));
   // A disk that is full in the middle of a file.
   const Outcome full = publish("2", "--sdk-version 2.0.0", "trap '' XFSZ; ulimit -f 40; ");
   EXPECT_EQ(full.status, 1);
   EXPECT_THAT(full.output, HasSubstr("File too large"));
+  EXPECT_FALSE(fs::exists(store() / "quellaro/2"));
+  EXPECT_EQ(publish("2", "--dry-run").output,
+            "would publish version 2 of quellaro for library version 1.0.0 at quellaro/2\n");
   EXPECT_FALSE(fs::exists(store() / "quellaro/2"));
   for (const char* arguments : {"--version 0", "--version ''", "--cue ..", "--cue a/b", "--cue _", "--sdk-version ''"})
     EXPECT_EQ(publish("5", arguments).status, 2) << arguments;

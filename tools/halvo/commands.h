@@ -7,6 +7,7 @@ int play(int argc, char** argv);
 int import(int argc, char** argv);
 int layers(int argc, char** argv);
 int publish(int argc, char** argv);
+int store(int argc, char** argv);
 int usage(int argc, char** argv);
 int frame(int argc, char** argv);
 int bench(int argc, char** argv);

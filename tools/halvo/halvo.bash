@@ -7,16 +7,23 @@ _halvo() {
     mapfile -t COMPREPLY < <(compgen -W "--help --version $("$tool" --help 2>/dev/null | sed -n 's/^  \([a-z]*\) .*/\1/p')" -- "$current")
     return
   fi
+  if [[ $command == store && $COMP_CWORD -eq 2 ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "--help $("$tool" store --help 2>/dev/null | sed -n 's/^  \([a-z]*\) .*/\1/p')" -- "$current")
+    return
+  fi
+  local words=("$command")
+  [[ $command == store ]] && words+=("${COMP_WORDS[2]}")
   case $previous in
     --type) mapfile -t COMPREPLY < <(compgen -W "animationAndSound soundOnly animationOnly" -- "$current") ;;
     --environment) mapfile -t COMPREPLY < <(compgen -W "primary secondary" -- "$current") ;;
     --background) mapfile -t COMPREPLY < <(compgen -W "black white" -- "$current") ;;
     --bundle|--library|--record|--store) compopt -o dirnames ;;
     --times|--volume|--app-id|--size|--number|--repeat|--cue|--version|--sdk-version|--fps|--frame-time|\
-      --loudness|--sound-delay|--animation-delay|--precision|--gradient-steps) ;;
+      --loudness|--sound-delay|--animation-delay|--precision|--gradient-steps|\
+      --to|--wait|--timeout|--older-than) ;;
     *)
       if [[ $current == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "$("$tool" "$command" --help 2>/dev/null | grep -o -- '^  .*' |
+        mapfile -t COMPREPLY < <(compgen -W "$("$tool" "${words[@]}" --help 2>/dev/null | grep -o -- '^  .*' |
           grep -oE -- '^  (-[a-z], )?--?[a-z-]+' | tr -d ' ' | tr ',' '\n')" -- "$current")
       elif [ "$command" = play ] && [ "$COMP_CWORD" -eq 2 ]; then
         mapfile -t COMPREPLY < <(compgen -W "quellaro" -- "$current")

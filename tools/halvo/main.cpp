@@ -20,6 +20,7 @@ constexpr Command kCommands[] = {
     {"import", "make a cue of SVG files and a sound", halvo::import},
     {"layers", "show the layer tree of SVG documents", halvo::layers},
     {"publish", "put a cue into a store that devices upgrade from", halvo::publish},
+    {"store", "look after a store: list, verify, diff, roll back, prune; make keys", halvo::store},
     {"usage", "print the usage records that are stored, without sending them", halvo::usage},
     {"frame", "draw one frame into a PNG file", halvo::frame},
     {"bench", "measure what it costs to show a cue's frames", halvo::bench},

@@ -1,53 +1,20 @@
 #include <chrono>
 #include <cstdio>
-#include <optional>
 #include <string>
 
 #include "assets/halvo_utility.h"
 #include "commands.h"
 #include "options.h"
-#include "platform/foundation/text/utf8.h"
+#include "store/arguments.h"
 #include "store/asset_store.h"
+#include "store/listing.h"
 #include "store/playable_cue.h"
-#include "types/cue_name.h"
 
 namespace halvo {
 
 namespace {
 
 using namespace quellaro;
-
-struct PublishOptions {
-  std::string store;
-  Publication publication;
-};
-
-bool isPlainText(const std::string& text) {
-  if (text.empty() || !isValidUTF8(text)) return false;
-  for (const char c : text)
-    if (static_cast<unsigned char>(c) < ' ' || c == 0x7f) return false;
-  return true;
-}
-
-std::optional<std::string> chooseCue(const std::string& name, std::string& cue) {
-  cue = normalisedCueName(name);
-  if (!isPlainText(cue) || cue == "." || cue == ".." || cue.find('/') != std::string::npos)
-    return "this names no directory: letters and digits are needed";
-  return std::nullopt;
-}
-
-std::optional<std::string> chooseVersion(const std::string& text, std::string& version) {
-  if (!isPlainText(text)) return "a text is needed";
-  if (text == "0") return "devices that have never downloaded a cue call theirs 0, and would not fetch it";
-  version = text;
-  return std::nullopt;
-}
-
-std::optional<std::string> addSdkVersion(const std::string& text, std::vector<std::string>& versions) {
-  if (!isPlainText(text)) return "a text is needed";
-  versions.push_back(text);
-  return std::nullopt;
-}
 
 // Says how far it is, once a second; nothing for what is done within the first.
 Progress reportOnStandardError() {
@@ -60,35 +27,38 @@ Progress reportOnStandardError() {
   };
 }
 
-int run(const std::string& cueDirectory, const PublishOptions& options) {
+int run(const std::string& cueDirectory, const std::string& store, const Publication& publication,
+        const ChangeOptions& options) {
   const Result<CueFiles> files = readPlayableCue(cueDirectory);
   if (!files) return failure("not published: " + files.error().localizedDescription);
-  const Result<std::string> path =
-      publishIntoStore(options.store, options.publication, *files, reportOnStandardError());
-  if (!path) return failure("not published: " + path.error().localizedDescription);
-  std::string sdkVersions;
-  for (const std::string& version : options.publication.sdkVersions)
-    sdkVersions += (sdkVersions.empty() ? "" : ", ") + version;
-  std::printf("published version %s of %s for library version %s at %s\n", options.publication.version.c_str(),
-              options.publication.cue.c_str(), sdkVersions.c_str(), path->c_str());
+  const Result<Change> change = publishIntoStore(store, publication, *files, options, reportOnStandardError());
+  if (!change) return failure("not published: " + change.error().localizedDescription);
+  std::printf("%s version %s of %s for library version %s at %s%s\n", options.dryRun ? "would publish" : "published",
+              publication.version.c_str(), publication.cue.c_str(), joined(publication.sdkVersions).c_str(),
+              change->path.c_str(), change->isCopied ? "" : ", which is there already");
+  if (change->wasSigned && !change->isSigned)
+    tell("this version is not signed, and the one before was: devices that know a public key stay with what they have");
+  if (!options.dryRun) tellHowToUpload(store);
   return kExitFine;
 }
 
 }  // namespace
 
 int publish(int argc, char** argv) {
-  PublishOptions options;
-  Publication& publication = options.publication;
+  std::string store;
+  std::string keyFile;
+  Publication publication;
+  ChangeOptions options;
   CommandLine commandLine;
-  commandLine.usage = "publish CUE_DIR --store DIR --cue NAME --version V [--sdk-version V...]";
+  commandLine.usage = "publish CUE_DIR --store DIR --cue NAME --version V [--sdk-version V...] [options]";
   commandLine.summary =
       "Publishes the four files of a cue in a directory that any static file server can serve to devices: the files\n"
       "under a path of their own, then version_config.json, which lists them. What else it lists stays. A cue that is\n"
-      "incomplete or cannot be played is refused. Exit status: 0 published, 1 refused or failed (nothing has changed\n"
-      "for devices), 2 unusable arguments.";
+      "incomplete or cannot be played is refused, and so is a version that is there with other content. Exit status:\n"
+      "0 published, 1 refused or failed (nothing has changed for devices), 2 unusable arguments.";
   commandLine.minimumPositional = commandLine.maximumPositional = 1;
   commandLine.options = {
-      {"store", "DIR", "the store's directory, made when it is missing", setText(options.store)},
+      {"store", "DIR", "the store's directory, made when it is missing", setText(store)},
       {"cue", "NAME", "the cue's name; case, blanks, '_' and '-' do not count",
        [&](const std::string& value) { return chooseCue(value, publication.cue); }},
       {"version", "V", "the version's name; a device fetches whatever differs from what it has",
@@ -96,13 +66,15 @@ int publish(int argc, char** argv) {
       {"sdk-version", "V", "library version that is to get the cue, as often as needed (this library's)",
        [&](const std::string& value) { return addSdkVersion(value, publication.sdkVersions); }},
   };
+  addChangeOptions(commandLine, options, &keyFile);
   const Parsed parsed = parse(commandLine, argc, argv);
   if (parsed.exitStatus) return *parsed.exitStatus;
-  if (options.store.empty()) return usageError("publish", "--store is missing");
+  if (store.empty()) return usageError("publish", "--store is missing");
   if (publication.cue.empty()) return usageError("publish", "--cue is missing");
   if (publication.version.empty()) return usageError("publish", "--version is missing");
   if (publication.sdkVersions.empty()) publication.sdkVersions.push_back(HalvoUtility::sdkVersion());
-  return run(parsed.positional[0], options);
+  if (const auto problem = readKey(keyFile, options)) return failure("not published: " + problem->localizedDescription);
+  return run(parsed.positional[0], store, publication, options);
 }
 
 }  // namespace halvo

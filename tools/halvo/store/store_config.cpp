@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "assets/version_config.h"
 #include "platform/foundation/json/json_writer.h"
 #include "platform/foundation/storage/file_manager.h"
+#include "store/listing.h"
 
 namespace halvo {
 
@@ -24,21 +24,16 @@ bool contains(const Names& names, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-void writeNames(JSONWriter& writer, const Names& names) {
-  writer.key(kSdkVersions).beginArray();
-  for (const std::string& name : names) writer.string(name);
-  writer.endArray();
-}
-
 // The cues of an entry, if there is one, with the published one among them.
 void writeCues(JSONWriter& writer, const std::optional<JSONValue>& cues, const Publication& publication,
-               const std::string& filepath) {
+               const QLHalvoVersionCue& listing) {
   writer.key(kCues).beginObject();
   if (cues)
     for (const auto& [name, value] : cues->members())
       if (name != publication.cue) writer.key(name).raw(value.text());
   writer.key(publication.cue).beginObject();
-  writer.key("version").string(publication.version).key("filepath").string(filepath);
+  writer.key("version").string(publication.version).key("filepath").string(*listing.filepath);
+  writeSignature(writer, listing.signature);
   writer.endObject().endObject();
 }
 
@@ -46,7 +41,7 @@ void writeCues(JSONWriter& writer, const std::optional<JSONValue>& cues, const P
 template <class WriteCues>
 void writeEntry(JSONWriter& writer, const JSONValue& entry, const Names& sdkVersions, WriteCues cues) {
   writer.beginObject();
-  writeNames(writer, sdkVersions);
+  writeTexts(writer, kSdkVersions, sdkVersions);
   cues();
   for (const auto& [key, value] : entry.members())
     if (key != kSdkVersions && key != kCues) writer.key(key).raw(value.text());
@@ -70,24 +65,29 @@ Result<StoreConfig> StoreConfig::read(const std::string& path) {
     if (!bytes) return NSError{"halvo", 0, path + ": " + bytes.error().localizedDescription};
     text = std::move(*bytes);
   }
-  const auto entries = decodeVersionConfigs(text);
-  if (!entries) return NSError{"halvo", 0, path + ": " + entries.error().localizedDescription};
+  Result<StoreConfig> config = parse(std::move(text));
+  if (!config) return NSError{"halvo", 0, path + ": " + config.error().localizedDescription};
+  return config;
+}
+
+Result<StoreConfig> StoreConfig::parse(std::string text) {
+  auto entries = decodeVersionConfigs(text);
+  if (!entries) return entries.error();
   Result<JSONDocument> document = JSONDocument::parse(std::move(text));
   if (!document) return document.error();
-  return StoreConfig(std::move(*document));
+  return StoreConfig(std::move(*document), std::move(*entries));
 }
 
 bool StoreConfig::lists(const Publication& publication) const {
-  const auto entries = decodeVersionConfigs(document_.root().text());
   return std::all_of(publication.sdkVersions.begin(), publication.sdkVersions.end(), [&](const std::string& sdk) {
-    const auto entry = selectForSdkVersion(*entries, sdk);
+    const auto entry = selectForSdkVersion(entries_, sdk);
     if (!entry) return false;
     const auto cue = entry->cues->find(publication.cue);
     return cue != entry->cues->end() && cue->second.version == publication.version;
   });
 }
 
-std::string StoreConfig::with(const Publication& publication, const std::string& filepath) const {
+std::string StoreConfig::with(const Publication& publication, const QLHalvoVersionCue& listing) const {
   JSONWriter writer;
   writer.beginArray();
   // Each library version counts where it is listed first, as devices read it.
@@ -97,15 +97,15 @@ std::string StoreConfig::with(const Publication& publication, const std::string&
     const JSONValue cues = *entry.member(kCues);
     const Names served = sdkVersionsOf(entry, open, true);
     const Names others = sdkVersionsOf(entry, open, false);
-    if (!served.empty()) writeEntry(writer, entry, served, [&] { writeCues(writer, cues, publication, filepath); });
+    if (!served.empty()) writeEntry(writer, entry, served, [&] { writeCues(writer, cues, publication, listing); });
     if (served.empty() || !others.empty())
       writeEntry(writer, entry, others, [&] { writer.key(kCues).raw(cues.text()); });
     std::erase_if(open, [&](const std::string& name) { return contains(served, name); });
   }
   if (!open.empty()) {
     writer.beginObject();
-    writeNames(writer, open);
-    writeCues(writer, std::nullopt, publication, filepath);
+    writeTexts(writer, kSdkVersions, open);
+    writeCues(writer, std::nullopt, publication, listing);
     writer.key(kAnalytics)
         .raw(entries.empty() ? R"({"enable":false,"frequency":"M","url":""})"
                              : entries.front().member(kAnalytics)->text());

@@ -41,6 +41,8 @@ class JSONField {
   JSONField optional(std::string_view key) const;
   // Whether there is a value to read.
   bool isPresent() const { return value_.has_value(); }
+  // For keys that fail nothing, whatever is there.
+  const std::optional<JSONValue>& value() const { return value_; }
 
   // The value as this type. An absent field gives an empty value; a value of another type is an error.
   std::string string() const;
