@@ -70,14 +70,30 @@ class Display {
     return bitmap;
   }
 
-  void pressEscape(::Window window) const {
+  // Held down, a key comes again and again until it is let go.
+  void press(::Window window, KeySym key, int times = 1) const {
     XEvent event{};
-    event.xkey.type = KeyPress;
     event.xkey.window = window;
     event.xkey.root = root();
     event.xkey.same_screen = True;
-    event.xkey.keycode = XKeysymToKeycode(display(), XK_Escape);
-    send(event, KeyPressMask);
+    event.xkey.keycode = XKeysymToKeycode(display(), key);
+    event.xkey.type = KeyPress;
+    for (int i = 0; i < times; ++i) send(event, KeyPressMask);
+    event.xkey.type = KeyRelease;
+    send(event, KeyReleaseMask);
+  }
+
+  // `type` is MotionNotify, ButtonPress or ButtonRelease, of the left button.
+  void point(::Window window, int type, int x, int y) const {
+    XEvent event{};
+    event.xbutton.type = type;
+    event.xbutton.window = window;
+    event.xbutton.root = root();
+    event.xbutton.same_screen = True;
+    event.xbutton.x = x;
+    event.xbutton.y = y;
+    if (type != MotionNotify) event.xbutton.button = Button1;
+    send(event, type == MotionNotify ? PointerMotionMask : ButtonPressMask | ButtonReleaseMask);
   }
 
   // As the button in a window's frame does.
