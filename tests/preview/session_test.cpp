@@ -101,7 +101,9 @@ TEST(LoopTimes, ALastFrameThatNoTimeIsLeftForIsSeenAllTheSame) {
   const LoopTimes times({{0.0, 1.0}, 1.0}, 1.0);
   EXPECT_GT(times.duration(), 1.5);
   EXPECT_EQ(times.stepAt(1.5), 1u);
-  EXPECT_TRUE(LoopTimes(FrameTimes{{-3.0}, 0}, 0).stepAt(0));
+  Session still(LoopTimes(FrameTimes{{-3.0}, 0}, 0));
+  EXPECT_EQ(seen(still), 1u);
+  EXPECT_FALSE(still.nextChange());
 }
 
 class PreviewSound : public testing::Test {

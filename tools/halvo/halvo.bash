@@ -13,7 +13,7 @@ _halvo() {
     --background) mapfile -t COMPREPLY < <(compgen -W "black white" -- "$current") ;;
     --bundle|--library|--record|--store) compopt -o dirnames ;;
     --times|--volume|--app-id|--size|--number|--repeat|--cue|--version|--sdk-version|--fps|--frame-time|\
-      --loudness|--sound-delay|--animation-delay|--precision|--gradient-steps) ;;
+      --loudness|--sound-delay|--animation-delay|--precision|--gradient-steps|--scale) ;;
     *)
       if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$("$tool" "$command" --help 2>/dev/null | grep -o -- '^  .*' |

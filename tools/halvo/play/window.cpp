@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "platform/dispatch/main_queue.h"
@@ -36,6 +37,7 @@ struct VideoSubsystem {
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
     // Not the drivers that only pretend, unless the environment names one.
     const bool hasServer = std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
     SDL_SetHint(SDL_HINT_VIDEODRIVER, hasServer ? "x11,wayland,KMSDRM" : "KMSDRM");
@@ -90,7 +92,11 @@ bool Window::Implementation::open(Size size) {
   window.reset(
       SDL_CreateWindow("halvo", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, size.width, size.height, flags));
   if (!window) return false;
-  renderer.reset(SDL_CreateRenderer(window.get(), -1, 0));
+  // All is drawn already: the display takes it as it is, which is quicker than the way round by a graphics library that
+  // may have no card below it. Elsewhere there is no other way.
+  if (SDL_GetCurrentVideoDriver() == std::string_view("x11"))
+    renderer.reset(SDL_CreateRenderer(window.get(), -1, SDL_RENDERER_SOFTWARE));
+  if (!renderer) renderer.reset(SDL_CreateRenderer(window.get(), -1, 0));
   if (!renderer) return false;
   SDL_SetWindowMinimumSize(window.get(), kSmallestSide, kSmallestSide);
   // On a dense display the window's own units are several pixels wide.
@@ -115,6 +121,8 @@ void Window::Implementation::fitContent() {
   bitmap = Bitmap(width, height);
   texture.reset(
       SDL_CreateTexture(renderer.get(), SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, width, height));
+  // What is drawn hides what was there.
+  SDL_SetTextureBlendMode(texture.get(), SDL_BLENDMODE_NONE);
 }
 
 void Window::Implementation::present() const {

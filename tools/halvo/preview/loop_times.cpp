@@ -23,7 +23,8 @@ LoopTimes::LoopTimes(const FrameTimes& times, double duration) : duration_(durat
     seen.push_back(step);
   }
   steps_ = std::move(seen);
-  if (!steps_.empty() && duration_ - steps_.back().start <= kRounding) duration_ = steps_.back().start + kLastFrame;
+  if (duration_ > 0 && !steps_.empty() && duration_ - steps_.back().start <= kRounding)
+    duration_ = steps_.back().start + kLastFrame;
 }
 
 std::optional<std::size_t> LoopTimes::stepAt(double seconds) const {

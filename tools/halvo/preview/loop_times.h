@@ -17,8 +17,8 @@ class LoopTimes {
   };
 
   LoopTimes() = default;
-  // Of a play that lasts so many seconds. A last frame that no time would be left for gets some: without an end of its
-  // own it stays for ever.
+  // Of a play that lasts so many seconds; 0: nothing ever changes. A last frame that no time would be left for gets
+  // some: without an end of its own it stays for ever.
   LoopTimes(const FrameTimes& times, double duration);
 
   double duration() const { return duration_; }

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 
 #include "commands.h"
@@ -23,6 +24,13 @@ class Reloading {
  public:
   Reloading(std::shared_ptr<SourceReader> reader, const std::shared_ptr<PreviewWindow>& window)
       : reader_(std::move(reader)), window_(window) {}
+  Reloading(const Reloading&) = delete;
+  Reloading& operator=(const Reloading&) = delete;
+  // Nothing is read any longer.
+  ~Reloading() {
+    reader_->stop();
+    queue_.sync([] {});
+  }
 
   // Any thread. What is saved while it is read is read after that.
   void begin() {
@@ -87,9 +95,8 @@ int show(const PreviewOptions& options, const WindowOptions& windowOptions) {
   if (!watcher) tell("what is saved is not noticed: " + problem);
   content->begin(MainQueue::shared().clock().now());
   runLoop(*window, *content);
-  setConsoleSink({});
-  print(std::to_string(content->session().shown()) + " frames shown in time, " +
-        std::to_string(content->session().dropped()) + " dropped");
+  std::printf("%llu frames shown in time, %llu dropped\n", static_cast<unsigned long long>(content->session().shown()),
+              static_cast<unsigned long long>(content->session().dropped()));
   return kExitFine;
 }
 

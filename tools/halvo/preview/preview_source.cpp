@@ -50,7 +50,7 @@ bool beginsAsDocument(const std::string& path) {
 FrameTimes evenTimes(std::size_t frames, double framesPerSecond) {
   FrameTimes times;
   for (std::size_t i = 0; i < frames; ++i) times.starts.emplace_back(static_cast<double>(i) / framesPerSecond);
-  times.end = static_cast<double>(frames) / framesPerSecond;
+  times.end = frames > 1 ? static_cast<double>(frames) / framesPerSecond : 0;
   return times;
 }
 
@@ -156,6 +156,8 @@ Result<SourceReader::Drawings> SourceReader::importDrawings(const std::vector<st
   std::size_t bytes = 0;
   std::vector<std::pair<std::string, std::string>> changed;  // with their stamps, taken before they are read
   for (const std::string& file : files) {
+    // It could make a reader wait.
+    if (isStream(file)) return problemIn(file, "is no regular file");
     std::string stamp = stampOf(file);
     const auto known = imported_.find(file);
     if (known != imported_.end() && known->second->stamp == stamp)
@@ -181,7 +183,8 @@ Result<SourceReader::Drawings> SourceReader::importDrawings(const std::vector<st
     fresh[file] =
         std::make_shared<const ImportedDrawing>(ImportedDrawing{file, stamp, std::get<ArtFrame>(std::move(art))});
     if (progress) progress(fresh.size(), files.size());
-    return true;
+    if (isStopped_) problem = problemIn(file, "not read to the end");
+    return !problem;
   });
   // What has been imported, beside a file that could not be, need not be again.
   if (problem) {

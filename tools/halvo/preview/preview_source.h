@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -50,6 +52,8 @@ class SourceReader {
   // The error tells the file and what is wrong with it. What of a cue is missing beside its frames is among the notes
   // of its parts, and stays as it was read before.
   quellaro::Result<std::shared_ptr<const PreviewSource>> read(const PreviewProgress& progress = {});
+  // Has a read that is under way fail soon. Any thread.
+  void stop() { isStopped_ = true; }
 
  private:
   using Drawings = std::vector<std::shared_ptr<const ImportedDrawing>>;
@@ -65,6 +69,7 @@ class SourceReader {
   std::map<std::string, std::shared_ptr<const ImportedDrawing>> imported_;
   std::shared_ptr<const PreviewSource> last_;
   std::vector<std::string> absent_;
+  std::atomic<bool> isStopped_ = false;
 };
 
 }  // namespace halvo

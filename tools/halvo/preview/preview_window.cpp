@@ -180,7 +180,7 @@ void PreviewWindow::handle(const SDL_Event& event) {
     used();
   } else if (event.type == SDL_MOUSEBUTTONDOWN && event.button.button == SDL_BUTTON_LEFT) {
     point(event.button.x * density_, event.button.y * density_, true);
-  } else if (event.type == SDL_MOUSEMOTION) {
+  } else if (event.type == SDL_MOUSEMOTION && (event.motion.state & SDL_BUTTON_LMASK) != 0) {
     point(event.motion.x * density_, event.motion.y * density_, false);
   } else if (event.type == SDL_MOUSEBUTTONUP && event.button.button == SDL_BUTTON_LEFT && isDragging_) {
     isDragging_ = false;

@@ -19,7 +19,9 @@ constexpr std::size_t kKeptPixels = std::size_t{48} << 20;
 SourcePictures::SourcePictures(std::function<void()> onArrival)
     : onArrival_(std::move(onArrival)), self_(std::make_shared<SourcePictures*>(this)) {}
 
-SourcePictures::~SourcePictures() = default;
+SourcePictures::~SourcePictures() {
+  queue_.sync([] {});
+}
 
 const Bitmap* SourcePictures::show(const ImportedDrawing& drawing, int side) {
   const auto found =

@@ -21,7 +21,7 @@ constexpr int kSquare = 8;  // units of the desktop
 // The frame before, and the one that comes.
 constexpr std::uint32_t kBefore = 0xFFE0559D;
 constexpr std::uint32_t kAfter = 0xFF2E9BFF;
-constexpr std::uint32_t kNeighbourShare = 110;  // of 256
+constexpr std::uint32_t kNeighbourShare = 150;  // of 256
 
 constexpr double kText = 9;  // units of the desktop
 constexpr double kWidestPanel = 620;
@@ -50,10 +50,13 @@ void fillGround(PreviewGround ground, int square, const Surface& surface) {
     for (int y = 0; y < surface.height; ++y) std::fill_n(surface.row(y), surface.width, colour);
     return;
   }
-  for (int y = 0; y < surface.height; ++y)
+  // Two rows of squares, and copies of them: a third of the time.
+  for (int y = 0; y < std::min(2 * square, surface.height); ++y)
     for (int x = 0; x < surface.width; x += square)
       std::fill_n(surface.row(y) + x, std::min(square, surface.width - x),
                   (x / square + y / square) % 2 == 0 ? kLightSquare : kDarkSquare);
+  for (int y = 2 * square; y < surface.height; ++y)
+    std::copy_n(surface.row(y - 2 * square), surface.width, surface.row(y));
 }
 
 Surface partOf(const Surface& surface, int left, int width) {
