@@ -15,13 +15,6 @@ constexpr const char* kIndent = "   ";
 // Longer texts than anybody would read are not measured to their end.
 constexpr std::size_t kLongestText = 2000;
 
-// Both channels of a pair at a time.
-std::uint32_t scaled(std::uint32_t pixel, std::uint32_t share) {
-  const std::uint32_t even = ((pixel & 0x00FF00FF) * share + 0x00800080) >> 8 & 0x00FF00FF;
-  const std::uint32_t odd = ((pixel >> 8 & 0x00FF00FF) * share + 0x00800080) & 0xFF00FF00;
-  return even | odd;
-}
-
 }  // namespace
 
 void blend(const Bitmap& picture, int left, int top, const Surface& surface) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,6 +9,13 @@
 #include "platform/quartzcore/compositor.h"
 
 namespace halvo {
+
+// So many 256ths of each channel, two of them at a time.
+inline std::uint32_t scaled(std::uint32_t pixel, std::uint32_t share) {
+  const std::uint32_t even = ((pixel & 0x00FF00FF) * share + 0x00800080) >> 8 & 0x00FF00FF;
+  const std::uint32_t odd = ((pixel >> 8 & 0x00FF00FF) * share + 0x00800080) & 0xFF00FF00;
+  return even | odd;
+}
 
 // Lays a picture over another one, at that pixel; what lies beyond an edge is cut off.
 void blend(const quellaro::Bitmap& picture, int left, int top, const quellaro::Surface& surface);

@@ -73,16 +73,15 @@ CGRect placeOf(const SVGDocument& frame, bool fit, const Surface& surface) {
 
 // The tint where the picture has something.
 void blendTinted(const Bitmap& picture, std::uint32_t tint, const Surface& surface) {
-  for (int y = 0; y < picture.height; ++y)
+  for (int y = 0; y < picture.height; ++y) {
+    const std::uint32_t* const from = picture.row(y);
+    std::uint32_t* const to = surface.row(y);
     for (int x = 0; x < picture.width; ++x) {
-      const std::uint32_t share = (picture.row(y)[x] >> 24) * kNeighbourShare >> 8;
+      const std::uint32_t share = (from[x] >> 24) * kNeighbourShare >> 8;
       if (share == 0) continue;
-      std::uint32_t& pixel = surface.row(y)[x];
-      std::uint32_t mixed = 0xFF;
-      for (const int shift : {16, 8, 0})
-        mixed = mixed << 8 | ((tint >> shift & 255) * share + (pixel >> shift & 255) * (255 - share) + 127) / 255;
-      pixel = mixed;
+      to[x] = (scaled(tint, share) + scaled(to[x], 256 - share)) | 0xFF000000;
     }
+  }
 }
 
 }  // namespace
