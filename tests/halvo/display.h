@@ -77,11 +77,15 @@ class Display {
     event.xkey.root = root();
     event.xkey.same_screen = True;
     event.xkey.keycode = XKeysymToKeycode(display(), key);
+    // A key that is let go and pressed in the same moment is taken for one that is held down.
+    event.xkey.time = time_ += 100;
     event.xkey.type = KeyPress;
     for (int i = 0; i < times; ++i) send(event, KeyPressMask);
     event.xkey.type = KeyRelease;
     send(event, KeyReleaseMask);
   }
+
+  void pressEscape(::Window window) const { press(window, XK_Escape); }
 
   // `type` is MotionNotify, ButtonPress or ButtonRelease, of the left button.
   void point(::Window window, int type, int x, int y) const {
@@ -115,6 +119,7 @@ class Display {
     XSync(display(), False);
   }
 
+  mutable Time time_ = 0;
   TemporaryDirectory directory_;
   ChildProcess server_;
   std::unique_ptr<::Display, int (*)(::Display*)> connection_{nullptr, XCloseDisplay};

@@ -83,7 +83,7 @@ class WindowOfTheTool : public testing::Test {
 TEST_F(WindowOfTheTool, ResizedWhileItPlaysTheMarkFillsItAndAKeyOrItsButtonClosesIt) {
   play("black");
   expectToSee(200, 160, kBlack);
-  display_.press(window_, XK_Escape);
+  display_.pressEscape(window_);
   expectItEndsUnanswered();
   // On white a border of another colour would be seen.
   play("white");

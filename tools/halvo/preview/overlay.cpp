@@ -77,6 +77,7 @@ void Overlay::write(const std::vector<std::string>& lines, const Style& style) {
     shown.resize(static_cast<std::size_t>(std::max(1, style.lines)));
     shown.back() = "...";
   }
+  if (shown.empty()) shown.emplace_back();
   double widest = 0;
   for (const std::string& line : shown) widest = std::max(widest, Page::widthOf(line, style.height));
   const int width = std::max(1, std::min(style.width, static_cast<int>(std::ceil(widest + 2 * margin))));

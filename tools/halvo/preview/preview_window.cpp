@@ -78,7 +78,9 @@ PreviewWindow::PreviewWindow(std::shared_ptr<const PreviewSource> source, std::o
       sound_(soundOf(*source_)),
       pictures_([this] { ++changes_; }),
       scale_(scale),
-      problem_(notesOf(*source_)) {}
+      problem_(notesOf(*source_)) {
+  begin(MainQueue::shared().clock().now());
+}
 
 void PreviewWindow::replaceSource(std::shared_ptr<const PreviewSource> source) {
   source_ = std::move(source);
@@ -147,7 +149,8 @@ StageExtras PreviewWindow::extras() {
   StageExtras extras;
   extras.problem = problem_;
   const auto frame = session_.frame();
-  if (session_.look().findings && frame) extras.findings = frameReport(*source_, *frame);
+  if (session_.look().findings)
+    extras.findings = frame ? frameReport(*source_, *frame) : std::vector<std::string>{"There is no frame yet"};
   if (!session_.look().source) return extras;
   if (frame && *frame < source_->drawings.size() && canImportArt()) {
     extras.source =

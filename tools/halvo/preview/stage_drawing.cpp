@@ -100,6 +100,10 @@ void StageDrawing::draw(const PreviewSource& source, const Session& session, con
     drawSource(extras, partOf(surface, 0, middle), scale);
     drawResult(source, session, partOf(surface, middle, surface.width - middle));
     for (int y = 0; y < surface.height; ++y) surface.row(y)[middle] = 0xFF5A6CF0;
+    const Overlay::Style label{"#15171ce0", "#ffffff", kText * scale, middle};
+    const int top = surface.height - static_cast<int>(std::ceil(3 * kText * scale));
+    sourceLabel_.draw({"source"}, label, 0, top, surface);
+    resultLabel_.draw({"result"}, label, middle + 1, top, surface);
   } else {
     drawResult(source, session, surface);
   }

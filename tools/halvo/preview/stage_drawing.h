@@ -44,7 +44,7 @@ class StageDrawing {
   std::shared_ptr<quellaro::SVGView> view_;
   quellaro::Compositor compositor_;
   quellaro::Bitmap neighbour_;
-  Overlay problem_, findings_, help_;
+  Overlay problem_, findings_, help_, sourceLabel_, resultLabel_;
 };
 
 }  // namespace halvo
