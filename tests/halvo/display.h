@@ -70,14 +70,34 @@ class Display {
     return bitmap;
   }
 
-  void pressEscape(::Window window) const {
+  // Held down, a key comes again and again until it is let go.
+  void press(::Window window, KeySym key, int times = 1) const {
     XEvent event{};
-    event.xkey.type = KeyPress;
     event.xkey.window = window;
     event.xkey.root = root();
     event.xkey.same_screen = True;
-    event.xkey.keycode = XKeysymToKeycode(display(), XK_Escape);
-    send(event, KeyPressMask);
+    event.xkey.keycode = XKeysymToKeycode(display(), key);
+    // A key that is let go and pressed in the same moment is taken for one that is held down.
+    event.xkey.time = time_ += 100;
+    event.xkey.type = KeyPress;
+    for (int i = 0; i < times; ++i) send(event, KeyPressMask);
+    event.xkey.type = KeyRelease;
+    send(event, KeyReleaseMask);
+  }
+
+  void pressEscape(::Window window) const { press(window, XK_Escape); }
+
+  // `type` is MotionNotify, ButtonPress or ButtonRelease, of the left button.
+  void point(::Window window, int type, int x, int y) const {
+    XEvent event{};
+    event.xbutton.type = type;
+    event.xbutton.window = window;
+    event.xbutton.root = root();
+    event.xbutton.same_screen = True;
+    event.xbutton.x = x;
+    event.xbutton.y = y;
+    if (type != MotionNotify) event.xbutton.button = Button1;
+    send(event, type == MotionNotify ? PointerMotionMask : ButtonPressMask | ButtonReleaseMask);
   }
 
   // As the button in a window's frame does.
@@ -99,6 +119,7 @@ class Display {
     XSync(display(), False);
   }
 
+  mutable Time time_ = 0;
   TemporaryDirectory directory_;
   ChildProcess server_;
   std::unique_ptr<::Display, int (*)(::Display*)> connection_{nullptr, XCloseDisplay};

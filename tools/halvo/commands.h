@@ -4,6 +4,7 @@ namespace halvo {
 
 // Each command has a file of its own. argv[0] is the command's name; the result is the exit status.
 int play(int argc, char** argv);
+int preview(int argc, char** argv);
 int import(int argc, char** argv);
 int layers(int argc, char** argv);
 int publish(int argc, char** argv);

@@ -19,7 +19,7 @@ _halvo() {
     --background) mapfile -t COMPREPLY < <(compgen -W "black white" -- "$current") ;;
     --bundle|--library|--record|--store) compopt -o dirnames ;;
     --times|--volume|--app-id|--size|--number|--repeat|--cue|--version|--sdk-version|--fps|--frame-time|\
-      --loudness|--sound-delay|--animation-delay|--precision|--gradient-steps|\
+      --loudness|--sound-delay|--animation-delay|--precision|--gradient-steps|--scale|\
       --to|--wait|--timeout|--older-than) ;;
     *)
       if [[ $current == -* ]]; then

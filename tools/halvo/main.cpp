@@ -17,6 +17,7 @@ struct Command {
 
 constexpr Command kCommands[] = {
     {"play", "prepare a cue and play it", halvo::play},
+    {"preview", "show a cue over and over, and again whenever it is saved", halvo::preview},
     {"import", "make a cue of SVG files and a sound", halvo::import},
     {"layers", "show the layer tree of SVG documents", halvo::layers},
     {"publish", "put a cue into a store that devices upgrade from", halvo::publish},

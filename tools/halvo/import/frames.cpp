@@ -1,14 +1,11 @@
 #include "import/frames.h"
 
-#include <exception>
-#include <new>
 #include <utility>
 
 #include "import/ordered_work.h"
-#include "input.h"
+#include "import/source_frame.h"
 #include "platform/foundation/json/json_writer.h"
 #include "platform/foundation/memory/limits.h"
-#include "platform/foundation/storage/file_manager.h"
 #include "platform/foundation/text/numbers.h"
 
 namespace halvo {
@@ -17,23 +14,7 @@ namespace {
 
 using namespace quellaro;
 
-// A drawing program's export of a whole film is smaller.
-constexpr std::size_t kSourceBytes = std::size_t{64} << 20;
-
 using Art = std::variant<ArtFrame, ArtError>;
-
-Art importFile(const std::string& file, const ArtOptions& options) {
-  try {
-    const Result<std::string> bytes = isStream(file) ? readInput(file) : FileManager::readAtPath(file, kSourceBytes);
-    if (!bytes) return ArtError{std::nullopt, bytes.error().localizedDescription};
-    if (bytes->empty()) return ArtError{std::nullopt, "the file is empty"};
-    return importFrame(*bytes, options);
-  } catch (const std::bad_alloc&) {
-    return ArtError{std::nullopt, "there is not enough memory for it"};
-  } catch (const std::exception& problem) {
-    return ArtError{std::nullopt, problem.what()};
-  }
-}
 
 std::string sizeText(const FrameFigures& figures) {
   std::string text;

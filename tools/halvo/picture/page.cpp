@@ -76,14 +76,14 @@ void Page::text(CGPoint at, double height, std::string_view text, std::string_vi
   }
 }
 
-void Page::flush(Compositor& compositor, Bitmap& bitmap) {
+void Page::flush(Compositor& compositor, const Surface& surface) {
   std::string svg = "<svg";
-  appendAttribute(svg, "width", bitmap.width);
-  appendAttribute(svg, "height", bitmap.height);
+  appendAttribute(svg, "width", surface.width);
+  appendAttribute(svg, "height", surface.height);
   const auto document = SVGDocument::parse(svg + ">" + std::exchange(body_, {}) + "</svg>");
   const auto layer = document->makeLayer();
-  layer->setPosition({bitmap.width * 0.5, bitmap.height * 0.5});
-  compositor.draw(*layer, bitmap);
+  layer->setPosition({surface.width * 0.5, surface.height * 0.5});
+  compositor.draw(*layer, surface);
 }
 
 void appendNumber(std::string& text, double value) { appendShortest(text, std::round(value * 100) / 100); }

@@ -27,8 +27,8 @@ class Page {
             Align align = Align::Left, double room = 1e9);
   static double widthOf(std::string_view text, double height);
 
-  // Draws what was collected so far onto the bitmap and begins anew.
-  void flush(quellaro::Compositor& compositor, quellaro::Bitmap& bitmap);
+  // Draws what was collected so far onto the surface and begins anew.
+  void flush(quellaro::Compositor& compositor, const quellaro::Surface& surface);
 
  private:
   std::string body_;

@@ -5,6 +5,7 @@
 #include "animation/halvo_view.h"
 #include "picture/page.h"
 #include "platform/quartzcore/compositor.h"
+#include "sheet/curves.h"
 #include "sheet/sheet_layout.h"
 #include "sheet/sheet_source.h"
 
@@ -42,6 +43,7 @@ class SheetDrawing {
   void drawSound();
   void drawHaptics();
   void drawLane(const SheetLayout::Lane& lane, std::string_view name);
+  CurveLane curveLane(const SheetLayout::Lane& lane) const;
   double columnOf(double seconds) const;
   double secondsPerPixel() const { return duration_ / layout_.contentWidth; }
   double right() const { return layout_.left + layout_.contentWidth; }

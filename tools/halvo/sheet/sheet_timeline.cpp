@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "sheet/curves.h"
 #include "sheet/sheet_drawing.h"
 
 namespace halvo {
@@ -14,43 +15,20 @@ constexpr double kTickLabel = 8.5;
 // Seconds: sums of frame times are not exact.
 constexpr double kRounding = 1e-9;
 
-// The smallest of 1, 2, 5, 10, 20, ... (and of their tenths, ...) that is not below `least`.
-double roundStep(double least) {
-  const double power = std::pow(10, std::floor(std::log10(least)));
-  for (const double step : {1.0, 2.0, 5.0})
-    if (step * power >= least) return step * power;
-  return 10 * power;
-}
-
-void appendPoint(std::string& path, const char* command, double x, double y) {
-  path += command;
-  appendNumber(path, x);
-  path += ' ';
-  appendNumber(path, y);
-}
-
-// An area with an upper and a lower edge over neighbouring columns of pixels.
-template <class Edges>
-std::string area(double left, int columns, Edges edges) {
-  std::string path;
-  for (int i = 0; i < columns; ++i) appendPoint(path, i == 0 ? "M" : "L", left + i + 0.5, edges(i).first);
-  for (int i = columns - 1; i >= 0; --i) appendPoint(path, "L", left + i + 0.5, edges(i).second);
-  return path + "Z";
-}
-
 }  // namespace
 
-double SheetDrawing::columnOf(double seconds) const {
-  const double share = std::clamp(seconds / duration_, 0.0, 1.0);
-  return layout_.left + share * (layout_.contentWidth - 1);
+CurveLane SheetDrawing::curveLane(const SheetLayout::Lane& lane) const {
+  return {layout_.left, lane.top, layout_.contentWidth, lane.height, duration_};
 }
+
+double SheetDrawing::columnOf(double seconds) const { return curveLane({}).columnOf(seconds); }
 
 void SheetDrawing::drawAxis() {
   if (layout_.axis.height == 0) return;
   drawLane(layout_.film, "frames");
   drawLane(layout_.sound, "sound");
   drawLane(layout_.haptics, "haptics");
-  const double step = roundStep(duration_ * kTickRoom / layout_.contentWidth);
+  const double step = tickStep(curveLane(layout_.axis), kTickRoom);
   const int digits = std::clamp(static_cast<int>(std::ceil(-std::log10(step) - 1e-9)), 0, 9);
   const double bottom =
       std::max({layout_.axis.bottom(), layout_.film.bottom(), layout_.sound.bottom(), layout_.haptics.bottom()});
@@ -95,58 +73,17 @@ void SheetDrawing::drawFilm() {
 }
 
 void SheetDrawing::drawSound() {
-  const SheetLayout::Lane& lane = layout_.sound;
-  if (lane.height == 0) return;
-  const double middle = lane.top + lane.height / 2;
-  const double reach = lane.height / 2 - 4;
-  const auto stepAt = [this](int column) {
-    const double start = column * secondsPerPixel() - source_.soundStart;
-    return source_.sound->between(start, start + secondsPerPixel());
-  };
-  const auto height = [reach](float value) { return reach * std::clamp(static_cast<double>(value), -1.0, 1.0); };
-  // At least a hair line, so that silence can be told from no sound.
-  constexpr double kHair = 0.5;
-  const int columns = static_cast<int>(layout_.contentWidth);
-  page_.path(area(layout_.left, columns,
-                  [&](int column) {
-                    const Waveform::Step step = stepAt(column);
-                    return std::pair(middle - height(step.high) - kHair, middle - height(step.low) + kHair);
-                  }),
-             palette_.sound);
-  page_.path(area(layout_.left, columns,
-                  [&](int column) {
-                    const double loud = height(stepAt(column).loudness);
-                    return std::pair(middle - loud, middle + loud);
-                  }),
-             palette_.soundCore);
+  if (layout_.sound.height == 0) return;
+  const SoundCurve curve = soundCurve(*source_.sound, source_.soundStart, curveLane(layout_.sound));
+  page_.path(curve.peaks, palette_.sound);
+  page_.path(curve.loudness, palette_.soundCore);
 }
 
-// Strength as an area, sharpness as a line over what is felt.
 void SheetDrawing::drawHaptics() {
-  const SheetLayout::Lane& lane = layout_.haptics;
-  if (lane.height == 0) return;
-  const double reach = lane.height - 4;
-  std::string strength;
-  std::string sharpness;
-  appendPoint(strength, "M", layout_.left, lane.bottom());
-  bool isFelt = false;
-  for (std::size_t i = 0; i < source_.haptics->samples.size(); ++i) {
-    const auto& sample = source_.haptics->samples[i];
-    const double left = columnOf(quellaro::HapticCurve::timeOf(i));
-    const double right = columnOf(quellaro::HapticCurve::timeOf(i + 1));
-    const double top = lane.bottom() - reach * sample.intensity;
-    appendPoint(strength, "L", left, top);
-    appendPoint(strength, "L", right, top);
-    const double sharp = lane.bottom() - reach * sample.sharpness;
-    if (sample.intensity > 0) {
-      appendPoint(sharpness, isFelt ? "L" : "M", left, sharp);
-      appendPoint(sharpness, "L", right, sharp);
-    }
-    isFelt = sample.intensity > 0;
-  }
-  appendPoint(strength, "L", columnOf(source_.haptics->duration()), lane.bottom());
-  page_.path(strength + "Z", palette_.haptics);
-  page_.path(sharpness, palette_.sharpness, 1.5);
+  if (layout_.haptics.height == 0) return;
+  const HapticCurvePaths curve = hapticPaths(*source_.haptics, curveLane(layout_.haptics));
+  page_.path(curve.strength, palette_.haptics);
+  page_.path(curve.sharpness, palette_.sharpness, 1.5);
 }
 
 }  // namespace halvo
