@@ -83,7 +83,9 @@ class ExampleCue {
   }
   static std::string soundThat(const std::string& content) {
     const std::map<std::string, const char*> names = {
-        {"is a sound", "fine"}, {"is silent", "silent"}, {"is too loud", "too_loud"}};
+        {"is a sound", "fine"},        {"is silent", "silent"}, {"is too loud", "too_loud"},
+        {"has high peaks", "peaks"},   {"is loud", "loud"},     {"is quiet", "quiet"},
+        {"is inaudible", "inaudible"}, {"is late", "late"},     {"is muffled", "muffled"}};
     const auto name = names.find(content);
     return name == names.end() ? content : readFile(QUELLARO_TEST_DATA "/sounds/" + std::string(name->second) + ".mp3");
   }

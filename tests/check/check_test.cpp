@@ -4,6 +4,7 @@
 
 #include "check/check_tool.h"
 #include "platform/foundation/json/json_writer.h"
+#include "platform/foundation/text/utf8.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {
@@ -151,6 +152,44 @@ TEST_F(Check, SourcesOfEveryKindGetAnAnswer) {
     const Ran ran = halvo("check " + c.arguments);
     EXPECT_EQ(ran.status, c.status) << c.arguments;
     EXPECT_THAT(ran.output, HasSubstr(c.output)) << c.arguments;
+  }
+}
+
+// Whatever a file is called, a decoder finds something in it that resembles frames.
+TEST_F(Check, OnlyMpegAudioIsASound) {
+  const std::string mpeg = readFile(QUELLARO_TEST_DATA "/sounds/fine.mp3");
+  std::string noise;
+  std::uint32_t state = 1;
+  for (int i = 0; i < 60'000; ++i) noise += static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
+  // Of small amplitude, so that every second byte begins a frame.
+  std::string samples;
+  for (const char c : noise) samples.append({c, c < 0 ? '\xff' : '\0'});
+  const std::string tag = std::string("ID3\4\0\0\0\0\x4e\x10", 10) + std::string(10'000, '\0');
+  const struct {
+    std::string content;
+    const char* what;  // null: it is one
+  } cases[] = {
+      {"RIFF\x24\x08\1\1WAVEfmt " + samples, "it is a WAV file, and"},
+      {std::string("FORM\0\1\2\3AIFF", 12) + samples, "it is an AIFF file, and"},
+      {std::string("\0\0\0\x20", 4) + "ftypM4A " + noise, "it is an MP4 file (M4A), and"},
+      {"OggS" + noise, "it is an Ogg file, and"},
+      {"fLaC" + noise, "it is a FLAC file, and"},
+      {tag + "fLaC" + noise, "it is a FLAC file, and"},
+      {samples, "it is no MPEG audio"},
+      {noise, "it is no MPEG audio"},
+      {mpeg.substr(0, 3), "it is no MPEG audio"},
+      {noise.substr(0, 2 * mpeg.size()) + mpeg, "only 33 % of it is MPEG audio"},
+      {tag + mpeg + "TAG" + std::string(125, ' '), nullptr},
+      {noise.substr(0, mpeg.size() / 2) + mpeg, nullptr},
+  };
+  for (const auto& c : cases) {
+    file("cue/audio.mp3", c.content);
+    const Ran ran = halvo("check " + (directory_ / "cue").string());
+    SCOPED_TRACE(printable(c.content.substr(0, 12)));
+    if (c.what != nullptr)
+      EXPECT_THAT(ran.output, HasSubstr("error: " + std::string(c.what)));
+    else
+      EXPECT_THAT(ran.output, testing::AllOf(HasSubstr("sound: 0."), Not(HasSubstr("[sound]"))));
   }
 }
 

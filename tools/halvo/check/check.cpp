@@ -5,6 +5,7 @@
 #include "commands.h"
 #include "options.h"
 #include "progress_line.h"
+#include "sound/loudness.h"
 
 namespace halvo {
 
@@ -32,6 +33,8 @@ int check(int argc, char** argv) {
     facts = checkSource(source, report, [&](std::size_t done, std::size_t total) { line.show(done, total); });
   }
   const std::string text = json ? reportJson(source, report, facts) : reportText(source, report, facts, wantsColor());
+  if (facts.sound && !canMeasureLoudness())
+    tell("loudness and true peaks are not told: this tool was built without what measures them");
   std::fwrite(text.data(), 1, text.size(), stdout);
   if (std::fflush(stdout) != 0) return failure("standard output cannot be written");
   return report.isClean() ? kExitFine : kExitFailure;

@@ -48,8 +48,9 @@ CueFacts checkDirectory(const std::string& directory, Report& report, const Chec
   const bool frames = checkFrames(FileManager::readAtPath(pathOf(kAnimationFile)), false, kAnimationFile, report,
                                   progress, facts.frames);
   if (config && frames) facts.animationEnd = checkTiming(*config, facts.frames, report);
-  facts.soundEnd = checkSound(pathOf(kSoundFile), report);
-  if (config && facts.soundEnd) *facts.soundEnd += std::max(0.0, config->soundDelayInMillis / 1000);
+  facts.sound = checkSound(pathOf(kSoundFile), report);
+  if (facts.sound)
+    facts.soundEnd = facts.sound->seconds + (config ? std::max(0.0, config->soundDelayInMillis / 1000) : 0);
   facts.hapticsEnd = checkHaptics(pathOf(kHapticsFile), config && config->isHapticsSupported, report);
   checkLengths(facts, report);
   return facts;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "check/report.h"
+#include "check/sound.h"
 
 namespace halvo {
 
@@ -14,6 +15,7 @@ struct CueFacts {
   std::optional<double> animationEnd;
   std::optional<double> soundEnd;
   std::optional<double> hapticsEnd;
+  std::optional<SoundFacts> sound;
 };
 
 // "2.75 s".

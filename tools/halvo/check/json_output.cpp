@@ -62,6 +62,11 @@ std::string reportJson(const std::string& source, const Report& report, const Cu
   writeOptional(json, "animationEnd", facts.animationEnd);
   writeOptional(json, "soundEnd", facts.soundEnd);
   writeOptional(json, "hapticsEnd", facts.hapticsEnd);
+  const SoundFacts sound = facts.sound.value_or(SoundFacts{});
+  writeOptional(json, "soundLength", facts.sound ? std::optional(sound.seconds) : std::nullopt);
+  writeOptional(json, "soundLoudness", sound.loudness);
+  writeOptional(json, "soundTruePeak", sound.truePeak);
+  writeOptional(json, "soundFirstHeard", sound.firstHeard);
   json.key("findings").beginArray();
   for (const FindingGroup* group : report.groups()) writeGroup(json, *group);
   json.endArray();

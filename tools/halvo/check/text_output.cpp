@@ -1,5 +1,7 @@
 #include <unistd.h>
 
+#include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
@@ -87,6 +89,22 @@ std::string factsText(const CueFacts& facts) {
   return text;
 }
 
+std::string decibels(double value, const char* unit) {
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), "%.1f %s", value, unit);
+  return text.data();
+}
+
+std::string soundText(const SoundFacts& sound) {
+  std::string text;
+  const auto add = [&](const std::string& fact) { text += (text.empty() ? "sound: " : ", ") + fact; };
+  add(secondsText(sound.seconds));
+  if (sound.loudness) add(decibels(*sound.loudness, "LUFS"));
+  if (sound.truePeak) add("true peak " + decibels(*sound.truePeak, "dB"));
+  if (sound.firstHeard) add("first heard after " + std::to_string(std::lround(*sound.firstHeard * 1000)) + " ms");
+  return text + "\n";
+}
+
 }  // namespace
 
 bool wantsColor() {
@@ -113,6 +131,7 @@ std::string findingsText(const Report& report, bool withColor) {
 std::string reportText(const std::string& source, const Report& report, const CueFacts& facts, bool withColor) {
   Writer writer(withColor);
   writer.write(findingsText(report, withColor));
+  if (facts.sound) writer.write(soundText(*facts.sound));
   writer.write(source + ": ");
   const std::size_t errors = report.count(Severity::Error);
   const std::size_t warnings = report.count(Severity::Warning);
