@@ -99,8 +99,9 @@ class ExampleCue {
                                                 {"animationDelayInMillis", "0"},
                                                 {"frameTime", R"({"Frame_1": 100, "Frame_2": 100})"},
                                                 {"viewBox", "\"0 0 9 9\""}};
-  std::string animation_ = R"(["<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>",
-                               "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>"])";
+  std::string animation_ =
+      R"(["<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><path d='M1 1H8V8Z' fill='#f00'/></svg>",
+          "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><path d='M1 1H8V8Z' fill='#f00'/></svg>"])";
   std::string sound_ = soundThat("is a sound");
   std::string haptics_;
 };

@@ -42,9 +42,9 @@ TEST_F(Check, TheBuiltInCueIsClean) {
 }
 
 TEST_F(Check, AFindingIsToldOnceWithItsPlaceAndFrames) {
-  const std::string fine = kSvg + "<g/></svg>";
+  const std::string fine = kSvg + "<path d='M1 1H9V9Z' fill='#f00'/></svg>";
   const std::string odd =
-      kSvg + "\n  <g>\xc3\xa9<rect id='r' x='1' y='1' width='9' height='9' fill='#fff' opacity='.5'/></g></svg>";
+      kSvg + "\n  <g>\xc3\xa9<rect id='r' x='1' y='1' width='9' height='9' fill='#f00' opacity='.5'/></g></svg>";
   const Ran ran = halvo("check " + animation({fine, odd, odd, fine, odd, odd + " "}));
   EXPECT_EQ(ran.status, 1);
   EXPECT_THAT(ran.output, HasSubstr("warning: opacity=\".5\" on <rect id=\"r\"> [opacity]\n"));
@@ -153,6 +153,18 @@ TEST_F(Check, SourcesOfEveryKindGetAnAnswer) {
     EXPECT_EQ(ran.status, c.status) << c.arguments;
     EXPECT_THAT(ran.output, HasSubstr(c.output)) << c.arguments;
   }
+}
+
+TEST_F(Check, AllThatIsWrongWithAConfigurationIsToldAtOnce) {
+  file("cue/play_config.json",
+       R"({"totalframes": 3, "soundFileName": 3, "frameTime": {"Frame_1": "a"}, "viewBox": ""})");
+  const Ran ran = halvo("check " + (directory_ / "cue").string());
+  for (const char* what :
+       {"At totalFrames: the key is missing (a whole number: how many frames there are) [config]", "At soundFileName: ",
+        "At soundDelayInMillis: ", "At animationDelayInMillis: ", "At frameTime.Frame_1: a number was expected",
+        "\"totalframes\" is not known; totalFrames is, with other capitals [config-key]"})
+    EXPECT_THAT(ran.output, HasSubstr(what));
+  EXPECT_THAT(ran.output, Not(HasSubstr("At viewBox")));
 }
 
 // Whatever a file is called, a decoder finds something in it that resembles frames.

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "assets/halvo_file_manager.h"
+#include "check/config.h"
 #include "check/frames.h"
 #include "check/haptics.h"
 #include "check/sound.h"
@@ -24,13 +25,17 @@ using namespace quellaro;
 // People notice when one part goes on for longer than this.
 constexpr double kLongestTail = 0.5;
 constexpr double kLongestHapticTail = 0.1;
+constexpr double kEndless = 600;
 
 Finding findingIn(const char* file, FindingId id, std::string what) {
   return {id, std::move(what), file, std::nullopt, "", "", "", std::nullopt};
 }
 
 void checkLengths(const CueFacts& facts, Report& report) {
-  if (facts.animationEnd && facts.soundEnd && std::fabs(*facts.animationEnd - *facts.soundEnd) > kLongestTail)
+  // What never ends has been told.
+  const bool isEndless = std::max(facts.animationEnd.value_or(0), facts.soundEnd.value_or(0)) > kEndless;
+  if (!isEndless && facts.animationEnd && facts.soundEnd &&
+      std::fabs(*facts.animationEnd - *facts.soundEnd) > kLongestTail)
     report.add(findingIn(kPlayConfigFile, FindingId::Length,
                          "the animation ends after " + secondsText(*facts.animationEnd) + ", the sound after " +
                              secondsText(*facts.soundEnd)));

@@ -119,8 +119,8 @@ void checkBudget(std::string_view text, const DocumentCheck& check, FrameFinding
 
 }  // namespace
 
-std::optional<CGSize> checkDocument(std::string_view text, const std::shared_ptr<const void>& owner,
-                                    FrameFindings& findings) {
+std::shared_ptr<const SVGDocument> checkDocument(std::string_view text, const std::shared_ptr<const void>& owner,
+                                                 FrameFindings& findings) {
   // The parser passes over processing instructions, so this one is looked for.
   if (const std::size_t sheet = text.find("<?xml-stylesheet"); sheet != std::string_view::npos)
     findings.at(sheet, FindingId::Style, "<?xml-stylesheet");
@@ -131,9 +131,9 @@ std::optional<CGSize> checkDocument(std::string_view text, const std::shared_ptr
   checkBudget(text, check, findings);
   if (!document->viewbox()) {
     findings.at(0, FindingId::NoSvg, "there is no <svg>");
-    return std::nullopt;
+    return nullptr;
   }
-  return canBeShown(*document->viewbox()) ? document->viewbox() : std::nullopt;
+  return canBeShown(*document->viewbox()) ? document : nullptr;
 }
 
 }  // namespace halvo

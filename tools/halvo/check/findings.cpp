@@ -31,6 +31,9 @@ constexpr FindingKind kKinds[] = {
     {FrameTimeSurplus, "frame-time-surplus", kWarning, "ignores the entry",
      "name frames Frame_1, Frame_2 and so on, up to their number"},
     {DelayNegative, "delay-negative", kWarning, "starts at once, as with 0", "delay the other part instead"},
+    {TimeLong, "time-long", kWarning, "waits as long", "give milliseconds: a cue lasts seconds"},
+    {TimeEndless, "time-endless", kError, "waits as long, and answers nobody before",
+     "give milliseconds: a cue lasts seconds"},
     {Length, "length", kWarning, "lets one part go on when the other has ended",
      "make animation and sound, delays included, equally long"},
 
@@ -57,6 +60,12 @@ constexpr FindingKind kKinds[] = {
     {HapticsUnused, "haptics-unused", kWarning, "never plays the pattern", "set isHapticsSupported to true"},
     {HapticsLength, "haptics-length", kWarning, "is felt on after sound and animation have ended",
      "end the pattern with the cue"},
+
+    {NothingSeen, "nothing-seen", kError, "shows its ground alone", "paint something inside of the frame's square"},
+    {FrameUnseen, "frame-unseen", kNote, "shows its ground alone for as long as the frame lasts",
+     "where that is not meant, paint something inside of the frame's square"},
+    {GroundColor, "ground-color", kNote, "shows nothing of it on a ground of that colour, which a host may choose",
+     "add something of another colour, or tell hosts which ground the cue needs"},
 
     {Xml, "xml", kError, "reads no further; elements that are still open are lost",
      "write well-formed XML, with fewer or flatter elements where there are too many"},

@@ -27,6 +27,8 @@ enum class FindingId {
   FrameTimeZero,
   FrameTimeSurplus,
   DelayNegative,
+  TimeLong,
+  TimeEndless,
   Length,
   // Sound and haptics.
   Sound,
@@ -43,6 +45,10 @@ enum class FindingId {
   HapticsEmpty,
   HapticsUnused,
   HapticsLength,
+  // What is seen.
+  NothingSeen,
+  FrameUnseen,
+  GroundColor,
   // The document of a frame.
   Xml,
   NoSvg,

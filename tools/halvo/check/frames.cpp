@@ -4,10 +4,12 @@
 #include <ctime>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "animation/frame_file.h"
 #include "check/budget.h"
 #include "check/document_check.h"
+#include "check/frame_look.h"
 #include "picture/frame_source.h"
 #include "platform/foundation/json/json_reader.h"
 #include "platform/foundation/memory/limits.h"
@@ -60,10 +62,14 @@ class FramesCheck {
       const std::string_view text = frames_.texts[i];
       const std::optional<std::size_t> number = isDocument_ ? std::nullopt : std::optional(i + 1);
       FrameFindings findings(report_, file_, number, text);
-      const std::optional<CGSize> size = checkDocument(text, frames_.storage, findings);
-      if (size) compare(*size, findings);
+      const std::size_t mistakes = report_.mistakes();
+      const auto document = checkDocument(text, frames_.storage, findings);
+      if (document) compare(*document->viewbox(), findings);
+      // What is lost of it has been told, and may be why there is nothing to be seen.
+      look(document, number, report_.mistakes() > mistakes);
       if (progress) progress(i + 1, frames_.texts.size());
     }
+    judgeLooks();
   }
 
  private:
@@ -71,6 +77,30 @@ class FramesCheck {
     if (!firstSize_) firstSize_ = size;
     if (size != *firstSize_)
       findings.at(0, FindingId::SizeVaries, sizeText(size) + ", and " + sizeText(*firstSize_) + " before");
+  }
+
+  void look(const std::shared_ptr<const SVGDocument>& document, std::optional<std::size_t> number, bool isExplained) {
+    const FrameEyes::Look seen = eyes_.look(document);
+    if (seen.isSeenOnBlack || seen.isSeenOnWhite)
+      ++seen_;
+    else if (!isExplained)
+      unseen_.push_back(number);
+    if (seen.isSeenOnBlack != seen.isSeenOnWhite) (seen.isSeenOnWhite ? black_ : white_).push_back(number);
+  }
+
+  // One document may well be an empty frame of many; a cue of nothing else is none.
+  void judgeLooks() {
+    if (seen_ == 0 && !isDocument_) {
+      report_.add(findingIn(file_, FindingId::NothingSeen, "nothing is to be seen in any frame"));
+      return;
+    }
+    const auto tell = [&](FindingId id, const std::vector<std::optional<std::size_t>>& frames, const char* what,
+                          const char* key) {
+      for (const auto& frame : frames) report_.add({id, what, file_, frame, "", "", key, std::nullopt});
+    };
+    tell(FindingId::FrameUnseen, unseen_, "nothing is to be seen", "");
+    tell(FindingId::GroundColor, black_, "all that is painted is black", "black");
+    tell(FindingId::GroundColor, white_, "all that is painted is white", "white");
   }
 
   // As the player prepares them, without anybody looking on. What it refuses is not looked at any closer.
@@ -94,6 +124,12 @@ class FramesCheck {
   bool isDocument_;
   Report& report_;
   std::optional<CGSize> firstSize_;
+  FrameEyes eyes_;
+  std::size_t seen_ = 0;
+  std::vector<std::optional<std::size_t>> unseen_;
+  // Seen on one ground alone.
+  std::vector<std::optional<std::size_t>> black_;
+  std::vector<std::optional<std::size_t>> white_;
 };
 
 }  // namespace

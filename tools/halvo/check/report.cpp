@@ -34,6 +34,7 @@ std::string keyOf(const Finding& finding) {
 }  // namespace
 
 void Report::add(Finding finding, const std::function<TextPosition()>& position) {
+  if (kindOf(finding.id).severity != Severity::Note) ++mistakes_;
   const std::string key = keyOf(finding);
   auto known = indexes_.find(key);
   if (known == indexes_.end()) {

@@ -54,6 +54,8 @@ class Report {
   std::size_t count(Severity severity) const;
   // Findings beyond the bound on what is told.
   std::size_t leftOut() const { return leftOut_[0] + leftOut_[1] + leftOut_[2]; }
+  // All that was added but notes, wherever it was.
+  std::size_t mistakes() const { return mistakes_; }
   // Nothing that changes the exit status.
   bool isClean() const { return count(Severity::Error) + count(Severity::Warning) == 0; }
 
@@ -61,6 +63,7 @@ class Report {
   std::vector<FindingGroup> groups_;
   std::map<std::string, std::size_t> indexes_;
   std::array<std::size_t, 3> leftOut_{};  // by severity
+  std::size_t mistakes_ = 0;
 };
 
 // "1-4, 7": ascending numbers, runs joined.

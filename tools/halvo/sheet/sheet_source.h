@@ -4,21 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "picture/frame_times.h"
 #include "platform/corehaptics/haptic_curve.h"
 #include "platform/foundation/error.h"
 #include "sheet/waveform.h"
 
 namespace halvo {
-
-// When the frames of a cue are on screen, in seconds from the start of the play.
-struct FrameTimes {
-  // Absent for a frame that never comes up, because the one before it has no time.
-  std::vector<std::optional<double>> starts;
-  double end = 0;
-
-  // The index of the frame that is seen at that time; nothing before the first one.
-  std::optional<std::size_t> frameAt(double seconds) const;
-};
 
 // What a contact sheet shows.
 struct SheetSource {
