@@ -74,7 +74,12 @@ class ExampleCue {
     else if (file == "audio.mp3")
       sound_ = soundThat(content);
     else
-      writeFile(document_ = directory_ / "frame.svg", file == "frame" ? content : kStart + line + "</svg>");
+      writeFile(document_ = directory_ / "frame.svg", file == "frame" ? inBytes(content) : kStart + line + "</svg>");
+  }
+  // The page itself is UTF-8, so a byte that is not is written as in C.
+  static std::string inBytes(std::string content) {
+    if (const std::size_t at = content.find("\\xe9"); at != std::string::npos) content.replace(at, 4, "\xe9");
+    return content;
   }
   void change(const std::string& json) {
     const auto document = JSONDocument::parse(json);

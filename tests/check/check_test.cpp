@@ -205,6 +205,29 @@ TEST_F(Check, OnlyMpegAudioIsASound) {
   }
 }
 
+TEST_F(Check, ManyFilesAndFoldersAreChecked) {
+  const std::string odd = kSvg + "<path d='M1 1H9V9Z' fill='red'/></svg>";
+  file("frames/frame10.svg", odd);
+  file("frames/frame9.svg", odd);
+  file("frames/frame1.svg", "\x1f\x8b\b");
+  file("frames/notes.txt", "red");
+  const std::string folder = directory_ / "frames";
+  const Ran ran = halvo("check " + folder);
+  EXPECT_EQ(ran.status, 1);
+  EXPECT_THAT(ran.output, HasSubstr("frames/frame1.svg\n"));
+  EXPECT_THAT(ran.output, HasSubstr("compressed with gzip"));
+  EXPECT_THAT(ran.output, HasSubstr("frames/frame9.svg, frame 2, line 1, column 86 (frames 2, 3)\n"));
+  EXPECT_THAT(ran.output, HasSubstr(folder + ": 1 error, 1 warning (3 frames)\n"));
+  const std::string fine = svg("<path d='M1 1H9V9Z' fill='#f00'/>");
+  const std::string name = directory_ / "utf16.svg";
+  writeFile(name, std::string("\xff\xfe<\0s\0", 6));
+  const Ran many = halvo("check --json " + fine + " " + name + " " + fine);
+  EXPECT_EQ(many.status, 1);
+  EXPECT_EQ(std::count(many.output.begin(), many.output.end(), '\n'), 3);
+  EXPECT_THAT(many.output, HasSubstr("\"what\":\"it is UTF-16\""));
+  EXPECT_EQ(halvo("check " + fine + " " + fine).status, 0);
+}
+
 TEST_F(Check, BudgetsAreBySizeElementsAndPoints) {
   std::string elements;
   for (int i = 0; i <= 500; ++i) elements += "<g/>";

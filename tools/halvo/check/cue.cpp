@@ -13,6 +13,7 @@
 #include "check/timing.h"
 #include "input.h"
 #include "picture/frame_source.h"
+#include "picture/svg_folder.h"
 #include "platform/foundation/console.h"
 #include "platform/foundation/storage/file_manager.h"
 
@@ -61,6 +62,13 @@ CueFacts checkDirectory(const std::string& directory, Report& report, const Chec
   return facts;
 }
 
+// Whether it holds SVG files, and no file of a cue.
+bool isFolderOfFrames(const std::string& directory) {
+  for (const char* name : kCueFiles)
+    if (FileManager::fileExistsAtPath(directory + "/" + name)) return false;
+  return !svgNamesIn(directory).empty();
+}
+
 }  // namespace
 
 std::string secondsText(double seconds) {
@@ -74,8 +82,12 @@ std::string secondsText(double seconds) {
 CueFacts checkSource(const std::string& source, Report& report, const CheckProgress& progress) {
   // What the engine says of odd path data is among the findings.
   setConsoleSink([](std::string_view) {});
-  if (FileManager::directoryExistsAtPath(source)) return checkDirectory(source, report, progress);
   CueFacts facts;
+  if (FileManager::directoryExistsAtPath(source)) {
+    if (!isFolderOfFrames(source)) return checkDirectory(source, report, progress);
+    checkFolder(source, report, progress, facts.frames);
+    return facts;
+  }
   Result<std::string> text = readInput(source);
   const bool isDocument = text && isSvgDocument(source, *text);
   checkFrames(std::move(text), isDocument, source, report, progress, facts.frames);

@@ -24,8 +24,8 @@ std::string secondsText(double seconds);
 // Called now and then during long work.
 using CheckProgress = std::function<void(std::size_t framesDone, std::size_t frames)>;
 
-// Reads a cue directory, an animation.json or an SVG document as the player would, and reports what is wrong with it.
-// The library's own lines on the console are silenced from then on.
+// Reads a cue directory, a folder of SVG files, an animation.json or an SVG document as the player would, and reports
+// what is wrong with it. The library's own lines on the console are silenced from then on.
 CueFacts checkSource(const std::string& source, Report& report, const CheckProgress& progress);
 
 }  // namespace halvo

@@ -38,6 +38,7 @@ class DocumentCheck final : public SVGParseObserver {
     findings_.at(error.offset, FindingId::Xml, std::string(error.message));
   }
 
+  bool hasPrefixes() const { return hasPrefixes_; }
   std::size_t elements() const { return elements_; }
   std::size_t points() const { return points_; }
 
@@ -55,6 +56,11 @@ class DocumentCheck final : public SVGParseObserver {
 
   void checkStructure(const CheckedElement& element, Open& open) {
     if (element.name == "svg") checkSvg(element);
+    if (open.content != Content::Lost && hasPrefix(element)) {
+      hasPrefixes_ = true;
+      open.content = Content::Lost;
+      return findings_.inElement(FindingId::Prefix, element, "<" + printable(element.name) + ">");
+    }
     if (open.content != Content::Drawn && isSeen(element))
       findings_.inElement(FindingId::DefinitionDrawn, element, "a shape where none is drawn");
     if (open.content == Content::Lost) return;
@@ -62,6 +68,16 @@ class DocumentCheck final : public SVGParseObserver {
     if (role.finding) findings_.inElement(*role.finding, element, "<" + printable(element.name) + ">");
     if (!role.drawsContent) open.content = element.name == "defs" ? Content::Defined : Content::Lost;
     if (open.content == Content::Drawn) checkDrawn(element, open);
+  }
+
+  // Whether the name begins with a prefix that stands for SVG.
+  bool hasPrefix(const CheckedElement& element) {
+    for (const XMLAttribute& attribute : element.attributes)
+      if (attribute.name.starts_with("xmlns:") && attribute.value == kNamespace)
+        prefixes_.emplace_back(attribute.name.substr(6));
+    const std::size_t colon = element.name.find(':');
+    return colon != std::string_view::npos &&
+           std::find(prefixes_.begin(), prefixes_.end(), element.name.substr(0, colon)) != prefixes_.end();
   }
 
   // The first is the frame itself.
@@ -103,6 +119,8 @@ class DocumentCheck final : public SVGParseObserver {
   std::vector<Open> open_;
   bool isFirst_ = true;
   bool hasSvg_ = false;
+  std::vector<std::string> prefixes_;
+  bool hasPrefixes_ = false;
   std::size_t elements_ = 0;
   std::size_t points_ = 0;
 };
@@ -130,7 +148,7 @@ std::shared_ptr<const SVGDocument> checkDocument(std::string_view text, const st
   const std::shared_ptr<SVGDocument> document = SVGDocument::parse(text, owner, arena, &check);
   checkBudget(text, check, findings);
   if (!document->viewbox()) {
-    findings.at(0, FindingId::NoSvg, "there is no <svg>");
+    if (!check.hasPrefixes()) findings.at(0, FindingId::NoSvg, "there is no <svg>");
     return nullptr;
   }
   return canBeShown(*document->viewbox()) ? document : nullptr;

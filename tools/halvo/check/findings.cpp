@@ -67,6 +67,9 @@ constexpr FindingKind kKinds[] = {
     {GroundColor, "ground-color", kNote, "shows nothing of it on a ground of that colour, which a host may choose",
      "add something of another colour, or tell hosts which ground the cue needs"},
 
+    {Encoding, "encoding", kError, "reads UTF-8 alone", "save it as plain SVG, or as plain text, in UTF-8"},
+    {Prefix, "prefix", kError, "knows no prefixes, and shows nothing of it",
+     "save it as plain SVG, with elements that are called <svg>, <path> and so on"},
     {Xml, "xml", kError, "reads no further; elements that are still open are lost",
      "write well-formed XML, with fewer or flatter elements where there are too many"},
     {NoSvg, "no-svg", kError, "shows nothing for as long as the frame lasts", "begin the frame with <svg>"},

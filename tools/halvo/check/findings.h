@@ -50,6 +50,8 @@ enum class FindingId {
   FrameUnseen,
   GroundColor,
   // The document of a frame.
+  Encoding,
+  Prefix,
   Xml,
   NoSvg,
   Root,

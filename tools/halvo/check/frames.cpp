@@ -9,10 +9,13 @@
 #include "animation/frame_file.h"
 #include "check/budget.h"
 #include "check/document_check.h"
+#include "check/encoding.h"
 #include "check/frame_look.h"
 #include "picture/frame_source.h"
+#include "picture/svg_folder.h"
 #include "platform/foundation/json/json_reader.h"
 #include "platform/foundation/memory/limits.h"
+#include "platform/foundation/storage/file_manager.h"
 #include "platform/foundation/text/numbers.h"
 
 namespace halvo {
@@ -55,13 +58,17 @@ class FramesCheck {
  public:
   FramesCheck(FrameTexts frames, std::string file, bool isDocument, Report& report)
       : frames_(std::move(frames)), file_(std::move(file)), isDocument_(isDocument), report_(report) {}
+  // Of a folder: a file for each frame. What could not be read is empty, and has been told.
+  FramesCheck(FrameTexts frames, std::string folder, std::vector<std::string> files, Report& report)
+      : frames_(std::move(frames)), file_(std::move(folder)), files_(std::move(files)), report_(report) {}
 
   void run(const CheckProgress& progress) {
     if (!prepare()) return;
     for (std::size_t i = 0; i < frames_.texts.size(); ++i) {
       const std::string_view text = frames_.texts[i];
       const std::optional<std::size_t> number = isDocument_ ? std::nullopt : std::optional(i + 1);
-      FrameFindings findings(report_, file_, number, text);
+      if (!files_.empty() && text.empty()) continue;
+      FrameFindings findings(report_, files_.empty() ? file_ : files_[i], number, text, files_.empty() ? "" : file_);
       const std::size_t mistakes = report_.mistakes();
       const auto document = checkDocument(text, frames_.storage, findings);
       if (document) compare(*document->viewbox(), findings);
@@ -88,9 +95,9 @@ class FramesCheck {
     if (seen.isSeenOnBlack != seen.isSeenOnWhite) (seen.isSeenOnWhite ? black_ : white_).push_back(number);
   }
 
-  // One document may well be an empty frame of many; a cue of nothing else is none.
+  // A document by itself may well be an empty frame of many; a cue of nothing else is none.
   void judgeLooks() {
-    if (seen_ == 0 && !isDocument_) {
+    if (seen_ == 0 && !isDocument_ && files_.empty()) {
       report_.add(findingIn(file_, FindingId::NothingSeen, "nothing is to be seen in any frame"));
       return;
     }
@@ -121,7 +128,8 @@ class FramesCheck {
 
   FrameTexts frames_;
   std::string file_;
-  bool isDocument_;
+  std::vector<std::string> files_;
+  bool isDocument_ = false;
   Report& report_;
   std::optional<CGSize> firstSize_;
   FrameEyes eyes_;
@@ -147,6 +155,8 @@ bool checkFrames(Result<std::string> text, bool isDocument, const std::string& f
   if (text->size() > limits::kCueBytes)
     return refuse(FindingId::BudgetCue,
                   std::to_string(text->size()) + " bytes, of " + std::to_string(limits::kCueBytes));
+  if (const std::string_view encoding = foreignEncodingOf(*text); !encoding.empty())
+    return refuse(FindingId::Encoding, "it is " + std::string(encoding));
   FrameTexts texts;
   if (isDocument) {
     texts = framesOfDocument(std::move(*text));
@@ -161,6 +171,27 @@ bool checkFrames(Result<std::string> text, bool isDocument, const std::string& f
   frames = texts.texts.size();
   FramesCheck(std::move(texts), file, isDocument, report).run(progress);
   return true;
+}
+
+void checkFolder(const std::string& folder, Report& report, const CheckProgress& progress, std::size_t& frames) {
+  const auto kept = std::make_shared<std::vector<std::string>>();
+  std::vector<std::string> files;
+  std::size_t bytes = 0;
+  const std::string start = folder.ends_with('/') ? folder : folder + "/";
+  for (const std::string& name : svgNamesIn(folder)) {
+    auto text = FileManager::readAtPath(start + name);
+    const std::string_view encoding = text ? foreignEncodingOf(*text) : std::string_view();
+    if (!text) report.add(findingIn(start + name, FindingId::Unreadable, text.error().localizedDescription));
+    if (!encoding.empty()) report.add(findingIn(start + name, FindingId::Encoding, "it is " + std::string(encoding)));
+    files.push_back(start + name);
+    kept->push_back(text && encoding.empty() ? std::move(*text) : std::string());
+    bytes += kept->back().size();
+    if (bytes > limits::kCueBytes)
+      return report.add(
+          findingIn(folder, FindingId::BudgetCue, "more than " + std::to_string(limits::kCueBytes) + " bytes in all"));
+  }
+  frames = files.size();
+  FramesCheck({kept, {kept->begin(), kept->end()}, {}}, folder, std::move(files), report).run(progress);
 }
 
 }  // namespace halvo

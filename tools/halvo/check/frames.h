@@ -10,4 +10,7 @@ namespace halvo {
 bool checkFrames(quellaro::Result<std::string> text, bool isDocument, const std::string& file, Report& report,
                  const CheckProgress& progress, std::size_t& frames);
 
+// The SVG files of a folder, which may become a cue, in natural order.
+void checkFolder(const std::string& folder, Report& report, const CheckProgress& progress, std::size_t& frames);
+
 }  // namespace halvo

@@ -33,6 +33,7 @@ struct Finding {
   std::string attribute;
   std::optional<TextPosition> position;  // within the frame, or the file when there is no frame
   std::string howFar = "";               // of what is shown approximately: by how much
+  std::string series = "";               // where frames are files of their own: what they are of
 };
 
 // The same finding wherever it comes: what differs between places is told of the first.

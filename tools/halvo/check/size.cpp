@@ -15,7 +15,6 @@ namespace {
 
 using namespace quellaro;
 
-constexpr std::string_view kNamespace = "http://www.w3.org/2000/svg";
 // What the engine takes for a side that is missing.
 constexpr double kDefaultSide = 100;
 

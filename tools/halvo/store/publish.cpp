@@ -61,16 +61,19 @@ Progress reportOnStandardError() {
 }
 
 int run(const std::string& cueDirectory, const PublishOptions& options) {
-  const Result<CueFiles> files = readPlayableCue(cueDirectory);
-  if (!files) return failure("not published: " + files.error().localizedDescription);
+  const Result<PlayableCue> cue = readPlayableCue(cueDirectory);
+  if (!cue) return failure("not published: " + cue.error().localizedDescription);
   const Result<std::string> path =
-      publishIntoStore(options.store, options.publication, *files, reportOnStandardError());
+      publishIntoStore(options.store, options.publication, cue->files, reportOnStandardError());
   if (!path) return failure("not published: " + path.error().localizedDescription);
   std::string sdkVersions;
   for (const std::string& version : options.publication.sdkVersions)
     sdkVersions += (sdkVersions.empty() ? "" : ", ") + version;
   std::printf("published version %s of %s for library version %s at %s\n", options.publication.version.c_str(),
               options.publication.cue.c_str(), sdkVersions.c_str(), path->c_str());
+  if (cue->warnings > 0)
+    tell(std::to_string(cue->warnings) + (cue->warnings == 1 ? " warning" : " warnings") + ": 'halvo check " +
+         cueDirectory + "' tells");
   return kExitFine;
 }
 
