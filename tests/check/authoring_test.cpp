@@ -100,7 +100,7 @@ class ExampleCue {
   std::string document_;
   std::map<std::string, std::string> config_ = {{"totalFrames", "2"},
                                                 {"soundFileName", "\"audio.mp3\""},
-                                                {"soundDelayInMillis", "0"},
+                                                {"soundDelayInMillis", "50"},
                                                 {"animationDelayInMillis", "0"},
                                                 {"frameTime", R"({"Frame_1": 100, "Frame_2": 100})"},
                                                 {"viewBox", "\"0 0 9 9\""}};

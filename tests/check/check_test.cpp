@@ -167,6 +167,23 @@ TEST_F(Check, AllThatIsWrongWithAConfigurationIsToldAtOnce) {
   EXPECT_THAT(ran.output, Not(HasSubstr("At viewBox")));
 }
 
+TEST_F(Check, TapsAreComparedWithSoundAndPicture) {
+  const std::string blank = kSvg + "</svg>";
+  const std::string full = kSvg + "<rect x='0' y='0' width='100' height='100' fill='#f00'/></svg>";
+  animation({blank, full});
+  const std::string cue = directory_.path().string();
+  file("audio.mp3", readFile(QUELLARO_TEST_DATA "/sounds/late.mp3"));
+  file("play_config.json", R"({"totalFrames": 2, "soundFileName": "audio.mp3", "soundDelayInMillis": 100, "viewBox": "",
+      "animationDelayInMillis": 10, "frameTime": {"Frame_1": 300, "Frame_2": 200}, "isHapticsSupported": true})");
+  file("signature_forte.ahap", R"({"Pattern": [{"Event": {"Time": 0.4, "EventType": "HapticTransient"}}]})");
+  // The sound's own silence, and that of its encoder, come on top of its delay.
+  const Ran ran = halvo("check " + cue);
+  EXPECT_THAT(ran.output,
+              testing::ContainsRegex("\ntap at 0\\.40 s, sound (8|9|10).? ms earlier, picture 90 ms earlier\n"));
+  EXPECT_THAT(ran.output, testing::ContainsRegex("note: a tap is felt at 0\\.40 s, a sound begins at 0\\.(29|30|31)"));
+  EXPECT_THAT(ran.output, Not(HasSubstr("note: the picture")));
+}
+
 // Whatever a file is called, a decoder finds something in it that resembles frames.
 TEST_F(Check, OnlyMpegAudioIsASound) {
   const std::string mpeg = readFile(QUELLARO_TEST_DATA "/sounds/fine.mp3");

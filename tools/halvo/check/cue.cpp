@@ -11,6 +11,7 @@
 #include "check/haptics.h"
 #include "check/sound.h"
 #include "check/timing.h"
+#include "check/together.h"
 #include "input.h"
 #include "picture/frame_source.h"
 #include "picture/svg_folder.h"
@@ -51,14 +52,25 @@ CueFacts checkDirectory(const std::string& directory, Report& report, const Chec
   const auto pathOf = [&](const char* name) { return directory + "/" + name; };
   CueFacts facts;
   const auto config = readConfig(pathOf(kPlayConfigFile), report);
-  const bool frames = checkFrames(FileManager::readAtPath(pathOf(kAnimationFile)), false, kAnimationFile, report,
-                                  progress, facts.frames);
-  if (config && frames) facts.animationEnd = checkTiming(*config, facts.frames, report);
+  const std::vector<double> changes =
+      checkFrames(FileManager::readAtPath(pathOf(kAnimationFile)), false, kAnimationFile, report, progress);
+  facts.frames = changes.size();
+  if (config && facts.frames > 0) {
+    facts.animationEnd = checkTiming(*config, facts.frames, report);
+    facts.moments.pictures = largeChanges(changes, timesOf(*config, facts.frames));
+  }
   facts.sound = checkSound(pathOf(kSoundFile), report);
   if (facts.sound)
     facts.soundEnd = facts.sound->seconds + (config ? std::max(0.0, config->soundDelayInMillis / 1000) : 0);
-  facts.hapticsEnd = checkHaptics(pathOf(kHapticsFile), config && config->isHapticsSupported, report);
+  if (facts.sound)
+    for (const double onset : facts.sound->onsets)
+      facts.moments.sounds.push_back(*facts.soundEnd - facts.sound->seconds + onset);
+  if (const auto pattern = checkHaptics(pathOf(kHapticsFile), config && config->isHapticsSupported, report)) {
+    facts.hapticsEnd = pattern->duration();
+    facts.moments.taps = tapsOf(pattern->curve());
+  }
   checkLengths(facts, report);
+  checkTogether(facts.moments, report);
   return facts;
 }
 
@@ -85,12 +97,12 @@ CueFacts checkSource(const std::string& source, Report& report, const CheckProgr
   CueFacts facts;
   if (FileManager::directoryExistsAtPath(source)) {
     if (!isFolderOfFrames(source)) return checkDirectory(source, report, progress);
-    checkFolder(source, report, progress, facts.frames);
+    facts.frames = checkFolder(source, report, progress).size();
     return facts;
   }
   Result<std::string> text = readInput(source);
   const bool isDocument = text && isSvgDocument(source, *text);
-  checkFrames(std::move(text), isDocument, source, report, progress, facts.frames);
+  facts.frames = checkFrames(std::move(text), isDocument, source, report, progress).size();
   return facts;
 }
 

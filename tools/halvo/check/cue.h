@@ -6,6 +6,7 @@
 
 #include "check/report.h"
 #include "check/sound.h"
+#include "picture/moments.h"
 
 namespace halvo {
 
@@ -16,6 +17,7 @@ struct CueFacts {
   std::optional<double> soundEnd;
   std::optional<double> hapticsEnd;
   std::optional<SoundFacts> sound;
+  Moments moments;
 };
 
 // "2.75 s".

@@ -37,6 +37,9 @@ constexpr FindingKind kKinds[] = {
     {Length, "length", kWarning, "lets one part go on when the other has ended",
      "make animation and sound, delays included, equally long"},
 
+    {Apart, "apart", kNote, "plays each at its moment, and people notice that they are more than 40 ms apart",
+     "where they belong together, move one of them, or change a delay"},
+
     {Sound, "sound", kError, "plays no sound or noise, or breaks off", "export an MP3 file of at most 16 MB"},
     {SoundSilent, "sound-silent", kNote, "plays it, and nobody hears anything",
      "export the sound again, if one is to be heard"},

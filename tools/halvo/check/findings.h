@@ -30,6 +30,7 @@ enum class FindingId {
   TimeLong,
   TimeEndless,
   Length,
+  Apart,
   // Sound and haptics.
   Sound,
   SoundSilent,

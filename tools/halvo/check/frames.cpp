@@ -10,7 +10,7 @@
 #include "check/budget.h"
 #include "check/document_check.h"
 #include "check/encoding.h"
-#include "check/frame_look.h"
+#include "picture/frame_look.h"
 #include "picture/frame_source.h"
 #include "picture/svg_folder.h"
 #include "platform/foundation/json/json_reader.h"
@@ -62,8 +62,9 @@ class FramesCheck {
   FramesCheck(FrameTexts frames, std::string folder, std::vector<std::string> files, Report& report)
       : frames_(std::move(frames)), file_(std::move(folder)), files_(std::move(files)), report_(report) {}
 
-  void run(const CheckProgress& progress) {
-    if (!prepare()) return;
+  std::vector<double> run(const CheckProgress& progress) {
+    changes_.resize(frames_.texts.size());
+    if (!prepare()) return std::move(changes_);
     for (std::size_t i = 0; i < frames_.texts.size(); ++i) {
       const std::string_view text = frames_.texts[i];
       const std::optional<std::size_t> number = isDocument_ ? std::nullopt : std::optional(i + 1);
@@ -73,10 +74,11 @@ class FramesCheck {
       const auto document = checkDocument(text, frames_.storage, findings);
       if (document) compare(*document->viewbox(), findings);
       // What is lost of it has been told, and may be why there is nothing to be seen.
-      look(document, number, report_.mistakes() > mistakes);
+      changes_[i] = look(document, number, report_.mistakes() > mistakes);
       if (progress) progress(i + 1, frames_.texts.size());
     }
     judgeLooks();
+    return std::move(changes_);
   }
 
  private:
@@ -86,13 +88,14 @@ class FramesCheck {
       findings.at(0, FindingId::SizeVaries, sizeText(size) + ", and " + sizeText(*firstSize_) + " before");
   }
 
-  void look(const std::shared_ptr<const SVGDocument>& document, std::optional<std::size_t> number, bool isExplained) {
+  double look(const std::shared_ptr<const SVGDocument>& document, std::optional<std::size_t> number, bool isExplained) {
     const FrameEyes::Look seen = eyes_.look(document);
     if (seen.isSeenOnBlack || seen.isSeenOnWhite)
       ++seen_;
     else if (!isExplained)
       unseen_.push_back(number);
     if (seen.isSeenOnBlack != seen.isSeenOnWhite) (seen.isSeenOnWhite ? black_ : white_).push_back(number);
+    return seen.change;
   }
 
   // A document by itself may well be an empty frame of many; a cue of nothing else is none.
@@ -133,6 +136,7 @@ class FramesCheck {
   Report& report_;
   std::optional<CGSize> firstSize_;
   FrameEyes eyes_;
+  std::vector<double> changes_;
   std::size_t seen_ = 0;
   std::vector<std::optional<std::size_t>> unseen_;
   // Seen on one ground alone.
@@ -142,11 +146,11 @@ class FramesCheck {
 
 }  // namespace
 
-bool checkFrames(Result<std::string> text, bool isDocument, const std::string& file, Report& report,
-                 const CheckProgress& progress, std::size_t& frames) {
+std::vector<double> checkFrames(Result<std::string> text, bool isDocument, const std::string& file, Report& report,
+                                const CheckProgress& progress) {
   const auto refuse = [&](FindingId id, std::string what) {
     report.add(findingIn(file, id, std::move(what)));
-    return false;
+    return std::vector<double>();
   };
   if (!text) return refuse(FindingId::Unreadable, text.error().localizedDescription);
   if (!isDocument && text->size() > budget::kAnimationBytes)
@@ -168,12 +172,10 @@ bool checkFrames(Result<std::string> text, bool isDocument, const std::string& f
     if (texts.texts.empty())
       return refuse(FindingId::NoFrames, kept.empty() ? "it is no array of texts" : whyNoFrames(kept));
   }
-  frames = texts.texts.size();
-  FramesCheck(std::move(texts), file, isDocument, report).run(progress);
-  return true;
+  return FramesCheck(std::move(texts), file, isDocument, report).run(progress);
 }
 
-void checkFolder(const std::string& folder, Report& report, const CheckProgress& progress, std::size_t& frames) {
+std::vector<double> checkFolder(const std::string& folder, Report& report, const CheckProgress& progress) {
   const auto kept = std::make_shared<std::vector<std::string>>();
   std::vector<std::string> files;
   std::size_t bytes = 0;
@@ -186,12 +188,12 @@ void checkFolder(const std::string& folder, Report& report, const CheckProgress&
     files.push_back(start + name);
     kept->push_back(text && encoding.empty() ? std::move(*text) : std::string());
     bytes += kept->back().size();
-    if (bytes > limits::kCueBytes)
-      return report.add(
-          findingIn(folder, FindingId::BudgetCue, "more than " + std::to_string(limits::kCueBytes) + " bytes in all"));
+    if (bytes <= limits::kCueBytes) continue;
+    report.add(
+        findingIn(folder, FindingId::BudgetCue, "more than " + std::to_string(limits::kCueBytes) + " bytes in all"));
+    return {};
   }
-  frames = files.size();
-  FramesCheck({kept, {kept->begin(), kept->end()}, {}}, folder, std::move(files), report).run(progress);
+  return FramesCheck({kept, {kept->begin(), kept->end()}, {}}, folder, std::move(files), report).run(progress);
 }
 
 }  // namespace halvo

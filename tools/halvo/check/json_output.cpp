@@ -28,6 +28,12 @@ void writeOptional(JSONWriter& json, const char* key, const std::optional<Value>
     json.null();
 }
 
+void writeMoments(JSONWriter& json, const char* key, const std::vector<double>& moments) {
+  json.key(key).beginArray();
+  for (const double moment : moments) json.number(moment);
+  json.endArray();
+}
+
 void writeGroup(JSONWriter& json, const FindingGroup& group) {
   const Finding& first = group.first;
   const FindingKind& kind = kindOf(first.id);
@@ -67,6 +73,9 @@ std::string reportJson(const std::string& source, const Report& report, const Cu
   writeOptional(json, "soundLoudness", sound.loudness);
   writeOptional(json, "soundTruePeak", sound.truePeak);
   writeOptional(json, "soundFirstHeard", sound.firstHeard);
+  writeMoments(json, "pictureChanges", facts.moments.pictures);
+  writeMoments(json, "soundOnsets", facts.moments.sounds);
+  writeMoments(json, "taps", facts.moments.taps);
   json.key("findings").beginArray();
   for (const FindingGroup* group : report.groups()) writeGroup(json, *group);
   json.endArray();

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include "check/output.h"
 
@@ -105,6 +106,29 @@ std::string soundText(const SoundFacts& sound) {
   return text + "\n";
 }
 
+std::string distanceText(const std::vector<double>& moments, double moment, const char* name) {
+  if (moments.empty()) return "";
+  const auto distance = std::lround((nearestOf(moments, moment) - moment) * 1000);
+  if (distance == 0) return std::string(", ") + name + " with it";
+  return std::string(", ") + name + " " + std::to_string(std::labs(distance)) + " ms " +
+         (distance > 0 ? "later" : "earlier");
+}
+
+// What is felt, or else what is heard, and how far off the rest is.
+std::string momentsText(const Moments& moments) {
+  constexpr std::size_t kMost = 12;
+  const bool isFelt = !moments.taps.empty();
+  const std::vector<double>& leading = isFelt ? moments.taps : moments.sounds;
+  std::string text;
+  for (std::size_t i = 0; i < leading.size() && i < kMost; ++i) {
+    const std::string distances = (isFelt ? distanceText(moments.sounds, leading[i], "sound") : "") +
+                                  distanceText(moments.pictures, leading[i], "picture");
+    if (!distances.empty()) text += (isFelt ? "tap at " : "sound at ") + secondsText(leading[i]) + distances + "\n";
+  }
+  if (!text.empty() && leading.size() > kMost) text += std::to_string(leading.size() - kMost) + " more\n";
+  return text;
+}
+
 }  // namespace
 
 bool wantsColor() {
@@ -132,6 +156,7 @@ std::string reportText(const std::string& source, const Report& report, const Cu
   Writer writer(withColor);
   writer.write(findingsText(report, withColor));
   if (facts.sound) writer.write(soundText(*facts.sound));
+  writer.write(momentsText(facts.moments));
   writer.write(source + ": ");
   const std::size_t errors = report.count(Severity::Error);
   const std::size_t warnings = report.count(Severity::Warning);

@@ -41,6 +41,7 @@ class SheetDrawing {
   void drawFilm();
   void drawSound();
   void drawHaptics();
+  void drawMoments();
   void drawLane(const SheetLayout::Lane& lane, std::string_view name);
   double columnOf(double seconds) const;
   double secondsPerPixel() const { return duration_ / layout_.contentWidth; }

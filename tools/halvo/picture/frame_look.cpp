@@ -1,4 +1,4 @@
-#include "check/frame_look.h"
+#include "picture/frame_look.h"
 
 #include <algorithm>
 #include <cstdint>
