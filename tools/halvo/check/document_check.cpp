@@ -65,9 +65,21 @@ class DocumentCheck final : public SVGParseObserver {
       findings_.inElement(FindingId::DefinitionDrawn, element, "a shape where none is drawn");
     if (open.content == Content::Lost) return;
     const ElementRole role = roleOf(element.name);
-    if (role.finding) findings_.inElement(*role.finding, element, "<" + printable(element.name) + ">");
+    if (role.finding && !isEmptySheet(element))
+      findings_.inElement(*role.finding, element, "<" + printable(element.name) + ">");
     if (!role.drawsContent) open.content = element.name == "defs" ? Content::Defined : Content::Lost;
     if (open.content == Content::Drawn) checkDrawn(element, open);
+  }
+
+  // A style sheet with nothing in it changes nothing.
+  bool isEmptySheet(const CheckedElement& element) const {
+    if (element.name != "style") return false;
+    std::string_view rest = findings_.text();
+    rest.remove_prefix(static_cast<std::size_t>(element.name.data() - rest.data()));
+    rest.remove_prefix(std::min(rest.find('>'), rest.size() - 1));
+    if (findings_.text()[static_cast<std::size_t>(rest.data() - findings_.text().data()) - 1] == '/') return true;
+    rest.remove_prefix(1);
+    return rest.substr(std::min(rest.find_first_not_of(" \t\r\n"), rest.size())).starts_with("</");
   }
 
   // Whether the name begins with a prefix that stands for SVG.

@@ -91,7 +91,7 @@ constexpr FindingKind kKinds[] = {
     {NestedSvg, "nested-svg", kError, "takes its size for that of the whole frame, and does not move its content",
      "use <g> with translate"},
 
-    {Gradient, "gradient", kWarning, "ignores it; what refers to it is not painted", "use plain colours"},
+    {Gradient, "gradient", kWarning, "paints nothing with it", "use plain colours"},
     {ClipPath, "clip-path", kWarning, "clips nothing, and draws the clip path's own shapes",
      "cut the shapes when exporting, and remove the clip path"},
     {Mask, "mask", kWarning, "masks nothing, and draws the mask's own shapes", "cut the shapes when exporting"},

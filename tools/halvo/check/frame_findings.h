@@ -25,6 +25,8 @@ class FrameFindings {
                 std::string series = "")
       : report_(report), file_(std::move(file)), series_(std::move(series)), frame_(frame), text_(text) {}
 
+  std::string_view text() const { return text_; }
+
   void at(std::size_t offset, FindingId id, std::string what);
   void inElement(FindingId id, const CheckedElement& element, std::string what);
   // `what` is the attribute as it stands there when it is empty.
