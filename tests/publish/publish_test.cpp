@@ -69,7 +69,11 @@ class Publish : public testing::Test {
 TEST_F(Publish, WritesUnderAFreshPathAndListsItThere) {
   const Outcome first = publish("2");
   EXPECT_EQ(first.status, 0);
-  EXPECT_EQ(first.output, "published version 2 of quellaro for library version 2.0.0 at quellaro/2\n");
+  // The mark is a key that the player does not know.
+  EXPECT_EQ(first.output,
+            "published version 2 of quellaro for library version 2.0.0 at quellaro/2\nhalvo: 1 warning: "
+            "'halvo check " +
+                cue().string() + "' tells\n");
   EXPECT_EQ(listed("2.0.0"), "2 quellaro/2");
   for (const char* name : kCueFiles) EXPECT_EQ(readFile(store() / "quellaro/2" / name), readFile(cue() / name));
 
@@ -111,6 +115,7 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
       {"play_config.json", "{}", "play_config.json: At totalFrames: "},
       {"audio.mp3", nullptr, "audio.mp3: No such file"},
       {"audio.mp3", "", "audio.mp3: it is empty"},
+      {"audio.mp3", "RIFF----WAVEfmt \xff\xfb\x90", "audio.mp3: it is a WAV file"},
       {"animation.json", R"(["<svg/>", "<svg>\n<g></svg>"])", "frame 2, line 2, column"},
       {"animation.json", "<svg width='9' height='9'/>", "JSON"},
       {"signature_forte.ahap", "[]", "an object was expected"},

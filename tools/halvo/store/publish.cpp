@@ -71,6 +71,7 @@ int run(const std::string& cueDirectory, const PublishOptions& options) {
     sdkVersions += (sdkVersions.empty() ? "" : ", ") + version;
   std::printf("published version %s of %s for library version %s at %s\n", options.publication.version.c_str(),
               options.publication.cue.c_str(), sdkVersions.c_str(), path->c_str());
+  std::fflush(stdout);
   if (cue->warnings > 0)
     tell(std::to_string(cue->warnings) + (cue->warnings == 1 ? " warning" : " warnings") + ": 'halvo check " +
          cueDirectory + "' tells");
