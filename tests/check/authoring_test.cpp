@@ -74,7 +74,12 @@ class ExampleCue {
     else if (file == "audio.mp3")
       sound_ = soundThat(content);
     else
-      writeFile(document_ = directory_ / "frame.svg", file == "frame" ? content : kStart + line + "</svg>");
+      writeFile(document_ = directory_ / "frame.svg", file == "frame" ? inBytes(content) : kStart + line + "</svg>");
+  }
+  // The page itself is UTF-8, so a byte that is not is written as in C.
+  static std::string inBytes(std::string content) {
+    if (const std::size_t at = content.find("\\xe9"); at != std::string::npos) content.replace(at, 4, "\xe9");
+    return content;
   }
   void change(const std::string& json) {
     const auto document = JSONDocument::parse(json);
@@ -83,7 +88,9 @@ class ExampleCue {
   }
   static std::string soundThat(const std::string& content) {
     const std::map<std::string, const char*> names = {
-        {"is a sound", "fine"}, {"is silent", "silent"}, {"is too loud", "too_loud"}};
+        {"is a sound", "fine"},        {"is silent", "silent"}, {"is too loud", "too_loud"},
+        {"has high peaks", "peaks"},   {"is loud", "loud"},     {"is quiet", "quiet"},
+        {"is inaudible", "inaudible"}, {"is late", "late"},     {"is muffled", "muffled"}};
     const auto name = names.find(content);
     return name == names.end() ? content : readFile(QUELLARO_TEST_DATA "/sounds/" + std::string(name->second) + ".mp3");
   }
@@ -93,12 +100,13 @@ class ExampleCue {
   std::string document_;
   std::map<std::string, std::string> config_ = {{"totalFrames", "2"},
                                                 {"soundFileName", "\"audio.mp3\""},
-                                                {"soundDelayInMillis", "0"},
+                                                {"soundDelayInMillis", "50"},
                                                 {"animationDelayInMillis", "0"},
                                                 {"frameTime", R"({"Frame_1": 100, "Frame_2": 100})"},
                                                 {"viewBox", "\"0 0 9 9\""}};
-  std::string animation_ = R"(["<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>",
-                               "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>"])";
+  std::string animation_ =
+      R"(["<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><path d='M1 1H8V8Z' fill='#f00'/></svg>",
+          "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><path d='M1 1H8V8Z' fill='#f00'/></svg>"])";
   std::string sound_ = soundThat("is a sound");
   std::string haptics_;
 };

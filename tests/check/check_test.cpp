@@ -4,6 +4,7 @@
 
 #include "check/check_tool.h"
 #include "platform/foundation/json/json_writer.h"
+#include "platform/foundation/text/utf8.h"
 #include "support/temporary_directory.h"
 
 namespace quellaro {
@@ -41,9 +42,9 @@ TEST_F(Check, TheBuiltInCueIsClean) {
 }
 
 TEST_F(Check, AFindingIsToldOnceWithItsPlaceAndFrames) {
-  const std::string fine = kSvg + "<g/></svg>";
+  const std::string fine = kSvg + "<path d='M1 1H9V9Z' fill='#f00'/></svg>";
   const std::string odd =
-      kSvg + "\n  <g>\xc3\xa9<rect id='r' x='1' y='1' width='9' height='9' fill='#fff' opacity='.5'/></g></svg>";
+      kSvg + "\n  <g>\xc3\xa9<rect id='r' x='1' y='1' width='9' height='9' fill='#f00' opacity='.5'/></g></svg>";
   const Ran ran = halvo("check " + animation({fine, odd, odd, fine, odd, odd + " "}));
   EXPECT_EQ(ran.status, 1);
   EXPECT_THAT(ran.output, HasSubstr("warning: opacity=\".5\" on <rect id=\"r\"> [opacity]\n"));
@@ -118,6 +119,17 @@ TEST_F(Check, WhatDoesNoHarmIsCleanAndDrawnAsByOthers) {
 
 TEST_F(Check, NothingElseIsToldOfWhatIsOdd) {
   const std::pair<const char*, const char*> cases[] = {
+      {"<style> </style><style/><defs><linearGradient id='a'/><clipPath id='b'><rect x='1' y='1' width='9' "
+       "height='9'/></clipPath><filter id='c'/></defs><g fill='#f00'/>",
+       ""},
+      {"<radialGradient id='a'/><g id='b'/><rect x='1' y='1' width='9' height='9' fill='url(#a)'/>", "gradient"},
+      {"<g id='a'/><rect x='1' y='1' width='9' height='9' fill='url(#a)'/>", "paint-server"},
+      {"<path d='M1 1H9V9Z' fill='none' stroke='#f00' stroke-width='1' stroke-linecap='round' fill-opacity='.5'/>", ""},
+      {"<path d='M1 1H9V9ZM2 2H3' fill='none' stroke='#f00' stroke-width='1' stroke-linecap='round'/>", "stroke-ends"},
+      {"<path d='M1 1H9V9H1Z' fill='#f00' fill-rule='evenodd' stroke-dasharray='3' stroke-linejoin='round'/>", ""},
+      {"<path d='M0 5L9 2L1 1L8 9L6 0Z' fill='#f00' fill-rule='evenodd'/>", "fill-rule"},
+      {"<g stroke-linecap='round'/>", "stroke-ends"},
+      {"<path d='M1 1H9V9Z' style='fill:#f00'/>", "style"},
       {"<path fill='#123456' d='M1e400 1L2 2'/>", "number-range"},
       {"<path fill='#123456' d='M0 0L10 10L0 5.'/>", "number"},
       {"<g fill='#f00'><a fill='#f00'><rect x='1' y='1' width='9' height='9'/></a></g>", "element"},
@@ -152,6 +164,96 @@ TEST_F(Check, SourcesOfEveryKindGetAnAnswer) {
     EXPECT_EQ(ran.status, c.status) << c.arguments;
     EXPECT_THAT(ran.output, HasSubstr(c.output)) << c.arguments;
   }
+}
+
+TEST_F(Check, AllThatIsWrongWithAConfigurationIsToldAtOnce) {
+  file("cue/play_config.json",
+       R"({"totalframes": 3, "soundFileName": 3, "frameTime": {"Frame_1": "a"}, "viewBox": ""})");
+  const Ran ran = halvo("check " + (directory_ / "cue").string());
+  for (const char* what :
+       {"At totalFrames: the key is missing (a whole number: how many frames there are) [config]", "At soundFileName: ",
+        "At soundDelayInMillis: ", "At animationDelayInMillis: ", "At frameTime.Frame_1: a number was expected",
+        "\"totalframes\" is not known; totalFrames is, with other capitals [config-key]"})
+    EXPECT_THAT(ran.output, HasSubstr(what));
+  EXPECT_THAT(ran.output, Not(HasSubstr("At viewBox")));
+}
+
+TEST_F(Check, TapsAreComparedWithSoundAndPicture) {
+  const std::string blank = kSvg + "</svg>";
+  const std::string full = kSvg + "<rect x='0' y='0' width='100' height='100' fill='#f00'/></svg>";
+  animation({blank, full});
+  const std::string cue = directory_.path().string();
+  file("audio.mp3", readFile(QUELLARO_TEST_DATA "/sounds/late.mp3"));
+  file("play_config.json", R"({"totalFrames": 2, "soundFileName": "audio.mp3", "soundDelayInMillis": 100, "viewBox": "",
+      "animationDelayInMillis": 10, "frameTime": {"Frame_1": 300, "Frame_2": 200}, "isHapticsSupported": true})");
+  file("signature_forte.ahap", R"({"Pattern": [{"Event": {"Time": 0.4, "EventType": "HapticTransient"}}]})");
+  // The sound's own silence, and that of its encoder, come on top of its delay.
+  const Ran ran = halvo("check " + cue);
+  EXPECT_THAT(ran.output,
+              testing::ContainsRegex("\ntap at 0\\.40 s, sound 1?[0-9]+ ms earlier, picture 90 ms earlier\n"));
+  EXPECT_THAT(ran.output, testing::ContainsRegex("note: a tap is felt at 0\\.40 s, a sound begins at 0\\.(29|30|31)"));
+  EXPECT_THAT(ran.output, Not(HasSubstr("note: the picture")));
+}
+
+// Whatever a file is called, a decoder finds something in it that resembles frames.
+TEST_F(Check, OnlyMpegAudioIsASound) {
+  const std::string mpeg = readFile(QUELLARO_TEST_DATA "/sounds/fine.mp3");
+  std::string noise;
+  std::uint32_t state = 1;
+  for (int i = 0; i < 60'000; ++i) noise += static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
+  // Of small amplitude, so that every second byte begins a frame.
+  std::string samples;
+  for (const char c : noise) samples.append({c, c < 0 ? '\xff' : '\0'});
+  const std::string tag = std::string("ID3\4\0\0\0\0\x4e\x10", 10) + std::string(10'000, '\0');
+  const struct {
+    std::string content;
+    const char* what;  // null: it is one
+  } cases[] = {
+      {"RIFF\x24\x08\1\1WAVEfmt " + samples, "it is a WAV file, and"},
+      {std::string("FORM\0\1\2\3AIFF", 12) + samples, "it is an AIFF file, and"},
+      {std::string("\0\0\0\x20", 4) + "ftypM4A " + noise, "it is an MP4 file (M4A), and"},
+      {"OggS" + noise, "it is an Ogg file, and"},
+      {"fLaC" + noise, "it is a FLAC file, and"},
+      {tag + "fLaC" + noise, "it is a FLAC file, and"},
+      {samples, "it is no MPEG audio"},
+      {noise, "it is no MPEG audio"},
+      {mpeg.substr(0, 3), "it is no MPEG audio"},
+      {noise.substr(0, 2 * mpeg.size()) + mpeg, "only 33 % of it is MPEG audio"},
+      {tag + mpeg + "TAG" + std::string(125, ' '), nullptr},
+      {noise.substr(0, mpeg.size() / 2) + mpeg, nullptr},
+  };
+  for (const auto& c : cases) {
+    file("cue/audio.mp3", c.content);
+    const Ran ran = halvo("check " + (directory_ / "cue").string());
+    SCOPED_TRACE(printable(c.content.substr(0, 12)));
+    if (c.what != nullptr)
+      EXPECT_THAT(ran.output, HasSubstr("error: " + std::string(c.what)));
+    else
+      EXPECT_THAT(ran.output, testing::AllOf(HasSubstr("sound: 0."), Not(HasSubstr("[sound]"))));
+  }
+}
+
+TEST_F(Check, ManyFilesAndFoldersAreChecked) {
+  const std::string odd = kSvg + "<path d='M1 1H9V9Z' fill='red'/></svg>";
+  file("frames/frame10.svg", odd);
+  file("frames/frame9.svg", odd);
+  file("frames/frame1.svg", "\x1f\x8b\b");
+  file("frames/notes.txt", "red");
+  const std::string folder = directory_ / "frames";
+  const Ran ran = halvo("check " + folder);
+  EXPECT_EQ(ran.status, 1);
+  EXPECT_THAT(ran.output, HasSubstr("frames/frame1.svg\n"));
+  EXPECT_THAT(ran.output, HasSubstr("compressed with gzip"));
+  EXPECT_THAT(ran.output, HasSubstr("frames/frame9.svg, frame 2, line 1, column 86 (frames 2, 3)\n"));
+  EXPECT_THAT(ran.output, HasSubstr(folder + ": 1 error, 1 warning (3 frames)\n"));
+  const std::string fine = svg("<path d='M1 1H9V9Z' fill='#f00'/>");
+  const std::string name = directory_ / "utf16.svg";
+  writeFile(name, std::string("\xff\xfe<\0s\0", 6));
+  const Ran many = halvo("check --json " + fine + " " + name + " " + fine);
+  EXPECT_EQ(many.status, 1);
+  EXPECT_EQ(std::count(many.output.begin(), many.output.end(), '\n'), 3);
+  EXPECT_THAT(many.output, HasSubstr("\"what\":\"it is UTF-16\""));
+  EXPECT_EQ(halvo("check " + fine + " " + fine).status, 0);
 }
 
 TEST_F(Check, BudgetsAreBySizeElementsAndPoints) {

@@ -68,7 +68,14 @@ TEST_F(PlayOfTheTool, ADirectoryIsPlayedByItselfAndLeavesNothingBehind) {
   EXPECT_TRUE(std::filesystem::is_empty(directory_ / "tmp"));
   EXPECT_THAT(run(home + "./nowhere").output, "halvo: ./nowhere: No such file or directory\n");
   EXPECT_EQ(run(home + "./bundle --library x").status, 2);
-  EXPECT_THAT(run(home + "bundle --times 0").output, HasSubstr("the directory is ./bundle\n"));
+  EXPECT_THAT(run(home + "bundle --times 0").output, HasSubstr("'halvo play ./bundle' plays the directory"));
+  // A prepare that fails says why, and the play after it goes on as ever.
+  writeFile(bundle_ / "play_config.json", "{}");
+  const Ran broken = run(home + "./bundle");
+  EXPECT_EQ(broken.status, 1);
+  EXPECT_THAT(broken.output, AllOf(HasSubstr("prepare: 901 prepareFailed\n"),
+                                   HasSubstr("/./bundle/play_config.json: At totalFrames: the key is missing"),
+                                   HasSubstr("\nplay: 908 notPrepared\n")));
 }
 
 TEST_F(PlayOfTheTool, EveryShownFrameIsRecordedInOrder) {

@@ -19,8 +19,10 @@ using Publish = StoreTest;
 TEST_F(Publish, WritesUnderAFreshPathAndListsItThere) {
   const Outcome first = publish("2");
   EXPECT_EQ(first.status, 0);
-  EXPECT_THAT(first.output, StartsWith("published version 2 of quellaro for library version 2.0.0 at quellaro/2\n"));
-  // First what is listed, then the list.
+  // The mark is a key that the player does not know.
+  EXPECT_THAT(first.output, StartsWith("published version 2 of quellaro for library version 2.0.0 at quellaro/2\n"
+                                       "halvo: 1 warning: 'halvo check " +
+                                       cue().string() + "' tells\n"));
   EXPECT_THAT(first.output, MatchesRegex("(.|\n)*\n  rsync -rlt --exclude=/version_config.json (.|\n)*\n"
                                          "  rsync -t .*/version_config.json' SERVER:DIRECTORY/\n"));
   EXPECT_EQ(listed("2.0.0"), "2 quellaro/2");
@@ -72,6 +74,7 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
       {"play_config.json", "{}", "play_config.json: At totalFrames: "},
       {"audio.mp3", nullptr, "audio.mp3: No such file"},
       {"audio.mp3", "", "audio.mp3: it is empty"},
+      {"audio.mp3", "RIFF----WAVEfmt \xff\xfb\x90", "audio.mp3: it is a WAV file"},
       {"animation.json", R"(["<svg/>", "<svg>\n<g></svg>"])", "frame 2, line 2, column"},
       {"animation.json", "<svg width='9' height='9'/>", "JSON"},
       {"signature_forte.ahap", "[]", "an object was expected"},

@@ -14,5 +14,6 @@ int frame(int argc, char** argv);
 int bench(int argc, char** argv);
 int sheet(int argc, char** argv);
 int check(int argc, char** argv);
+int exportFilm(int argc, char** argv);
 
 }  // namespace halvo

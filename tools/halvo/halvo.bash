@@ -16,7 +16,7 @@ _halvo() {
   case $previous in
     --type) mapfile -t COMPREPLY < <(compgen -W "animationAndSound soundOnly animationOnly" -- "$current") ;;
     --environment) mapfile -t COMPREPLY < <(compgen -W "primary secondary" -- "$current") ;;
-    --background) mapfile -t COMPREPLY < <(compgen -W "black white" -- "$current") ;;
+    --background) mapfile -t COMPREPLY < <(compgen -W "black white$([ "$command" = export ] && echo " transparent")" -- "$current") ;;
     --bundle|--library|--record|--store) compopt -o dirnames ;;
     --times|--volume|--app-id|--size|--number|--repeat|--cue|--version|--sdk-version|--fps|--frame-time|\
       --loudness|--sound-delay|--animation-delay|--precision|--gradient-steps|--scale|\

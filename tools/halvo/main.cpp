@@ -26,6 +26,7 @@ constexpr Command kCommands[] = {
     {"frame", "draw one frame into a PNG file", halvo::frame},
     {"bench", "measure what it costs to show a cue's frames", halvo::bench},
     {"sheet", "draw a cue as a contact sheet", halvo::sheet},
+    {"export", "make a film of a cue, or an animated picture", halvo::exportFilm},
     {"check", "tell what a cue holds that the player would trip over or ignore", halvo::check},
     {"help", "print this, or what one command takes", nullptr},
 };

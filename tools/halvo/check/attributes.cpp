@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "check/number_reading.h"
+#include "check/outline.h"
 
 namespace halvo {
 
@@ -61,10 +62,28 @@ bool isNeutral(const Rule& rule, std::string_view value) {
   return std::find(rule.neutral.begin(), rule.neutral.end(), text) != rule.neutral.end();
 }
 
+// Whether it can make a difference to the shape that it stands on. What stands on a group is for whatever is in it.
+bool changesPicture(std::string_view name, const CheckedElement& element) {
+  if (element.made == nullptr || element.made->path().cgPath().empty()) return true;
+  const SVGElement& made = *element.made;
+  const CGPath& outline = made.path().cgPath();
+  const auto isVisible = [](const std::optional<CGColor>& color) { return color && color->alpha > 0; };
+  const bool isStroked = isVisible(made.strokeColor()) && made.strokeWidth() > 0;
+  const bool isFilled = isVisible(made.fillColor());
+  const bool isRound = element.name == "circle" || element.name == "ellipse";
+  if (name == "stroke-linecap") return isStroked && hasEnds(outline);
+  if (name == "stroke-linejoin") return isStroked && !isRound && element.name != "line";
+  if (name == "stroke-dasharray" || name == "stroke-opacity") return isStroked;
+  if (name == "fill-opacity") return isFilled;
+  if (name == "fill-rule") return isFilled && !isRound && element.name != "rect" && !isSimple(outline);
+  return true;
+}
+
 }  // namespace
 
 void checkPresentation(const CheckedElement& element, FrameFindings& findings) {
   for (const XMLAttribute& attribute : element.attributes) {
+    if (!changesPicture(attribute.name, element)) continue;
     if (isOpacity(attribute.name)) {
       if (!isOpaque(attribute.value)) findings.inAttribute(FindingId::Opacity, element, attribute);
       continue;

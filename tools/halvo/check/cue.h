@@ -5,6 +5,8 @@
 #include <string>
 
 #include "check/report.h"
+#include "check/sound.h"
+#include "picture/moments.h"
 
 namespace halvo {
 
@@ -14,6 +16,8 @@ struct CueFacts {
   std::optional<double> animationEnd;
   std::optional<double> soundEnd;
   std::optional<double> hapticsEnd;
+  std::optional<SoundFacts> sound;
+  Moments moments;
 };
 
 // "2.75 s".
@@ -22,8 +26,8 @@ std::string secondsText(double seconds);
 // Called now and then during long work.
 using CheckProgress = std::function<void(std::size_t framesDone, std::size_t frames)>;
 
-// Reads a cue directory, an animation.json or an SVG document as the player would, and reports what is wrong with it.
-// The library's own lines on the console are silenced from then on.
+// Reads a cue directory, a folder of SVG files, an animation.json or an SVG document as the player would, and reports
+// what is wrong with it. The library's own lines on the console are silenced from then on.
 CueFacts checkSource(const std::string& source, Report& report, const CheckProgress& progress);
 
 }  // namespace halvo

@@ -38,6 +38,7 @@ class DocumentCheck final : public SVGParseObserver {
     findings_.at(error.offset, FindingId::Xml, std::string(error.message));
   }
 
+  bool hasPrefixes() const { return hasPrefixes_; }
   std::size_t elements() const { return elements_; }
   std::size_t points() const { return points_; }
 
@@ -55,13 +56,40 @@ class DocumentCheck final : public SVGParseObserver {
 
   void checkStructure(const CheckedElement& element, Open& open) {
     if (element.name == "svg") checkSvg(element);
+    if (open.content != Content::Lost && hasPrefix(element)) {
+      hasPrefixes_ = true;
+      open.content = Content::Lost;
+      return findings_.inElement(FindingId::Prefix, element, "<" + printable(element.name) + ">");
+    }
     if (open.content != Content::Drawn && isSeen(element))
       findings_.inElement(FindingId::DefinitionDrawn, element, "a shape where none is drawn");
     if (open.content == Content::Lost) return;
     const ElementRole role = roleOf(element.name);
-    if (role.finding) findings_.inElement(*role.finding, element, "<" + printable(element.name) + ">");
+    if (role.finding && !isEmptySheet(element))
+      findings_.inElement(*role.finding, element, "<" + printable(element.name) + ">");
     if (!role.drawsContent) open.content = element.name == "defs" ? Content::Defined : Content::Lost;
     if (open.content == Content::Drawn) checkDrawn(element, open);
+  }
+
+  // A style sheet with nothing in it changes nothing.
+  bool isEmptySheet(const CheckedElement& element) const {
+    if (element.name != "style") return false;
+    std::string_view rest = findings_.text();
+    rest.remove_prefix(static_cast<std::size_t>(element.name.data() - rest.data()));
+    rest.remove_prefix(std::min(rest.find('>'), rest.size() - 1));
+    if (findings_.text()[static_cast<std::size_t>(rest.data() - findings_.text().data()) - 1] == '/') return true;
+    rest.remove_prefix(1);
+    return rest.substr(std::min(rest.find_first_not_of(" \t\r\n"), rest.size())).starts_with("</");
+  }
+
+  // Whether the name begins with a prefix that stands for SVG.
+  bool hasPrefix(const CheckedElement& element) {
+    for (const XMLAttribute& attribute : element.attributes)
+      if (attribute.name.starts_with("xmlns:") && attribute.value == kNamespace)
+        prefixes_.emplace_back(attribute.name.substr(6));
+    const std::size_t colon = element.name.find(':');
+    return colon != std::string_view::npos &&
+           std::find(prefixes_.begin(), prefixes_.end(), element.name.substr(0, colon)) != prefixes_.end();
   }
 
   // The first is the frame itself.
@@ -103,6 +131,8 @@ class DocumentCheck final : public SVGParseObserver {
   std::vector<Open> open_;
   bool isFirst_ = true;
   bool hasSvg_ = false;
+  std::vector<std::string> prefixes_;
+  bool hasPrefixes_ = false;
   std::size_t elements_ = 0;
   std::size_t points_ = 0;
 };
@@ -119,8 +149,8 @@ void checkBudget(std::string_view text, const DocumentCheck& check, FrameFinding
 
 }  // namespace
 
-std::optional<CGSize> checkDocument(std::string_view text, const std::shared_ptr<const void>& owner,
-                                    FrameFindings& findings) {
+std::shared_ptr<const SVGDocument> checkDocument(std::string_view text, const std::shared_ptr<const void>& owner,
+                                                 FrameFindings& findings) {
   // The parser passes over processing instructions, so this one is looked for.
   if (const std::size_t sheet = text.find("<?xml-stylesheet"); sheet != std::string_view::npos)
     findings.at(sheet, FindingId::Style, "<?xml-stylesheet");
@@ -130,10 +160,10 @@ std::optional<CGSize> checkDocument(std::string_view text, const std::shared_ptr
   const std::shared_ptr<SVGDocument> document = SVGDocument::parse(text, owner, arena, &check);
   checkBudget(text, check, findings);
   if (!document->viewbox()) {
-    findings.at(0, FindingId::NoSvg, "there is no <svg>");
-    return std::nullopt;
+    if (!check.hasPrefixes()) findings.at(0, FindingId::NoSvg, "there is no <svg>");
+    return nullptr;
   }
-  return canBeShown(*document->viewbox()) ? document->viewbox() : std::nullopt;
+  return canBeShown(*document->viewbox()) ? document : nullptr;
 }
 
 }  // namespace halvo

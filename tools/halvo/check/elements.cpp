@@ -14,6 +14,8 @@ struct Row {
 
 constexpr ElementRole kDrawn{true, {}};
 constexpr ElementRole kHarmless{false, {}};
+// There to be referred to: what is lost is told where it is used, and is nothing where it is not.
+constexpr ElementRole kDefinition = kHarmless;
 
 constexpr Row kRows[] = {
     {"svg", kDrawn},
@@ -31,15 +33,15 @@ constexpr Row kRows[] = {
     {"defs", kHarmless},
     {"view", kHarmless},
     {"cursor", kHarmless},
-    {"linearGradient", {false, FindingId::Gradient}},
-    {"radialGradient", {false, FindingId::Gradient}},
-    {"pattern", {false, FindingId::Gradient}},
-    {"clipPath", {false, FindingId::ClipPath}},
-    {"mask", {false, FindingId::Mask}},
-    {"filter", {false, FindingId::Filter}},
-    {"marker", {false, FindingId::Marker}},
+    {"linearGradient", kDefinition},
+    {"radialGradient", kDefinition},
+    {"pattern", kDefinition},
+    {"clipPath", kDefinition},
+    {"mask", kDefinition},
+    {"filter", kDefinition},
+    {"marker", kDefinition},
     {"use", {false, FindingId::Use}},
-    {"symbol", {false, FindingId::Use}},
+    {"symbol", kDefinition},
     {"text", {false, FindingId::Text}},
     {"image", {false, FindingId::Image}},
     {"style", {false, FindingId::Style}},

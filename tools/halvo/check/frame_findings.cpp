@@ -25,7 +25,8 @@ std::size_t decodedSize(std::string_view reference) {
 }  // namespace
 
 void FrameFindings::at(std::size_t offset, FindingId id, std::string what) {
-  report_.add({id, std::move(what), file_, frame_, "", "", "", std::nullopt}, [&] { return positionOf(offset); });
+  report_.add({id, std::move(what), file_, frame_, "", "", "", std::nullopt, "", series_},
+              [&] { return positionOf(offset); });
 }
 
 void FrameFindings::inElement(FindingId id, const CheckedElement& element, std::string what) {
@@ -57,7 +58,9 @@ Finding FrameFindings::findingIn(FindingId id, const CheckedElement& element, st
           printable(element.name),
           printable(element.attributes.find("id").value_or("")),
           "",
-          std::nullopt};
+          std::nullopt,
+          "",
+          series_};
 }
 
 std::size_t FrameFindings::offsetInValue(const XMLAttribute& attribute, std::size_t decoded) const {

@@ -20,9 +20,12 @@ struct CheckedElement {
 // Where a frame's findings go, with their places worked out.
 class FrameFindings {
  public:
-  // `frame` is absent for a document that is a file of its own.
-  FrameFindings(Report& report, std::string file, std::optional<std::size_t> frame, std::string_view text)
-      : report_(report), file_(std::move(file)), frame_(frame), text_(text) {}
+  // `frame` is absent for a document that is a file of its own. `series` is what such files are together the frames of.
+  FrameFindings(Report& report, std::string file, std::optional<std::size_t> frame, std::string_view text,
+                std::string series = "")
+      : report_(report), file_(std::move(file)), series_(std::move(series)), frame_(frame), text_(text) {}
+
+  std::string_view text() const { return text_; }
 
   void at(std::size_t offset, FindingId id, std::string what);
   void inElement(FindingId id, const CheckedElement& element, std::string what);
@@ -42,6 +45,7 @@ class FrameFindings {
 
   Report& report_;
   std::string file_;
+  std::string series_;
   std::optional<std::size_t> frame_;
   std::string_view text_;
 };

@@ -4,13 +4,18 @@
 #include <ctime>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "animation/frame_file.h"
 #include "check/budget.h"
 #include "check/document_check.h"
+#include "check/encoding.h"
+#include "picture/frame_look.h"
 #include "picture/frame_source.h"
+#include "picture/svg_folder.h"
 #include "platform/foundation/json/json_reader.h"
 #include "platform/foundation/memory/limits.h"
+#include "platform/foundation/storage/file_manager.h"
 #include "platform/foundation/text/numbers.h"
 
 namespace halvo {
@@ -53,17 +58,27 @@ class FramesCheck {
  public:
   FramesCheck(FrameTexts frames, std::string file, bool isDocument, Report& report)
       : frames_(std::move(frames)), file_(std::move(file)), isDocument_(isDocument), report_(report) {}
+  // Of a folder: a file for each frame. What could not be read is empty, and has been told.
+  FramesCheck(FrameTexts frames, std::string folder, std::vector<std::string> files, Report& report)
+      : frames_(std::move(frames)), file_(std::move(folder)), files_(std::move(files)), report_(report) {}
 
-  void run(const CheckProgress& progress) {
-    if (!prepare()) return;
+  std::vector<double> run(const CheckProgress& progress) {
+    changes_.resize(frames_.texts.size());
+    if (!prepare()) return std::move(changes_);
     for (std::size_t i = 0; i < frames_.texts.size(); ++i) {
       const std::string_view text = frames_.texts[i];
       const std::optional<std::size_t> number = isDocument_ ? std::nullopt : std::optional(i + 1);
-      FrameFindings findings(report_, file_, number, text);
-      const std::optional<CGSize> size = checkDocument(text, frames_.storage, findings);
-      if (size) compare(*size, findings);
+      if (!files_.empty() && text.empty()) continue;
+      FrameFindings findings(report_, files_.empty() ? file_ : files_[i], number, text, files_.empty() ? "" : file_);
+      const std::size_t mistakes = report_.mistakes();
+      const auto document = checkDocument(text, frames_.storage, findings);
+      if (document) compare(*document->viewbox(), findings);
+      // What is lost of it has been told, and may be why there is nothing to be seen.
+      changes_[i] = look(document, number, report_.mistakes() > mistakes);
       if (progress) progress(i + 1, frames_.texts.size());
     }
+    judgeLooks();
+    return std::move(changes_);
   }
 
  private:
@@ -71,6 +86,31 @@ class FramesCheck {
     if (!firstSize_) firstSize_ = size;
     if (size != *firstSize_)
       findings.at(0, FindingId::SizeVaries, sizeText(size) + ", and " + sizeText(*firstSize_) + " before");
+  }
+
+  double look(const std::shared_ptr<const SVGDocument>& document, std::optional<std::size_t> number, bool isExplained) {
+    const FrameEyes::Look seen = eyes_.look(document);
+    if (seen.isSeenOnBlack || seen.isSeenOnWhite)
+      ++seen_;
+    else if (!isExplained)
+      unseen_.push_back(number);
+    if (seen.isSeenOnBlack != seen.isSeenOnWhite) (seen.isSeenOnWhite ? black_ : white_).push_back(number);
+    return seen.change;
+  }
+
+  // A document by itself may well be an empty frame of many; a cue of nothing else is none.
+  void judgeLooks() {
+    if (seen_ == 0 && !isDocument_ && files_.empty()) {
+      report_.add(findingIn(file_, FindingId::NothingSeen, "nothing is to be seen in any frame"));
+      return;
+    }
+    const auto tell = [&](FindingId id, const std::vector<std::optional<std::size_t>>& frames, const char* what,
+                          const char* key) {
+      for (const auto& frame : frames) report_.add({id, what, file_, frame, "", "", key, std::nullopt});
+    };
+    tell(FindingId::FrameUnseen, unseen_, "nothing is to be seen", "");
+    tell(FindingId::GroundColor, black_, "all that is painted is black", "black");
+    tell(FindingId::GroundColor, white_, "all that is painted is white", "white");
   }
 
   // As the player prepares them, without anybody looking on. What it refuses is not looked at any closer.
@@ -91,18 +131,26 @@ class FramesCheck {
 
   FrameTexts frames_;
   std::string file_;
-  bool isDocument_;
+  std::vector<std::string> files_;
+  bool isDocument_ = false;
   Report& report_;
   std::optional<CGSize> firstSize_;
+  FrameEyes eyes_;
+  std::vector<double> changes_;
+  std::size_t seen_ = 0;
+  std::vector<std::optional<std::size_t>> unseen_;
+  // Seen on one ground alone.
+  std::vector<std::optional<std::size_t>> black_;
+  std::vector<std::optional<std::size_t>> white_;
 };
 
 }  // namespace
 
-bool checkFrames(Result<std::string> text, bool isDocument, const std::string& file, Report& report,
-                 const CheckProgress& progress, std::size_t& frames) {
+std::vector<double> checkFrames(Result<std::string> text, bool isDocument, const std::string& file, Report& report,
+                                const CheckProgress& progress) {
   const auto refuse = [&](FindingId id, std::string what) {
     report.add(findingIn(file, id, std::move(what)));
-    return false;
+    return std::vector<double>();
   };
   if (!text) return refuse(FindingId::Unreadable, text.error().localizedDescription);
   if (!isDocument && text->size() > budget::kAnimationBytes)
@@ -111,6 +159,8 @@ bool checkFrames(Result<std::string> text, bool isDocument, const std::string& f
   if (text->size() > limits::kCueBytes)
     return refuse(FindingId::BudgetCue,
                   std::to_string(text->size()) + " bytes, of " + std::to_string(limits::kCueBytes));
+  if (const std::string_view encoding = foreignEncodingOf(*text); !encoding.empty())
+    return refuse(FindingId::Encoding, "it is " + std::string(encoding));
   FrameTexts texts;
   if (isDocument) {
     texts = framesOfDocument(std::move(*text));
@@ -122,9 +172,28 @@ bool checkFrames(Result<std::string> text, bool isDocument, const std::string& f
     if (texts.texts.empty())
       return refuse(FindingId::NoFrames, kept.empty() ? "it is no array of texts" : whyNoFrames(kept));
   }
-  frames = texts.texts.size();
-  FramesCheck(std::move(texts), file, isDocument, report).run(progress);
-  return true;
+  return FramesCheck(std::move(texts), file, isDocument, report).run(progress);
+}
+
+std::vector<double> checkFolder(const std::string& folder, Report& report, const CheckProgress& progress) {
+  const auto kept = std::make_shared<std::vector<std::string>>();
+  std::vector<std::string> files;
+  std::size_t bytes = 0;
+  const std::string start = folder.ends_with('/') ? folder : folder + "/";
+  for (const std::string& name : svgNamesIn(folder)) {
+    auto text = FileManager::readAtPath(start + name);
+    const std::string_view encoding = text ? foreignEncodingOf(*text) : std::string_view();
+    if (!text) report.add(findingIn(start + name, FindingId::Unreadable, text.error().localizedDescription));
+    if (!encoding.empty()) report.add(findingIn(start + name, FindingId::Encoding, "it is " + std::string(encoding)));
+    files.push_back(start + name);
+    kept->push_back(text && encoding.empty() ? std::move(*text) : std::string());
+    bytes += kept->back().size();
+    if (bytes <= limits::kCueBytes) continue;
+    report.add(
+        findingIn(folder, FindingId::BudgetCue, "more than " + std::to_string(limits::kCueBytes) + " bytes in all"));
+    return {};
+  }
+  return FramesCheck({kept, {kept->begin(), kept->end()}, {}}, folder, std::move(files), report).run(progress);
 }
 
 }  // namespace halvo

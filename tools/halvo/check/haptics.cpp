@@ -33,26 +33,26 @@ bool isFelt(const HapticCurve& curve) {
 
 }  // namespace
 
-std::optional<double> checkHaptics(const std::string& path, bool isSupported, Report& report) {
+std::shared_ptr<const CHHapticPattern> checkHaptics(const std::string& path, bool isSupported, Report& report) {
   if (!FileManager::fileExistsAtPath(path)) {
     if (isSupported) tell(report, FindingId::HapticsMissing, "isHapticsSupported is true, but there is no pattern");
-    return std::nullopt;
+    return nullptr;
   }
   auto json = FileManager::readAtPath(path);
   if (!json) {
     tell(report, FindingId::Unreadable, json.error().localizedDescription);
-    return std::nullopt;
+    return nullptr;
   }
   const auto pattern = readPattern(std::move(*json));
   if (!pattern) {
     tell(report, FindingId::HapticsPattern, pattern.error().localizedDescription);
-    return std::nullopt;
+    return nullptr;
   }
   const bool felt = isFelt((*pattern)->curve());
   if (isSupported && !felt) tell(report, FindingId::HapticsEmpty, "nothing in it can be felt");
   if (!isSupported && felt)
     tell(report, FindingId::HapticsUnused, "there is a pattern, but isHapticsSupported is not true");
-  return isSupported && felt ? std::optional((*pattern)->duration()) : std::nullopt;
+  return isSupported && felt ? *pattern : nullptr;
 }
 
 }  // namespace halvo

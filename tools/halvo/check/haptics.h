@@ -1,13 +1,15 @@
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "check/report.h"
+#include "platform/corehaptics/haptic_pattern.h"
 
 namespace halvo {
 
-// The pattern against what the configuration says of it. Gives its length in seconds when it will be felt.
-std::optional<double> checkHaptics(const std::string& path, bool isSupported, Report& report);
+// The pattern against what the configuration says of it. Null unless it will be felt.
+std::shared_ptr<const quellaro::CHHapticPattern> checkHaptics(const std::string& path, bool isSupported,
+                                                              Report& report);
 
 }  // namespace halvo

@@ -28,6 +28,12 @@ void writeOptional(JSONWriter& json, const char* key, const std::optional<Value>
     json.null();
 }
 
+void writeMoments(JSONWriter& json, const char* key, const std::vector<double>& moments) {
+  json.key(key).beginArray();
+  for (const double moment : moments) json.number(moment);
+  json.endArray();
+}
+
 void writeGroup(JSONWriter& json, const FindingGroup& group) {
   const Finding& first = group.first;
   const FindingKind& kind = kindOf(first.id);
@@ -62,6 +68,14 @@ std::string reportJson(const std::string& source, const Report& report, const Cu
   writeOptional(json, "animationEnd", facts.animationEnd);
   writeOptional(json, "soundEnd", facts.soundEnd);
   writeOptional(json, "hapticsEnd", facts.hapticsEnd);
+  const SoundFacts sound = facts.sound.value_or(SoundFacts{});
+  writeOptional(json, "soundLength", facts.sound ? std::optional(sound.seconds) : std::nullopt);
+  writeOptional(json, "soundLoudness", sound.loudness);
+  writeOptional(json, "soundTruePeak", sound.truePeak);
+  writeOptional(json, "soundFirstHeard", sound.firstHeard);
+  writeMoments(json, "pictureChanges", facts.moments.pictures);
+  writeMoments(json, "soundOnsets", facts.moments.sounds);
+  writeMoments(json, "taps", facts.moments.taps);
   json.key("findings").beginArray();
   for (const FindingGroup* group : report.groups()) writeGroup(json, *group);
   json.endArray();

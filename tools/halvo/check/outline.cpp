@@ -1,5 +1,6 @@
 #include "check/outline.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <optional>
@@ -87,6 +88,35 @@ bool hasArea(const CGPath& outline) {
     point += count;
   }
   return false;
+}
+
+bool hasEnds(const CGPath& outline) {
+  bool isOpen = false;
+  for (const PathVerb verb : outline.verbs()) {
+    if (verb == PathVerb::Move && isOpen) return true;
+    isOpen = verb != PathVerb::Close && (isOpen || verb != PathVerb::Move);
+  }
+  return isOpen;
+}
+
+bool isSimple(const CGPath& outline) {
+  constexpr std::size_t kMost = 1000;
+  const auto verbs = outline.verbs();
+  const auto isCurve = [](PathVerb verb) { return pointCount(verb) > 1; };
+  if (std::count(verbs.begin(), verbs.end(), PathVerb::Move) != 1 || std::any_of(verbs.begin(), verbs.end(), isCurve))
+    return false;
+  std::vector<CGPoint> points = outline.points().values();
+  if (points.size() > kMost) return false;
+  while (points.size() > 1 && isZero(points.back() - points.front())) points.pop_back();
+  const auto side = [](CGPoint a, CGPoint b, CGPoint c) { return cross(b - a, c - a); };
+  const std::size_t count = points.size();
+  for (std::size_t i = 0; i + 1 < count; ++i)
+    for (std::size_t k = i + 2; k < count; ++k) {
+      if (i == 0 && k + 1 == count) continue;
+      const CGPoint a = points[i], b = points[i + 1], c = points[k], d = points[(k + 1) % count];
+      if (side(a, b, c) * side(a, b, d) <= 0 && side(c, d, a) * side(c, d, b) <= 0) return false;
+    }
+  return true;
 }
 
 bool hasCornerBetween(const CGPath& outline, double miterLimit) {

@@ -25,8 +25,22 @@ bool isColor(std::string_view text) {
   return text.size() == 4 || text.size() == 5 || text.size() == 7 || text.size() == 9;
 }
 
-FindingId findingOf(std::string_view text) {
-  if (trimmed(text).starts_with("url")) return FindingId::PaintServer;
+// Whether the element of that id is a gradient or a pattern of the same frame.
+bool isGradient(std::string_view reference, std::string_view frame) {
+  const std::size_t start = reference.find('#');
+  if (start == std::string_view::npos) return false;
+  const std::string id(reference.substr(start + 1, reference.find_first_of(")'\"", start) - start - 1));
+  for (const char* const quote : {"\"", "'"})
+    if (const std::size_t at = frame.find(" id=" + (quote + id) + quote); at != std::string_view::npos) {
+      const std::string_view element = frame.substr(frame.rfind('<', at) + 1);
+      for (const std::string_view name : {"linearGradient", "radialGradient", "pattern"})
+        if (element.starts_with(name)) return true;
+    }
+  return false;
+}
+
+FindingId findingOf(std::string_view text, std::string_view frame) {
+  if (trimmed(text).starts_with("url")) return isGradient(text, frame) ? FindingId::Gradient : FindingId::PaintServer;
   if (text.find('(') != std::string_view::npos) return FindingId::ColorFunction;
   return text.find('#') != std::string_view::npos || isHexadecimal(text) ? FindingId::ColorDigits
                                                                          : FindingId::ColorName;
@@ -48,7 +62,7 @@ StandardPaint paintOf(const CheckedElement& element, const XMLAttribute& attribu
   if (text == "none" || text == "transparent") return {Kind::None, {}, false, isRead};
   if (isColor(text)) return {Kind::Color, colorFromHexString(text), false, isRead};
   if (isRead)
-    findings.inAttribute(findingOf(text), element, attribute,
+    findings.inAttribute(findingOf(text, findings.text()), element, attribute,
                          std::string(attribute.name) + "=\"" + printable(text) + "\"" + readAs(text));
   return {Kind::Unclear, {}, false, isRead};
 }
@@ -93,7 +107,9 @@ StandardStyle inheritedStyle(const StandardStyle& parent, const CheckedElement& 
 void checkPaint(const CheckedElement& element, const StandardStyle& style, FrameFindings& findings) {
   const SVGElement& made = *element.made;
   const CGPath& outline = made.path().cgPath();
-  if (style.fill.isDefault && !made.fillColor() && hasArea(outline))
+  // A style that is ignored has been told of.
+  const bool isStyled = element.attributes.find("style").value_or("").find("fill") != std::string_view::npos;
+  if (style.fill.isDefault && !isStyled && !made.fillColor() && hasArea(outline))
     findings.inElement(FindingId::DefaultFill, element, "no fill");
   if (dropsPaint(style.fill, made.fillColor()) && hasArea(outline))
     findings.inElement(FindingId::DroppedPaint, element, "its fill stands on an element that gives none");

@@ -26,7 +26,8 @@ std::string keyOfImported(const Finding& finding) {
 std::string keyOf(const Finding& finding) {
   if (finding.id >= FindingId::Approximated) return keyOfImported(finding);
   std::string key = std::to_string(static_cast<int>(finding.id));
-  for (const std::string* part : {&finding.file, &finding.element, &finding.elementId, &finding.attribute})
+  for (const std::string* part : {finding.series.empty() ? &finding.file : &finding.series, &finding.element,
+                                  &finding.elementId, &finding.attribute})
     key.append(1, '\0').append(*part);
   return key;
 }
@@ -34,6 +35,7 @@ std::string keyOf(const Finding& finding) {
 }  // namespace
 
 void Report::add(Finding finding, const std::function<TextPosition()>& position) {
+  if (kindOf(finding.id).severity != Severity::Note) ++mistakes_;
   const std::string key = keyOf(finding);
   auto known = indexes_.find(key);
   if (known == indexes_.end()) {

@@ -33,6 +33,7 @@ struct Finding {
   std::string attribute;
   std::optional<TextPosition> position;  // within the frame, or the file when there is no frame
   std::string howFar = "";               // of what is shown approximately: by how much
+  std::string series = "";               // where frames are files of their own: what they are of
 };
 
 // The same finding wherever it comes: what differs between places is told of the first.
@@ -54,6 +55,8 @@ class Report {
   std::size_t count(Severity severity) const;
   // Findings beyond the bound on what is told.
   std::size_t leftOut() const { return leftOut_[0] + leftOut_[1] + leftOut_[2]; }
+  // All that was added but notes, wherever it was.
+  std::size_t mistakes() const { return mistakes_; }
   // Nothing that changes the exit status.
   bool isClean() const { return count(Severity::Error) + count(Severity::Warning) == 0; }
 
@@ -61,6 +64,7 @@ class Report {
   std::vector<FindingGroup> groups_;
   std::map<std::string, std::size_t> indexes_;
   std::array<std::size_t, 3> leftOut_{};  // by severity
+  std::size_t mistakes_ = 0;
 };
 
 // "1-4, 7": ascending numbers, runs joined.

@@ -15,7 +15,6 @@ namespace {
 
 using namespace quellaro;
 
-constexpr std::string_view kNamespace = "http://www.w3.org/2000/svg";
 // What the engine takes for a side that is missing.
 constexpr double kDefaultSide = 100;
 
@@ -64,7 +63,9 @@ void checkRoot(const CheckedElement& element, FrameFindings& findings) {
   if (size.width != size.height && canBeShown(size))
     findings.inElement(FindingId::NotSquare, element, "a frame that is not square");
   const XMLAttribute* const viewBox = attributeNamed(element, "viewBox");
-  if (viewBox != nullptr && !isWholeFrame(viewBox->value, size))
+  // With the size that is missing, and has been told of, viewBox may well be what it should.
+  const bool hasSize = attributeNamed(element, "width") != nullptr || attributeNamed(element, "height") != nullptr;
+  if (viewBox != nullptr && hasSize && !isWholeFrame(viewBox->value, size))
     findings.inAttribute(FindingId::ViewBox, element, *viewBox);
 }
 

@@ -1,7 +1,10 @@
 #include <unistd.h>
 
+#include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include "check/output.h"
 
@@ -87,6 +90,45 @@ std::string factsText(const CueFacts& facts) {
   return text;
 }
 
+std::string decibels(double value, const char* unit) {
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), "%.1f %s", value, unit);
+  return text.data();
+}
+
+std::string soundText(const SoundFacts& sound) {
+  std::string text;
+  const auto add = [&](const std::string& fact) { text += (text.empty() ? "sound: " : ", ") + fact; };
+  add(secondsText(sound.seconds));
+  if (sound.loudness) add(decibels(*sound.loudness, "LUFS"));
+  if (sound.truePeak) add("true peak " + decibels(*sound.truePeak, "dB"));
+  if (sound.firstHeard) add("first heard after " + std::to_string(std::lround(*sound.firstHeard * 1000)) + " ms");
+  return text + "\n";
+}
+
+std::string distanceText(const std::vector<double>& moments, double moment, const char* name) {
+  if (moments.empty()) return "";
+  const auto distance = std::lround((nearestOf(moments, moment) - moment) * 1000);
+  if (distance == 0) return std::string(", ") + name + " with it";
+  return std::string(", ") + name + " " + std::to_string(std::labs(distance)) + " ms " +
+         (distance > 0 ? "later" : "earlier");
+}
+
+// What is felt, or else what is heard, and how far off the rest is.
+std::string momentsText(const Moments& moments) {
+  constexpr std::size_t kMost = 12;
+  const bool isFelt = !moments.taps.empty();
+  const std::vector<double>& leading = isFelt ? moments.taps : moments.sounds;
+  std::string text;
+  for (std::size_t i = 0; i < leading.size() && i < kMost; ++i) {
+    const std::string distances = (isFelt ? distanceText(moments.sounds, leading[i], "sound") : "") +
+                                  distanceText(moments.pictures, leading[i], "picture");
+    if (!distances.empty()) text += (isFelt ? "tap at " : "sound at ") + secondsText(leading[i]) + distances + "\n";
+  }
+  if (!text.empty() && leading.size() > kMost) text += std::to_string(leading.size() - kMost) + " more\n";
+  return text;
+}
+
 }  // namespace
 
 bool wantsColor() {
@@ -113,6 +155,8 @@ std::string findingsText(const Report& report, bool withColor) {
 std::string reportText(const std::string& source, const Report& report, const CueFacts& facts, bool withColor) {
   Writer writer(withColor);
   writer.write(findingsText(report, withColor));
+  if (facts.sound) writer.write(soundText(*facts.sound));
+  writer.write(momentsText(facts.moments));
   writer.write(source + ": ");
   const std::size_t errors = report.count(Severity::Error);
   const std::size_t warnings = report.count(Severity::Warning);

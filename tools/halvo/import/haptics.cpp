@@ -12,7 +12,8 @@ Importing<HapticPart> readHaptics(const std::string& file, Report& report) {
   auto pattern = FileManager::readAtPath(file);
   if (!pattern) return refusal(file, pattern.error().localizedDescription);
   Report found;
-  HapticPart part{std::move(*pattern), checkHaptics(file, true, found)};
+  const auto felt = checkHaptics(file, true, found);
+  HapticPart part{std::move(*pattern), felt ? std::optional(felt->duration()) : std::nullopt};
   for (const FindingGroup* const group : found.groups()) {
     Finding finding = group->first;
     if (kindOf(finding.id).severity == Severity::Error) return refusal(file, finding.what);

@@ -5,7 +5,7 @@
 
 #include "check/cue.h"
 #include "import/frames.h"
-#include "import/loudness.h"
+#include "sound/loudness.h"
 
 namespace halvo {
 

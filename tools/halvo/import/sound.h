@@ -3,9 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "import/loudness.h"
 #include "import/refusal.h"
 #include "import/sound_input.h"
+#include "sound/loudness.h"
 
 namespace halvo {
 

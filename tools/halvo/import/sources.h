@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "import/refusal.h"
@@ -11,8 +10,5 @@ namespace halvo {
 // The files that become frames, in playing order: those that were named, and in place of a folder its .svg and .svgz
 // files in natural order. Nothing hidden, and nothing of a folder's folders.
 Importing<std::vector<std::string>> listSources(const std::vector<std::string>& named);
-
-// Less, equal or greater than 0, as people count: "frame2" before "frame10", whatever the case of letters.
-int compareNaturally(std::string_view a, std::string_view b);
 
 }  // namespace halvo

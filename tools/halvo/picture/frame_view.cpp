@@ -21,6 +21,12 @@ std::shared_ptr<QLHalvoView> makeView(Size size, QLHalvoBackground background) {
   return view;
 }
 
+std::shared_ptr<QLHalvoView> makeClearView(Size size) {
+  auto view = makeView(size, QLHalvoBackground::black);
+  view->backgroundView()->setBackgroundColor(std::nullopt);
+  return view;
+}
+
 void showFrame(const QLHalvoView& view, const std::shared_ptr<const SVGDocument>& frame) {
   view.animtionView()->setSvgDocument(frame);
   view.animtionView()->showLayer(frame ? frame->makeLayer() : nullptr);

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <system_error>
-#include <vector>
 
 namespace halvo {
 
@@ -20,8 +19,9 @@ bool isOpaque(const Bitmap& bitmap) {
   return std::all_of(bitmap.pixels.begin(), bitmap.pixels.end(), [](std::uint32_t p) { return p >> 24 == 255; });
 }
 
-// Red, green, blue and, unless all is opaque, alpha; not multiplied, as PNG wants them.
-std::vector<std::uint8_t> bytesOf(const Bitmap& bitmap, bool opaque) {
+}  // namespace
+
+std::vector<std::uint8_t> straightBytes(const Bitmap& bitmap, bool withAlpha) {
   std::vector<std::uint8_t> bytes;
   bytes.reserve(bitmap.pixels.size() * 4);
   for (const std::uint32_t pixel : bitmap.pixels) {
@@ -30,16 +30,14 @@ std::vector<std::uint8_t> bytesOf(const Bitmap& bitmap, bool opaque) {
       const std::uint32_t component = pixel >> shift & 255;
       bytes.push_back(static_cast<std::uint8_t>(alpha == 0 ? 0 : (component * 255 + alpha / 2) / alpha));
     }
-    if (!opaque) bytes.push_back(static_cast<std::uint8_t>(alpha));
+    if (withAlpha) bytes.push_back(static_cast<std::uint8_t>(alpha));
   }
   return bytes;
 }
 
-}  // namespace
-
 std::optional<NSError> writePng(const Bitmap& bitmap, const std::string& path) {
   const bool opaque = isOpaque(bitmap);
-  const std::vector<std::uint8_t> bytes = bytesOf(bitmap, opaque);
+  const std::vector<std::uint8_t> bytes = straightBytes(bitmap, !opaque);
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   image.width = static_cast<png_uint_32>(bitmap.width);

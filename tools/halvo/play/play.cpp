@@ -3,16 +3,21 @@
 #include <optional>
 #include <string>
 
+#include "assets/halvo_file_manager.h"
+#include "check/cue.h"
+#include "check/output.h"
 #include "commands.h"
 #include "controller/halvo_controller.h"
 #include "options.h"
 #include "platform/dispatch/main_queue.h"
+#include "platform/foundation/console.h"
 #include "platform/foundation/json/json_decoder.h"
 #include "platform/foundation/storage/file_manager.h"
 #include "play/cue_folder.h"
 #include "play/devices.h"
 #include "play/host_options.h"
 #include "play/stage.h"
+#include "types/cue_name.h"
 
 namespace halvo {
 
@@ -92,6 +97,7 @@ class PlaySession {
       controller_->prepare(options_.type, options_.name, options_.environment, options_.merchant, options_.haptics,
                            completion);
     });
+    if (prepared && !isFine(*prepared)) explain();
     std::optional<QLHalvoStatus> last = prepared;
     for (std::int64_t i = 0; last && i < options_.times; ++i) {
       if (options_.settle) settle();
@@ -104,11 +110,26 @@ class PlaySession {
                                        : "nothing is left that could bring an answer");
     if (options_.settle) settle();
     if (!isRecorded) return kExitFailure;
-    const bool isFine = *last == QLHalvoStatus::success || *last == QLHalvoStatus::successWithFallback;
-    return isFine ? kExitFine : kExitFailure;
+    return isFine(*last) ? kExitFine : kExitFailure;
   }
 
  private:
+  static bool isFine(QLHalvoStatus code) {
+    return code == QLHalvoStatus::success || code == QLHalvoStatus::successWithFallback;
+  }
+
+  // Why a prepare has failed, in the checker's words: the file and the worst that is wrong.
+  void explain() const {
+    const std::string directory = HalvoFileManager::assetsDirectoryPath(normalisedCueName(options_.name));
+    Report report;
+    checkSource(directory, report, {});
+    // The checker has silenced the library.
+    setConsoleSink({});
+    if (report.count(Severity::Error) == 0) return;
+    const Finding& first = report.groups().front()->first;
+    tell(directory + "/" + placeOf(first) + ": " + first.what);
+  }
+
   // Starts an operation and runs the main queue until it answers; nothing when no answer can come any more, or nobody
   // is there to see it.
   template <class Start>
@@ -187,7 +208,7 @@ int play(int argc, char** argv) {
     folder = std::move(*opened);
     options.name = CueFolder::kCueName;
   } else if (FileManager::directoryExistsAtPath(options.cue)) {
-    std::fprintf(stderr, "halvo play: this plays a cue by its name; the directory is ./%s\n", options.cue.c_str());
+    tell("this plays a cue by its name; 'halvo play ./" + options.cue + "' plays the directory that lies here");
   }
   useDevices(options.devices);
   return PlaySession(std::move(options)).run();

@@ -32,10 +32,12 @@ int sheet(int argc, char** argv) {
 
   // What the engine says about a frame would come once for each time it is drawn.
   quellaro::setConsoleSink([](std::string_view) {});
-  const auto source = readSheetSource(parsed.positional[0]);
+  auto source = readSheetSource(parsed.positional[0]);
   if (!source) return failure(source.error().localizedDescription);
-  const SheetLayout layout = layOut(source->frames.size(), source->duration() > 0, source->times.has_value(),
-                                    source->sound.has_value(), source->haptics.has_value());
+  source->moments = momentsOf(*source);
+  const SheetLayout layout =
+      layOut(source->frames.size(), source->duration() > 0, source->times.has_value(), source->sound.has_value(),
+             source->haptics.has_value(), !source->moments.areEmpty());
   for (const std::string& note : source->notes) tell(note);
   if (layout.step > 1)
     tell(std::to_string(source->frames.size()) + " frames are many: one in " + std::to_string(layout.step) +

@@ -31,6 +31,7 @@ Bitmap SheetDrawing::draw() {
   drawAxis();
   drawSound();
   drawHaptics();
+  drawMoments();
   page_.flush(compositor_, sheet_);
   drawThumbnails();
   drawFilm();

@@ -42,6 +42,7 @@ class SheetDrawing {
   void drawFilm();
   void drawSound();
   void drawHaptics();
+  void drawMoments();
   void drawLane(const SheetLayout::Lane& lane, std::string_view name);
   CurveLane curveLane(const SheetLayout::Lane& lane) const;
   double columnOf(double seconds) const;

@@ -25,6 +25,7 @@ constexpr double kAxisHeight = 26;
 constexpr double kFilmHeight = 64;
 constexpr double kSoundHeight = 120;
 constexpr double kHapticsHeight = 72;
+constexpr double kMomentsHeight = 48;
 constexpr double kLaneGap = 26;  // has the name of the lane below it
 constexpr double kAxisOverlap = 4;
 
@@ -56,7 +57,7 @@ double SheetLayout::cellTop(std::size_t thumbnail) const {
   return gridTop + static_cast<double>(row) * (side + kLabelRoom + kGap);
 }
 
-SheetLayout layOut(std::size_t frames, bool isTimed, bool hasFilm, bool hasSound, bool hasHaptics) {
+SheetLayout layOut(std::size_t frames, bool isTimed, bool hasFilm, bool hasSound, bool hasHaptics, bool hasMoments) {
   SheetLayout layout;
   layout.left = kMargin;
   layout.gridTop = kMargin + kHeaderRoom;
@@ -79,6 +80,7 @@ SheetLayout layOut(std::size_t frames, bool isTimed, bool hasFilm, bool hasSound
       lane = {bottom + kLaneGap, height};
       bottom = lane.bottom();
     };
+    if (hasMoments) place(layout.moments, kMomentsHeight);
     if (hasFilm) place(layout.film, kFilmHeight);
     if (hasSound) place(layout.sound, kSoundHeight);
     if (hasHaptics) place(layout.haptics, kHapticsHeight);

@@ -26,7 +26,7 @@ struct SheetLayout {
     double height = 0;
     double bottom() const { return top + height; }
   };
-  Lane axis, film, sound, haptics;
+  Lane axis, moments, film, sound, haptics;
 
   double cellLeft(std::size_t thumbnail) const;
   double cellTop(std::size_t thumbnail) const;
@@ -36,6 +36,6 @@ inline constexpr double kMargin = 28;
 inline constexpr double kTitleHeight = 13;
 
 // `isTimed`: whether there is a time axis at all.
-SheetLayout layOut(std::size_t frames, bool isTimed, bool hasFilm, bool hasSound, bool hasHaptics);
+SheetLayout layOut(std::size_t frames, bool isTimed, bool hasFilm, bool hasSound, bool hasHaptics, bool hasMoments);
 
 }  // namespace halvo

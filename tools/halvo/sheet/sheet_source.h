@@ -4,21 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "picture/frame_times.h"
+#include "picture/moments.h"
 #include "platform/corehaptics/haptic_curve.h"
 #include "platform/foundation/error.h"
 #include "sheet/waveform.h"
 
 namespace halvo {
-
-// When the frames of a cue are on screen, in seconds from the start of the play.
-struct FrameTimes {
-  // Absent for a frame that never comes up, because the one before it has no time.
-  std::vector<std::optional<double>> starts;
-  double end = 0;
-
-  // The index of the frame that is seen at that time; nothing before the first one.
-  std::optional<std::size_t> frameAt(double seconds) const;
-};
 
 // What a contact sheet shows.
 struct SheetSource {
@@ -29,6 +21,7 @@ struct SheetSource {
   bool expectsHaptics = false;                   // says the configuration: only then they are read
   double soundStart = 0;                         // seconds from the start of the play
   std::optional<quellaro::HapticCurve> haptics;  // felt from the start of the play
+  Moments moments;                               // once they have been looked for
   std::vector<std::string> notes;                // what could not be shown, and why
 
   // Seconds that the time axis needs; 0 when there is no time to show.
@@ -38,5 +31,8 @@ struct SheetSource {
 // From a cue directory, an animation.json (with what lies beside it) or an SVG document. Fails when there is no frame
 // to show; anything else that is missing or unreadable becomes a note.
 quellaro::Result<SheetSource> readSheetSource(const std::string& path);
+
+// Looks at every frame.
+Moments momentsOf(const SheetSource& source);
 
 }  // namespace halvo

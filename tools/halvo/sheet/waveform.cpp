@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "platform/avfoundation/mp3_decoder.h"
+#include "sound/onsets.h"
 
 namespace halvo {
 
@@ -76,14 +77,17 @@ Result<Waveform> readWaveform(const std::string& path, double seconds) {
   std::vector<float> samples(std::size_t{4096} * format.channels);
   Waveform waveform;
   StepWriter writer(waveform, format);
+  OnsetListener listener(format);
   while (!waveform.isCut) {
     const auto read = (*decoder)->read(samples);
     if (!read && waveform.steps.empty()) return read.error();
     if (!read || *read == 0) break;
     writer.add(std::span(samples).first(*read));
+    listener.add(std::span(samples).first(*read));
     waveform.isCut = waveform.duration() >= seconds;
   }
   writer.finishStep();
+  waveform.onsets = listener.onsets();
   return waveform;
 }
 

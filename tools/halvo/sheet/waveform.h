@@ -20,6 +20,7 @@ struct Waveform {
   std::vector<Step> steps;
   // Where the sound goes on, but reading it stopped, to keep the picture within reason.
   bool isCut = false;
+  std::vector<double> onsets;  // seconds: where something begins to sound
 
   double duration() const { return static_cast<double>(steps.size()) * kStep; }
   // The steps from `start` to `end` seconds taken together.

@@ -32,12 +32,16 @@ Result<CueFiles> readFiles(const std::string& directory) {
 }  // namespace
 
 // Read twice, so that what is published and what is checked do not take memory at the same time.
-Result<CueFiles> readPlayableCue(const std::string& directory) {
+Result<PlayableCue> readPlayableCue(const std::string& directory) {
   if (const auto files = readFiles(directory); !files) return files.error();
   Report report;
   checkSource(directory, report, {});
   // The most severe is the first.
-  if (report.count(Severity::Error) == 0) return readFiles(directory);
+  if (report.count(Severity::Error) == 0) {
+    Result<CueFiles> files = readFiles(directory);
+    if (!files) return files.error();
+    return PlayableCue{std::move(*files), report.count(Severity::Warning)};
+  }
   const Finding& first = report.groups().front()->first;
   return errorIn(directory + "/" + placeOf(first), first.what);
 }

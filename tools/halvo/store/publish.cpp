@@ -29,15 +29,19 @@ Progress reportOnStandardError() {
 
 int run(const std::string& cueDirectory, const std::string& store, const Publication& publication,
         const ChangeOptions& options) {
-  const Result<CueFiles> files = readPlayableCue(cueDirectory);
-  if (!files) return failure("not published: " + files.error().localizedDescription);
-  const Result<Change> change = publishIntoStore(store, publication, *files, options, reportOnStandardError());
+  const Result<PlayableCue> cue = readPlayableCue(cueDirectory);
+  if (!cue) return failure("not published: " + cue.error().localizedDescription);
+  const Result<Change> change = publishIntoStore(store, publication, cue->files, options, reportOnStandardError());
   if (!change) return failure("not published: " + change.error().localizedDescription);
   std::printf("%s version %s of %s for library version %s at %s%s\n", options.dryRun ? "would publish" : "published",
               publication.version.c_str(), publication.cue.c_str(), joined(publication.sdkVersions).c_str(),
               change->path.c_str(), change->isCopied ? "" : ", which is there already");
   if (change->wasSigned && !change->isSigned)
     tell("this version is not signed, and the one before was: devices that know a public key stay with what they have");
+  std::fflush(stdout);
+  if (cue->warnings > 0)
+    tell(std::to_string(cue->warnings) + (cue->warnings == 1 ? " warning" : " warnings") + ": 'halvo check " +
+         cueDirectory + "' tells");
   if (!options.dryRun) tellHowToUpload(store);
   return kExitFine;
 }
