@@ -21,9 +21,9 @@ class FillSink {
   }
   void line(CGPoint to) {
     if constexpr (kClipped)
-      rasterizer_.clippedEdge(run_, current_, to);
+      rasterizer_.clippedEdge(current_, to);
     else
-      rasterizer_.edge(run_, current_, to);
+      rasterizer_.edge(current_, to);
     current_ = to;
   }
   void cubic(CGPoint control1, CGPoint control2, CGPoint to) {
@@ -37,14 +37,13 @@ class FillSink {
   }
   void close() {
     if (current_ != start_) line(start_);
-    rasterizer_.finish(run_, true);
+    rasterizer_.endContour();
   }
 
  private:
   static constexpr double kTolerance = kFlatness * kSubpixels;
 
   Rasterizer& rasterizer_;
-  Rasterizer::Run run_;
   Box area_;
   CGPoint start_;
   CGPoint current_;

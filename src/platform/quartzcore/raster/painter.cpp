@@ -104,7 +104,7 @@ void Painter::stroke(const Surface& surface, const CGPath& path, const Affine& t
   if (!box || !(lineWidth > 0)) return;
   const double width = widthThatShows(lineWidth, *box, visibleBox(transform, {0, 0, surface.width, surface.height}));
   paint(surface, map(transform, box->grown(StrokeSink::reach(width))), false, color, [&](const PixelRect& area) {
-    StrokeSink sink(rasterizer_, toArea(transform, area), width, visibleBox(transform, area));
+    StrokeSink sink(rasterizer_, toArea(transform, area), width, visibleBox(transform, area), buffer_);
     walkOutline(path, Affine{}, sink);
     sink.finish();
   });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "platform/coregraphics/path.h"
 #include "platform/quartzcore/bitmap.h"
 #include "platform/quartzcore/raster/rasterizer.h"
@@ -22,6 +24,7 @@ class Painter {
 
   const SpanFunctions* spans_;
   Rasterizer rasterizer_;
+  std::vector<CGPoint> buffer_;
 };
 
 }  // namespace quellaro

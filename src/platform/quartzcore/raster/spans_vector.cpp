@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/foundation/memory/processor.h"
 #include "platform/quartzcore/raster/spans.h"
 #include "platform/quartzcore/raster/sweep_row.h"
 
@@ -127,25 +126,8 @@ class VectorBlender {
 
 constexpr SpanFunctions kVector{sweepRowWith<VectorBlender>};
 
-#if defined(__x86_64__)
-// The same code once more with wider stores and three-operand instructions, for processors that have them. Everything
-// is inlined, so that nothing made for those processors can be called on others.
-__attribute__((target("avx2"), flatten)) void sweepRowAvx2(const SweepRow& row, const Paint& paint, std::uint32_t sum) {
-  sweepRowWith<VectorBlender>(row, paint, sum);
-}
-
-constexpr SpanFunctions kAvx2{sweepRowAvx2};
-#endif
-
 }  // namespace
 
 const SpanFunctions& vectorSpans() { return kVector; }
-
-const SpanFunctions& fastestSpans() {
-#if defined(__x86_64__)
-  if (hasAvx2AndBmi()) return kAvx2;
-#endif
-  return kVector;
-}
 
 }  // namespace quellaro

@@ -7,16 +7,19 @@
 
 namespace quellaro {
 
-// The first block in [from, end) whose bit is `value`, or end.
-inline std::size_t findBlock(const std::uint64_t* touched, std::size_t from, std::size_t end, bool value) {
-  const std::uint64_t flip = value ? 0 : ~std::uint64_t{0};
-  while (from < end) {
-    const std::uint64_t word = (touched[from / kWordBits] ^ flip) >> from % kWordBits;
-    if (word != 0) return std::min(end, from + static_cast<std::size_t>(std::countr_zero(word)));
-    from = (from / kWordBits + 1) * kWordBits;
+// Takes the marks of a row, word by word, and gives a bit for each cell that is not zero.
+class MarkedCells {
+ public:
+  std::uint64_t next(std::uint64_t down, std::uint64_t up) {
+    const std::uint64_t crossed = down | up;
+    const std::uint64_t marked = crossed | crossed << 1 | carry_;
+    carry_ = crossed >> (kWordBits - 1);
+    return marked;
   }
-  return end;
-}
+
+ private:
+  std::uint64_t carry_ = 0;
+};
 
 // SpanFunctions::sweepRow over a blender, which is made of a paint and has
 //   void constant(std::uint32_t* pixels, std::size_t count, std::uint32_t coverage)
@@ -27,22 +30,36 @@ inline std::size_t findBlock(const std::uint64_t* touched, std::size_t from, std
 //     `count`) to zero and returns the sum after the last.
 template <class Blender>
 void sweepRowWith(const SweepRow& row, const Paint& paint, std::uint32_t sum) {
+  static_assert(kBlockPixels == 4);
+  constexpr std::uint64_t kFirstOfBlock = 0x1111111111111111;
   const Blender blender(paint);
-  std::size_t block = 0;
-  while (block < row.blocks) {
-    const std::size_t edge = findBlock(row.touched, block, row.blocks, true);
-    const std::size_t gapStart = block * kBlockPixels;
-    const std::size_t gapEnd = std::min(edge * kBlockPixels, row.width);
+  MarkedCells marked;
+  std::size_t done = 0;
+  const auto fillUpTo = [&](std::size_t end) {
     const std::uint32_t cover = coverage(sum);
-    if (cover > 0 && gapStart < gapEnd) blender.constant(row.pixels + gapStart, gapEnd - gapStart, cover);
-    if (edge == row.blocks) break;
-    block = findBlock(row.touched, edge, row.blocks, false);
-    const std::size_t start = edge * kBlockPixels;
-    const std::size_t end = block * kBlockPixels;
-    const std::size_t shown = start < row.width ? std::min(end, row.width) - start : 0;
-    sum = blender.cells(row.pixels + start, shown, row.cells + start, end - start, sum);
+    if (cover > 0 && done < end) blender.constant(row.pixels + done, end - done, cover);
+  };
+  for (std::size_t word = 0; word < row.markPairs; ++word) {
+    std::uint64_t* const marks = row.marks + 2 * word;
+    const std::uint64_t cells = marked.next(marks[0], marks[1]);
+    if (cells == 0) continue;
+    marks[0] = marks[1] = 0;
+    // All bits of the blocks that have a cell.
+    std::uint64_t blocks = ((cells | cells >> 1 | cells >> 2 | cells >> 3) & kFirstOfBlock) * 15;
+    while (blocks != 0) {
+      const int first = std::countr_zero(blocks);
+      const int count = std::countr_one(blocks >> first);
+      const std::size_t start = word * kWordBits + static_cast<std::size_t>(first);
+      const std::size_t end = start + static_cast<std::size_t>(count);
+      fillUpTo(std::min(start, row.width));
+      const std::size_t shown = start < row.width ? std::min(end, row.width) - start : 0;
+      sum = blender.cells(row.pixels + start, shown, row.cells + start, end - start, sum);
+      done = end;
+      if (end % kWordBits == 0) break;
+      blocks &= ~std::uint64_t{0} << end % kWordBits;
+    }
   }
-  for (std::size_t i = 0; i < (row.blocks + kWordBits - 1) / kWordBits; ++i) row.touched[i] = 0;
+  fillUpTo(row.width);
 }
 
 }  // namespace quellaro
