@@ -52,7 +52,8 @@ void Rasterizer::begin(const PixelRect& area, bool simple) {
 }
 
 void Rasterizer::clippedEdge(CGPoint from, CGPoint to) {
-  if (from.y == to.y || (from.x > right_ && to.x > right_)) return;
+  if (isWithin(from) && isWithin(to)) return edge(from, to);
+  if (from.y == to.y || (from.x >= right_ && to.x >= right_)) return;
   if ((from.y <= 0 && to.y <= 0) || (from.y >= bottom_ && to.y >= bottom_)) return;
   if (from.x <= 0 && to.x <= 0) return addLeftOfArea(fixedY(from.y), fixedY(to.y));
   const double slope = (to.x - from.x) / (to.y - from.y);

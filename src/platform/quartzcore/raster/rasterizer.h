@@ -83,6 +83,7 @@ class Rasterizer {
     row.marks += 2 * markPairs_;
     ++row.seen;
   }
+  bool isWithin(CGPoint p) const { return p.x >= 0 && p.x < right_ && p.y >= 0 && p.y <= bottom_; }
   static int fixed(double positive) { return static_cast<int>(positive + 0.5); }
   int fixedX(double x) const { return fixed(std::min(right_, std::max(0.0, x))); }
   int fixedY(double y) const { return fixed(std::min(bottom_, std::max(0.0, y))); }

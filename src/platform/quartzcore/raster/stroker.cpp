@@ -72,13 +72,17 @@ void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
       corner = Corner::WithinCurve;
     }
   }
-  emitVisibleChords(
-      Cubic{current_, control1, control2, to}, tolerance_, [this](const Box& box) { return box.overlaps(visible_); },
-      [&](CGPoint end) {
-        if (end == current_) return;
-        segmentTo(end, corner);
-        corner = Corner::WithinCurve;
-      });
+  const auto shows = [this](const Box& box) { return box.overlaps(visible_); };
+  const auto emit = [&](CGPoint end) {
+    if (end == current_) return;
+    segmentTo(end, corner);
+    corner = Corner::WithinCurve;
+  };
+  const Cubic curve{current_, control1, control2, to};
+  if (shows(curve.box()))
+    emitVisibleChords(curve, tolerance_, shows, emit);
+  else
+    emit(to);
   if (const CGPoint tangent = firstWay({to - control2, to - control1, to - begin}, tolerance_); !isZero(tangent))
     endTangent_ = unit(tangent);
 }
