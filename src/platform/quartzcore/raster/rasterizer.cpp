@@ -24,14 +24,6 @@ std::uint64_t bitsWithin(std::size_t word, std::size_t first, std::size_t last) 
   return first <= last ? bitsOf(first, last) : 0;
 }
 
-// Twice the area that an edge covers within its pixel, and what is left of the full width, as unsigned numbers: sums
-// may wrap around on their way.
-void addCell(std::uint32_t* cell, int cover, int doubleX) {
-  const int right = cover * doubleX;
-  cell[0] += static_cast<std::uint32_t>(cover * 2 * kSubpixels - right);
-  cell[1] += static_cast<std::uint32_t>(right);
-}
-
 }  // namespace
 
 void Rasterizer::begin(const PixelRect& area, bool simple) {
@@ -192,26 +184,36 @@ void Rasterizer::addAtLeftEnd(const FixedEdge& edge) {
   if (!isUp) addPart(endWhole << kSubpixelBits, end);
 }
 
-// `coverPerSubpixel` may be rounded a little differently than cover / |x1 - x0|; the last cell takes what is left.
+// To each cell comes twice the area that the edge covers within its pixel, and to the next one what is left of the full
+// width; as unsigned numbers, because sums may wrap around on their way. `coverPerSubpixel` may be rounded a little
+// differently than cover / |x1 - x0|; the last cell takes what is left.
 inline Rasterizer::Columns Rasterizer::addWithinRow(std::uint32_t* cells, int x0, int x1, int cover,
                                                     double coverPerSubpixel) {
+  constexpr int kWidth = 2 * kSubpixels;
   if (x0 > x1) std::swap(x0, x1);
   const auto first = static_cast<std::size_t>(x0 >> kSubpixelBits);
   const auto last = static_cast<std::size_t>(x1 >> kSubpixelBits);
   if (first == last) {
-    addCell(cells + first, cover, (x0 & kFraction) + (x1 & kFraction));
+    const int next = cover * ((x0 & kFraction) + (x1 & kFraction));
+    cells[first] += static_cast<std::uint32_t>(cover * kWidth - next);
+    cells[first + 1] += static_cast<std::uint32_t>(next);
     return {first, last};
   }
   double reached = coverPerSubpixel * (kSubpixels - (x0 & kFraction));
   int done = static_cast<int>(reached);
-  addCell(cells + first, done, (x0 & kFraction) + kSubpixels);
+  int next = done * ((x0 & kFraction) + kSubpixels);
+  cells[first] += static_cast<std::uint32_t>(done * kWidth - next);
   for (std::size_t column = first + 1; column < last; ++column) {
     reached += coverPerSubpixel * kSubpixels;
     const int now = static_cast<int>(reached);
-    addCell(cells + column, now - done, kSubpixels);
+    const int half = (now - done) * kSubpixels;
+    cells[column] += static_cast<std::uint32_t>(next + half);
+    next = half;
     done = now;
   }
-  addCell(cells + last, cover - done, x1 & kFraction);
+  const int rest = (cover - done) * (x1 & kFraction);
+  cells[last] += static_cast<std::uint32_t>(next + (cover - done) * kWidth - rest);
+  cells[last + 1] += static_cast<std::uint32_t>(rest);
   return {first, last};
 }
 
