@@ -12,7 +12,11 @@ struct RowBuffers {
   std::vector<std::uint64_t> marks;
   bool operator==(const RowBuffers&) const = default;
 
-  SweepRow row(std::size_t width) { return {pixels.data(), width, cells.data(), marks.data(), marks.size() / 2}; }
+  void sweep(const SpanFunctions& spans, std::size_t width, const Paint& paint, std::int32_t winding) {
+    spans.sweep(
+        {pixels.data(), pixels.size(), width, 1, cells.data(), cells.size(), marks.data(), marks.size() / 2, &winding},
+        paint);
+  }
 };
 
 TEST(Spans, EverySetSweepsARowLikeTheScalarOne) {
@@ -35,12 +39,12 @@ TEST(Spans, EverySetSweepsARowLikeTheScalarOne) {
     }
     const std::uint32_t alpha = below(3) == 0 ? 255 : below(256);
     const Paint paint{alpha << 24 | below(alpha + 1) << 16 | below(alpha + 1) << 8 | below(alpha + 1)};
-    const std::uint32_t sum = (below(5) - 2) * kFullCover;
+    const auto winding = static_cast<std::int32_t>(below(5)) - 2;
     RowBuffers expected = start;
-    scalarSpans().sweepRow(expected.row(width), paint, sum);
+    expected.sweep(scalarSpans(), width, paint, winding);
     for (const SpanFunctions* fast : {&vectorSpans(), &fastestSpans()}) {
       RowBuffers actual = start;
-      fast->sweepRow(actual.row(width), paint, sum);
+      actual.sweep(*fast, width, paint, winding);
       ASSERT_EQ(actual, expected) << "round " << round;
     }
     EXPECT_EQ(expected.cells, std::vector<std::uint32_t>(expected.cells.size()));

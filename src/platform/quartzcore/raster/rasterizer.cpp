@@ -270,18 +270,18 @@ void Rasterizer::replaceRow(std::size_t y, std::span<const RowWinding::Side> sid
 }
 
 void Rasterizer::sweep(const Surface& surface, const Paint& paint, const SpanFunctions& spans) {
-  const auto width = static_cast<std::size_t>(area_.width());
   if (anythingSeen_) resolveMeetings();
+  const auto rows = static_cast<std::size_t>(area_.height());
   std::int32_t left = 0;
-  Row row = rowAt(0);
-  for (int y = 0; y < area_.height(); ++y, advance(row)) {
-    left += std::exchange(leftCover_[static_cast<std::size_t>(y)], 0);
-    const bool replaced = (std::exchange(*row.seen, 0) & kOverlaps) != 0;
-    spans.sweepRow({surface.row(area_.top + y) + area_.left, width, row.cells, row.marks, markPairs_}, paint,
-                   replaced ? 0 : static_cast<std::uint32_t>(left) * kFullCover);
+  for (std::size_t y = 0; y < rows; ++y) {
+    left += leftCover_[y];
+    leftCover_[y] = (std::exchange(seen_[y], 0) & kOverlaps) != 0 ? 0 : left;
   }
+  spans.sweep({surface.row(area_.top) + area_.left, surface.stride, static_cast<std::size_t>(area_.width()), rows,
+               cells_.data(), stride_, marks_.data(), markPairs_, leftCover_.data()},
+              paint);
+  std::fill_n(leftCover_.begin(), rows + 1, 0);
   anythingSeen_ = false;
-  leftCover_[static_cast<std::size_t>(area_.height())] = 0;
 }
 
 }  // namespace quellaro

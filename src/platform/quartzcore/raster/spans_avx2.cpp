@@ -13,34 +13,34 @@ namespace quellaro {
 
 namespace {
 
-// Four pixels at a time, all their components side by side in 16-bit halves. Everything is inlined into sweepRowAvx2,
+// Four pixels at a time, all their components side by side in 16-bit halves. Everything is inlined into sweepAvx2,
 // so that nothing made for these processors can be called on others.
 class Avx2Blender {
  public:
   QUELLARO_AVX2 explicit Avx2Blender(const Paint& paint)
       : opaque_(paint.alpha() == 255),
         color_(_mm256_set1_epi32(static_cast<int>(paint.color))),
-        components_(_mm256_cvtepu8_epi16(_mm256_castsi256_si128(color_))) {}
+        components_(_mm256_cvtepu8_epi16(_mm256_castsi256_si128(color_))),
+        before_(_mm_setzero_si128()) {}
 
-  QUELLARO_AVX2 void constant(std::uint32_t* pixels, std::size_t count, std::uint32_t cover) const {
+  QUELLARO_AVX2 void begin(std::uint32_t sum) { before_ = _mm_set1_epi32(static_cast<int>(sum)); }
+
+  QUELLARO_AVX2 void gap(std::uint32_t* pixels, std::size_t count) const {
+    const __m128i covers = coverages(before_);
+    const int cover = _mm_cvtsi128_si32(covers);
+    if (cover == 0) return;
     if (cover == 255 && opaque_) return fill(pixels, count);
-    const __m128i covers = _mm_set1_epi32(static_cast<int>(cover));
     for (; count >= kLanes; count -= kLanes, pixels += kLanes) store(pixels, over(load(pixels), covers));
     if (count > 0) overTail(pixels, count, covers);
   }
 
-  QUELLARO_AVX2 std::uint32_t cells(std::uint32_t* pixels, std::size_t count, std::uint32_t* cells,
-                                    std::size_t cellCount, std::uint32_t sum) const {
-    __m128i before = _mm_set1_epi32(static_cast<int>(sum));
-    std::uint32_t* const end = cells + cellCount;
-    for (; count >= kLanes; count -= kLanes, pixels += kLanes, cells += kLanes)
-      store(pixels, over(load(pixels), nextCoverages(cells, before)));
-    if (count > 0) {
-      overTail(pixels, count, nextCoverages(cells, before));
-      cells += kLanes;
-    }
-    for (; cells < end; cells += kLanes) nextCoverages(cells, before);
-    return static_cast<std::uint32_t>(_mm_cvtsi128_si32(before));
+  QUELLARO_AVX2 void blocks(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) {
+    for (std::uint32_t* const end = cells + count; cells < end; pixels += kLanes, cells += kLanes)
+      store(pixels, over(load(pixels), nextCoverages(cells)));
+  }
+
+  QUELLARO_AVX2 void lastBlock(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) {
+    overTail(pixels, count, nextCoverages(cells));
   }
 
  private:
@@ -54,13 +54,20 @@ class Avx2Blender {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), lanes);
   }
 
+  QUELLARO_AVX2 static void storeEight(std::uint32_t* to, __m256i lanes) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), lanes);
+  }
+
   // The last vector may lie on the one before it.
   QUELLARO_AVX2 void fill(std::uint32_t* pixels, std::size_t count) const {
     std::uint32_t* const end = pixels + count;
     if (count >= 2 * kLanes) {
-      for (; pixels + 2 * kLanes < end; pixels += 2 * kLanes)
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(pixels), color_);
-      _mm256_storeu_si256(reinterpret_cast<__m256i*>(end - 2 * kLanes), color_);
+      for (; pixels + 6 * kLanes < end; pixels += 4 * kLanes) {
+        storeEight(pixels, color_);
+        storeEight(pixels + 2 * kLanes, color_);
+      }
+      for (; pixels + 2 * kLanes < end; pixels += 2 * kLanes) storeEight(pixels, color_);
+      storeEight(end - 2 * kLanes, color_);
     } else if (count >= kLanes) {
       store(pixels, _mm256_castsi256_si128(color_));
       store(end - kLanes, _mm256_castsi256_si128(color_));
@@ -69,14 +76,18 @@ class Avx2Blender {
     }
   }
 
-  // Reads and clears the next cells; `before` is the running sum in every lane.
-  QUELLARO_AVX2 static __m128i nextCoverages(std::uint32_t* cells, __m128i& before) {
+  QUELLARO_AVX2 static __m128i coverages(__m128i sums) {
+    return _mm_min_epu32(_mm_srli_epi32(_mm_abs_epi32(sums), kCoverBits), _mm_set1_epi32(255));
+  }
+
+  // Reads and clears the next cells.
+  QUELLARO_AVX2 __m128i nextCoverages(std::uint32_t* cells) {
     __m128i sums = load(cells);
     store(cells, _mm_setzero_si128());
     sums = _mm_add_epi32(sums, _mm_slli_si128(sums, 4));
-    sums = _mm_add_epi32(before, _mm_add_epi32(sums, _mm_slli_si128(sums, 8)));
-    before = _mm_shuffle_epi32(sums, 0xff);
-    return _mm_min_epu32(_mm_srli_epi32(_mm_abs_epi32(sums), kCoverBits), _mm_set1_epi32(255));
+    sums = _mm_add_epi32(before_, _mm_add_epi32(sums, _mm_slli_si128(sums, 8)));
+    before_ = _mm_shuffle_epi32(sums, 0xff);
+    return coverages(sums);
   }
 
   // Rounded, exact for products of two bytes.
@@ -109,13 +120,14 @@ class Avx2Blender {
   bool opaque_;
   __m256i color_;       // in every pixel
   __m256i components_;  // of four pixels
+  __m128i before_;      // the running sum in every lane
 };
 
-QUELLARO_AVX2 __attribute__((flatten)) void sweepRowAvx2(const SweepRow& row, const Paint& paint, std::uint32_t sum) {
-  sweepRowWith<Avx2Blender>(row, paint, sum);
+QUELLARO_AVX2 __attribute__((flatten)) void sweepAvx2(const SweepArea& area, const Paint& paint) {
+  sweepWith<Avx2Blender>(area, paint);
 }
 
-constexpr SpanFunctions kAvx2{sweepRowAvx2};
+constexpr SpanFunctions kAvx2{sweepAvx2};
 
 }  // namespace
 

@@ -75,7 +75,11 @@ class VectorBlender {
         evens_(even(Pixels{} + color_)),
         odds_(odd(Pixels{} + color_)) {}
 
-  void constant(std::uint32_t* pixels, std::size_t count, std::uint32_t cover) const {
+  void begin(std::uint32_t sum) { before_ = Pixels{} + sum; }
+
+  void gap(std::uint32_t* pixels, std::size_t count) const {
+    const std::uint32_t cover = coverage(before_[0]);
+    if (cover == 0) return;
     if (cover == 255 && opaque_) {
       std::fill_n(pixels, count, color_);
       return;
@@ -86,25 +90,21 @@ class VectorBlender {
     tail.write(over(tail.read(), covers));
   }
 
-  std::uint32_t cells(std::uint32_t* pixels, std::size_t count, std::uint32_t* cells, std::size_t cellCount,
-                      std::uint32_t sum) const {
-    Pixels before = Pixels{} + sum;
-    std::uint32_t* const end = cells + cellCount;
-    for (; count >= kLanes; count -= kLanes, pixels += kLanes, cells += kLanes)
-      store(pixels, over(load(pixels), nextCoverages(cells, before)));
-    if (cells == end) return before[0];
+  void blocks(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) {
+    for (std::uint32_t* const end = cells + count; cells < end; pixels += kLanes, cells += kLanes)
+      store(pixels, over(load(pixels), nextCoverages(cells)));
+  }
+
+  void lastBlock(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) {
     const Tail tail{pixels, count};
-    tail.write(over(tail.read(), nextCoverages(cells, before)));
-    for (cells += kLanes; cells < end; cells += kLanes) nextCoverages(cells, before);
-    return before[0];
+    tail.write(over(tail.read(), nextCoverages(cells)));
   }
 
  private:
-  // Reads and clears the next cells; `before` is the running sum in every lane.
-  static Pixels nextCoverages(std::uint32_t* cells, Pixels& before) {
-    const Pixels sums = before + runningSum(load(cells));
+  Pixels nextCoverages(std::uint32_t* cells) {
+    const Pixels sums = before_ + runningSum(load(cells));
     store(cells, Pixels{});
-    before = __builtin_shufflevector(sums, sums, 3, 3, 3, 3);
+    before_ = __builtin_shufflevector(sums, sums, 3, 3, 3, 3);
     return coverages(sums);
   }
 
@@ -122,9 +122,10 @@ class VectorBlender {
   bool opaque_;
   // The paint in every lane.
   Components evens_, odds_;
+  Pixels before_{};  // the running sum in every lane
 };
 
-constexpr SpanFunctions kVector{sweepRowWith<VectorBlender>};
+constexpr SpanFunctions kVector{sweepWith<VectorBlender>};
 
 }  // namespace
 
