@@ -42,35 +42,42 @@ void Rasterizer::resolveMeetings() {
 }
 
 // Where an edge up and one down share a pixel, they enclose a thin line or a tip: unless something is enclosed left of
-// them already, or they have changed places, which shows in the sign of the sums around.
+// them already, or they have changed places, which shows in the sign of the sums around. With something left of them
+// they may be the sides of a gap; a stroke's always are, unless sums show that something is enclosed twice.
 bool Rasterizer::findOverlaps() {
   const auto rows = static_cast<std::size_t>(area_.height());
   const auto meets = [&](std::size_t y) { return y < rows && (seen_[y] & kMeets) != 0; };
-  Signs signs;
+  Sums sums;
   std::int32_t left = 0;
   for (std::size_t y = 0; y < rows; ++y) {
     left += leftCover_[y];
     if ((seen_[y] & (kMeets | kTurns | kOverlaps)) != 0 || meets(y + 1) || (y > 0 && meets(y - 1)))
-      examine(y, left, signs);
+      examine(y, left, sums);
   }
+  const bool bothSigns = sums.positive && sums.negative;
+  const bool doubts = kind_ != Outline::Stroke || bothSigns || sums.moreThanOnce;
+  const int dishonest = kOverlaps | (bothSigns ? kMeets : 0) | (doubts ? kDoubtful : 0);
   bool any = false;
   for (std::size_t y = 0; y < rows; ++y) {
-    if (signs.positive && signs.negative && meets(y)) seen_[y] |= kOverlaps;
-    any = any || (seen_[y] & kOverlaps) != 0;
+    const bool overlaps = (seen_[y] & dishonest) != 0;
+    seen_[y] = overlaps ? kOverlaps : 0;
+    any = any || overlaps;
   }
   return any;
 }
 
-void Rasterizer::examine(std::size_t y, std::int32_t left, Signs& signs) {
+void Rasterizer::examine(std::size_t y, std::int32_t left, Sums& sums) {
   const Row row = rowAt(y);
   const bool turns = (*row.seen & kTurns) != 0;
   // One chain down and one up have nothing left of them.
   const bool isPair = (*row.seen & (kSecondDown | kSecondUp)) == 0 && left == 0;
   std::uint32_t sum = static_cast<std::uint32_t>(left) * kFullCover;
-  // Of pixels in which edges follow on one another without a gap: the sum left of them, and the directions.
+  // Of pixels in which edges follow on one another without a gap: the sum left of them, the directions, and whether
+  // both share a pixel where something is enclosed.
   std::uint32_t before = 0;
   std::uint64_t directions = 0;
   std::uint64_t lastDirections = 0;
+  bool shares = false;
   MarkedCells marked;
   for (std::size_t word = 0; word < markPairs_; ++word) {
     const std::uint64_t down = row.marks[2 * word];
@@ -81,21 +88,26 @@ void Rasterizer::examine(std::size_t y, std::int32_t left, Signs& signs) {
       if (crossing != 0) {
         if (directions == 0) before = sum;
         const bool shared = crossing == 3 || (turns && directions != 0 && crossing != lastDirections);
-        if (shared && !isPair && magnitude(sum) > kRoundedSum) *row.seen |= kOverlaps;
+        shares = shares || (shared && !isPair && magnitude(sum) > kRoundedSum);
       }
       sum += row.cells[word * kWordBits + static_cast<std::size_t>(bit)];
-      if (crossing == 0) {
-        // Different at different heights on both sides of an edge, or between edges of one direction.
-        const bool isPartOnBothSides = isPart(magnitude(before)) && isPart(magnitude(sum));
+      if (crossing == 0 && directions != 0) {
         const std::int32_t step = magnitude(sum - before);
+        const bool wasPart = isPart(magnitude(before));
+        // Different at different heights on both sides of an edge, or between edges of one direction.
+        const bool isPartOnBothSides = wasPart && isPart(magnitude(sum));
         const bool isPartBetween = turns && directions != 3 && step > kFull + kRoundedSum && isPart(step);
-        if (directions != 0 && (isPartOnBothSides || isPartBetween)) *row.seen |= kOverlaps;
+        const bool isPartWithin = turns && shares && (wasPart || step > kRoundedSum);
+        if (isPartOnBothSides || isPartBetween || isPartWithin) *row.seen |= kOverlaps;
+        if (shares) *row.seen |= kDoubtful;
         directions = 0;
+        shares = false;
       }
       directions |= crossing;
       lastDirections = crossing;
-      signs.positive = signs.positive || static_cast<std::int32_t>(sum) > kRoundedSum;
-      signs.negative = signs.negative || static_cast<std::int32_t>(sum) < -kRoundedSum;
+      sums.positive = sums.positive || static_cast<std::int32_t>(sum) > kRoundedSum;
+      sums.negative = sums.negative || static_cast<std::int32_t>(sum) < -kRoundedSum;
+      sums.moreThanOnce = sums.moreThanOnce || magnitude(sum) > kFull + kRoundedSum;
     }
   }
 }

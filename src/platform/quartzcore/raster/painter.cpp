@@ -69,14 +69,15 @@ double widthThatShows(double lineWidth, const Box& outline, const Box& visible) 
 
 void Painter::fill(const CGPath& path, const Affine& transform, const CGColor& color) {
   if (const std::optional<Box> box = pointBox(path))
-    add({&path, transform, 0, isStar(path, *box), {}, {}}, map(transform, *box), color);
+    add({&path, transform, 0, isStar(path, *box) ? Outline::Simple : Outline::Any, {}, {}}, map(transform, *box),
+        color);
 }
 
 void Painter::stroke(const CGPath& path, const Affine& transform, double lineWidth, const CGColor& color) {
   const std::optional<Box> box = pointBox(path);
   if (!box || !(lineWidth > 0)) return;
   const double width = widthThatShows(lineWidth, *box, visibleBox(transform, {0, 0, surface_.width, surface_.height}));
-  add({&path, transform, width, false, {}, {}}, map(transform, box->grown(StrokeSink::reach(width))), color);
+  add({&path, transform, width, Outline::Stroke, {}, {}}, map(transform, box->grown(StrokeSink::reach(width))), color);
 }
 
 void Painter::add(Shape shape, const Box& box, const CGColor& color) {
@@ -100,7 +101,7 @@ void Painter::finish() {
 }
 
 void Painter::draw(const Shape& shape, const PixelRect& area) {
-  rasterizer_.begin(area, shape.simple);
+  rasterizer_.begin(area, shape.kind);
   if (shape.lineWidth > 0) {
     StrokeSink sink(rasterizer_, toArea(shape.transform, area), shape.lineWidth, visibleBox(shape.transform, area),
                     buffer_);

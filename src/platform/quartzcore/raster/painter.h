@@ -26,7 +26,7 @@ class Painter {
     const CGPath* path;
     Affine transform;
     double lineWidth;  // 0: filled
-    bool simple;
+    Outline kind;
     Paint paint;
     PixelRect pixels;  // where it may show
   };

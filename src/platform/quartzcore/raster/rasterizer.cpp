@@ -26,8 +26,8 @@ std::uint64_t bitsWithin(std::size_t word, std::size_t first, std::size_t last) 
 
 }  // namespace
 
-void Rasterizer::begin(const PixelRect& area, bool simple) {
-  watched_ = !simple;
+void Rasterizer::begin(const PixelRect& area, Outline kind) {
+  kind_ = kind;
   area_ = area;
   right_ = static_cast<double>(area.width()) * kSubpixels;
   bottom_ = static_cast<double>(area.height()) * kSubpixels;
@@ -89,7 +89,7 @@ void Rasterizer::turnsAt(int y) {
 
 void Rasterizer::add(const FixedEdge& edge) {
   if (edge.y0 == edge.y1) return;
-  if (!watched_ || edges_.size() == kMostEdges) return addInOrder(edge);
+  if (!isWatched() || edges_.size() == kMostEdges) return addInOrder(edge);
   if (edges_.size() > firstEdge_ && isUpwards(edges_.back()) != isUpwards(edge)) {
     turnsAt(edge.y0);
     joint_ = {};
@@ -117,7 +117,7 @@ void Rasterizer::endContour() {
 }
 
 void Rasterizer::addInOrder(const FixedEdge& edge) {
-  if (watched_)
+  if (isWatched())
     addRows<true>(edge);
   else
     addRows<false>(edge);

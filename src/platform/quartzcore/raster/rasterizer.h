@@ -22,6 +22,10 @@ struct PixelRect {
   int height() const { return bottom - top; }
 };
 
+// What is known of a shape's edges. A simple outline winds at most once around any place, always the same way; the
+// sides of a stroke meet in tips, ends and corners, and wherever they cross one another something is enclosed twice.
+enum class Outline { Simple, Stroke, Any };
+
 // Turns closed contours into pixels by the non-zero rule. The edges of a contour come one after the other and are
 // added, as they come, to one 32-bit cell for each pixel of the area: what the edge adds to the coverage of this pixel
 // and of all pixels right of it. So the running sum along a row is the coverage, and pixels between edges cost nothing
@@ -33,9 +37,8 @@ struct PixelRect {
 // in which chains meet in a way that an honest sum excludes are worked out anew from their edges before they are swept.
 class Rasterizer {
  public:
-  // The next shape shows within `area`, a part of the surface. Of a simple one it is known that it winds at most once
-  // around any place, always the same way.
-  void begin(const PixelRect& area, bool simple);
+  // The next shape shows within `area`, a part of the surface.
+  void begin(const PixelRect& area, Outline kind);
 
   // One edge, in subpixels relative to the area's corner. Of `edge` both ends must be within the area; `clippedEdge`
   // takes any finite numbers.
@@ -62,6 +65,7 @@ class Rasterizer {
     kTurns = 16,
     kMeets = 32,
     kOverlaps = 64,
+    kDoubtful = 128,  // meets with something left of it
   };
   // Of one row.
   struct Columns {
@@ -84,6 +88,7 @@ class Rasterizer {
     ++row.seen;
   }
   bool isWithin(CGPoint p) const { return p.x >= 0 && p.x < right_ && p.y >= 0 && p.y <= bottom_; }
+  bool isWatched() const { return kind_ != Outline::Simple; }
   static int fixed(double positive) { return static_cast<int>(positive + 0.5); }
   int fixedX(double x) const { return fixed(std::min(right_, std::max(0.0, x))); }
   int fixedY(double y) const { return fixed(std::min(bottom_, std::max(0.0, y))); }
@@ -103,12 +108,12 @@ class Rasterizer {
   void replaceRow(std::size_t y, std::span<const RowWinding::Side> sides);
 
   // meeting_edges.cpp
-  struct Signs {
-    bool positive = false, negative = false;  // sums that are no rounding
+  struct Sums {
+    bool positive = false, negative = false, moreThanOnce = false;  // beyond what rounding does
   };
   void resolveMeetings();
   bool findOverlaps();
-  void examine(std::size_t y, std::int32_t left, Signs& signs);
+  void examine(std::size_t y, std::int32_t left, Sums& sums);
   bool collectEdgesOfRows();
 
   PixelRect area_;
@@ -122,7 +127,7 @@ class Rasterizer {
   std::vector<std::int32_t> leftCover_;  // for each row: what edges left of the area add to the rows from there on
   std::vector<std::uint8_t> seen_;       // for each row
 
-  bool watched_ = false;
+  Outline kind_ = Outline::Any;
   bool anythingSeen_ = false;
   std::vector<FixedEdge> edges_;  // of a watched shape
   // Of the contour. Where it begins in the middle of a chain, the first edges are added after the last ones.
