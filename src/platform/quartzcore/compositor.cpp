@@ -38,6 +38,8 @@ struct Open {
 }  // namespace
 
 struct Compositor::Implementation {
+  explicit Implementation(const SpanFunctions& spans) : painter(spans) {}
+
   Painter painter;
   std::vector<Open> open;  // the layers between the root and the one being drawn
   std::deque<CGPath> backgrounds;
@@ -66,7 +68,7 @@ struct Compositor::Implementation {
   }
 };
 
-Compositor::Compositor() : implementation_(std::make_unique<Implementation>()) {}
+Compositor::Compositor(const SpanFunctions& spans) : implementation_(std::make_unique<Implementation>(spans)) {}
 Compositor::Compositor(Compositor&&) noexcept = default;
 Compositor& Compositor::operator=(Compositor&&) noexcept = default;
 Compositor::~Compositor() = default;

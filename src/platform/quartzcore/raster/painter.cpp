@@ -12,8 +12,10 @@ namespace quellaro {
 
 namespace {
 
-// Of a band, as many as a level-2 cache holds, with the cells of the edges among them.
-constexpr int kBandPixels = 1 << 17;
+// Of a band, as many as a level-2 cache holds, with the cells of the edges among them. Outlines are walked once for
+// each band, so that bands are larger where there are more points than that.
+constexpr std::size_t kBandPixels = std::size_t{1} << 17;
+constexpr std::size_t kMostBandPixels = std::size_t{1} << 22;
 
 // That wait to be drawn; then the bands begin anew.
 constexpr std::size_t kMostShapes = 4096;
@@ -85,11 +87,13 @@ void Painter::add(Shape shape, const Box& box, const CGColor& color) {
   shape.pixels = pixelsAround(box, surface_);
   if (shape.paint.alpha() == 0 || shape.pixels.empty()) return;
   shapes_.push_back(shape);
+  points_ += shape.path->pointCount();
   if (shapes_.size() == kMostShapes) finish();
 }
 
 void Painter::finish() {
-  const int rows = std::max(1, kBandPixels / std::max(1, surface_.width));
+  const std::size_t pixels = std::clamp(points_, kBandPixels, kMostBandPixels);
+  const int rows = std::max(1, static_cast<int>(pixels) / std::max(1, surface_.width));
   for (int top = 0; top < surface_.height; top += rows)
     for (const Shape& shape : shapes_) {
       PixelRect area = shape.pixels;
@@ -98,6 +102,7 @@ void Painter::finish() {
       if (!area.empty()) draw(shape, area);
     }
   shapes_.clear();
+  points_ = 0;
 }
 
 void Painter::draw(const Shape& shape, const PixelRect& area) {

@@ -37,6 +37,7 @@ class Painter {
   const SpanFunctions* spans_;
   Surface surface_{nullptr, 0, 0, 0};
   std::vector<Shape> shapes_;
+  std::size_t points_ = 0;  // of all of them
   Rasterizer rasterizer_;
   std::vector<CGPoint> buffer_;
 };

@@ -135,7 +135,7 @@ void Rasterizer::addRows(const FixedEdge& edge) {
   int y = top >> kSubpixelBits;
   const int lastRow = (end - 1) >> kSubpixelBits;
   // Whole rows at the area's left end take constant time, however many they are.
-  if (x == 0 && lastX == 0 && lastRow > y + 1) return addAtLeftEnd<kWatched>(edge);
+  if (x == 0 && lastX == 0 && lastRow > y + 1) return addAtLeftEnd(edge);
   const int width = std::max(1, std::abs(lastX - x));
   const double coverPerSubpixel = sign * static_cast<double>(end - top) / width;
   double slope = 0;
@@ -168,7 +168,6 @@ void Rasterizer::addRows(const FixedEdge& edge) {
   }
 }
 
-template <bool kWatched>
 void Rasterizer::addAtLeftEnd(const FixedEdge& edge) {
   const bool isUp = isUpwards(edge);
   const auto [top, end] = std::minmax(edge.y0, edge.y1);
@@ -177,7 +176,7 @@ void Rasterizer::addAtLeftEnd(const FixedEdge& edge) {
   leftCover_[static_cast<std::size_t>(firstWhole)] += isUp ? -1 : 1;
   leftCover_[static_cast<std::size_t>(endWhole)] -= isUp ? -1 : 1;
   const auto addPart = [&](int from, int to) {
-    if (from != to) addRows<kWatched>({0, isUp ? to : from, 0, isUp ? from : to});
+    if (from != to) addInOrder({0, isUp ? to : from, 0, isUp ? from : to});
   };
   if (isUp) addPart(endWhole << kSubpixelBits, end);
   addPart(top, firstWhole << kSubpixelBits);

@@ -97,7 +97,6 @@ class Rasterizer {
   void addLeftOfArea(int y0, int y1);
   template <bool kWatched>
   void addRows(const FixedEdge& edge);
-  template <bool kWatched>
   void addAtLeftEnd(const FixedEdge& edge);
   static Columns addWithinRow(std::uint32_t* cells, int x0, int x1, int cover, double coverPerSubpixel);
   static void markPixels(std::uint64_t* marks, const Columns& crossed);

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstring>
 
 #include "platform/quartzcore/raster/spans.h"
@@ -54,19 +53,6 @@ Pixels coverages(Pixels sums) {
   return (magnitude | saturated) & 255;
 }
 
-// Lanes of the last, partly used vector: what lies beyond `count` is left alone.
-struct Tail {
-  std::uint32_t* pixels;
-  std::size_t count;
-
-  Pixels read() const {
-    Pixels lanes{};
-    std::memcpy(&lanes, pixels, count * sizeof(std::uint32_t));
-    return lanes;
-  }
-  void write(Pixels lanes) const { std::memcpy(pixels, &lanes, count * sizeof(std::uint32_t)); }
-};
-
 class VectorBlender {
  public:
   explicit VectorBlender(const Paint& paint)
@@ -81,13 +67,13 @@ class VectorBlender {
     const std::uint32_t cover = coverage(before_[0]);
     if (cover == 0) return;
     if (cover == 255 && opaque_) {
-      std::fill_n(pixels, count, color_);
+      for (; count >= kLanes; count -= kLanes, pixels += kLanes) store(pixels, Pixels{} + color_);
+      for (; count > 0; --count) *pixels++ = color_;
       return;
     }
     const Pixels covers = Pixels{} + cover;
     for (; count >= kLanes; count -= kLanes, pixels += kLanes) store(pixels, over(load(pixels), covers));
-    const Tail tail{pixels, count};
-    tail.write(over(tail.read(), covers));
+    if (count > 0) overTail(pixels, count, covers);
   }
 
   void blocks(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) {
@@ -96,8 +82,7 @@ class VectorBlender {
   }
 
   void lastBlock(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) {
-    const Tail tail{pixels, count};
-    tail.write(over(tail.read(), nextCoverages(cells)));
+    overTail(pixels, count, nextCoverages(cells));
   }
 
  private:
@@ -116,6 +101,14 @@ class VectorBlender {
     const Pixels alpha = reinterpret_cast<Pixels>(aboveOdds) >> 16;
     const Components inverse = 255 - reinterpret_cast<Components>(alpha | (alpha << 16));
     return join(aboveEvens + multiply(even(below), inverse), aboveOdds + multiply(odd(below), inverse));
+  }
+
+  // Less than four pixels: what lies beyond is left alone.
+  [[gnu::noinline]] void overTail(std::uint32_t* pixels, std::size_t count, Pixels cover) const {
+    std::uint32_t lanes[kLanes] = {};
+    std::memcpy(lanes, pixels, count * sizeof *lanes);
+    store(lanes, over(load(lanes), cover));
+    std::memcpy(pixels, lanes, count * sizeof *lanes);
   }
 
   std::uint32_t color_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 #include "platform/quartzcore/raster/spans.h"
 
@@ -66,7 +67,7 @@ void sweepWith(const SweepArea& area, const Paint& paint) {
         if (start < wholeBlocks) blender.blocks(pixels + start, cells + start, wholeBlocks - start);
         const std::size_t from = std::max(start, wholeBlocks);
         if (from < width) blender.lastBlock(pixels + from, cells + from, width - from);
-        std::fill(cells + from, cells + end, 0);
+        std::memset(cells + from, 0, (end - from) * sizeof *cells);
       } while (blocks != 0);
     }
     if (done < width) blender.gap(pixels + done, width - done);
