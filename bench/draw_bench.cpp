@@ -9,6 +9,7 @@
 
 #include "heavy_frames.h"
 #include "platform/quartzcore/compositor.h"
+#include "platform/quartzcore/raster/spans.h"
 #include "quartzcore/cairo_renderer.h"
 
 namespace {
@@ -39,12 +40,13 @@ double meanDifference(const Bitmap& a, const Bitmap& b) {
   return sum / (4.0 * static_cast<double>(a.pixels.size()));
 }
 
-void compare(const char* name, int side, double target, Drawing (*drawing)(int)) {
+void compare(const char* name, int side, double target, Drawing (*drawing)(int),
+             const SpanFunctions& spans = fastestSpans()) {
   std::vector<std::shared_ptr<CALayer>> trees;
   for (int i = 0; i < kFrames; ++i) trees.push_back(bench::layerTree(drawing(i), side));
   Bitmap ours(side, side);
   Bitmap cairos(side, side);
-  Compositor compositor;
+  Compositor compositor(spans);
   double difference = 0;
   for (const auto& tree : trees) {
     compositor.draw(*tree, ours);
@@ -69,8 +71,13 @@ void compare(const char* name, int side, double target, Drawing (*drawing)(int))
 }  // namespace
 
 int main() {
-  compare("heavy", 480, 0.30, bench::heavyFrame);
-  compare("heavy", 1080, 0.40, bench::heavyFrame);
-  compare("icon", 48, 0.50, bench::icon);
-  compare("icon", 480, 0.80, bench::icon);
+  compare("heavy", 480, 0.23, bench::heavyFrame);
+  compare("heavy", 1080, 0.21, bench::heavyFrame);
+  compare("heavy", 2160, 0.26, bench::heavyFrame);
+  compare("icon", 48, 0.25, bench::icon);
+  compare("icon", 480, 0.42, bench::icon);
+  std::puts("without AVX2");
+  compare("heavy", 480, 0.23, bench::heavyFrame, vectorSpans());
+  compare("heavy", 2160, 0.26, bench::heavyFrame, vectorSpans());
+  compare("icon", 48, 0.25, bench::icon, vectorSpans());
 }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <deque>
 #include <vector>
 
 #include "platform/quartzcore/raster/painter.h"
@@ -37,34 +38,37 @@ struct Open {
 }  // namespace
 
 struct Compositor::Implementation {
+  explicit Implementation(const SpanFunctions& spans) : painter(spans) {}
+
   Painter painter;
   std::vector<Open> open;  // the layers between the root and the one being drawn
+  std::deque<CGPath> backgrounds;
 
-  void enter(const CALayer& layer, const Affine& parent, const Surface& surface) {
+  void enter(const CALayer& layer, const Affine& parent) {
     const Affine transform = concat(toParent(layer), parent);
     if (!isUsable(transform)) return;
-    if (const auto& color = layer.backgroundColor()) drawBackground(layer.bounds(), transform, *color, surface);
+    if (const auto& color = layer.backgroundColor()) drawBackground(layer.bounds(), transform, *color);
     if (const auto* shape = layer.asShapeLayer(); shape != nullptr && shape->path() != nullptr) {
-      if (const auto& color = shape->fillColor()) painter.fill(surface, *shape->path(), transform, *color);
+      if (const auto& color = shape->fillColor()) painter.fill(*shape->path(), transform, *color);
       if (const auto& color = shape->strokeColor())
-        painter.stroke(surface, *shape->path(), transform, shape->lineWidth(), *color);
+        painter.stroke(*shape->path(), transform, shape->lineWidth(), *color);
     }
     if (!layer.sublayers().empty()) open.push_back({&layer, transform});
   }
 
-  void drawBackground(const CGRect& bounds, const Affine& transform, const CGColor& color, const Surface& surface) {
+  void drawBackground(const CGRect& bounds, const Affine& transform, const CGColor& color) {
     const double right = bounds.origin.x + bounds.size.width;
     const double bottom = bounds.origin.y + bounds.size.height;
-    CGPath outline;
+    CGPath& outline = backgrounds.emplace_back();
     outline.moveTo(bounds.origin);
     outline.lineTo({right, bounds.origin.y});
     outline.lineTo({right, bottom});
     outline.lineTo({bounds.origin.x, bottom});
-    painter.fill(surface, outline, transform, color);
+    painter.fill(outline, transform, color);
   }
 };
 
-Compositor::Compositor() : implementation_(std::make_unique<Implementation>()) {}
+Compositor::Compositor(const SpanFunctions& spans) : implementation_(std::make_unique<Implementation>(spans)) {}
 Compositor::Compositor(Compositor&&) noexcept = default;
 Compositor& Compositor::operator=(Compositor&&) noexcept = default;
 Compositor::~Compositor() = default;
@@ -72,7 +76,9 @@ Compositor::~Compositor() = default;
 void Compositor::draw(const CALayer& root, const Surface& surface) {
   std::vector<Open>& open = implementation_->open;
   open.clear();
-  implementation_->enter(root, Affine{}, surface);
+  implementation_->backgrounds.clear();
+  implementation_->painter.begin(surface);
+  implementation_->enter(root, Affine{});
   while (!open.empty()) {
     Open& top = open.back();
     if (top.nextSublayer == top.layer->sublayers().size()) {
@@ -81,8 +87,9 @@ void Compositor::draw(const CALayer& root, const Surface& surface) {
     }
     const CALayer& next = *top.layer->sublayers()[top.nextSublayer++];
     const Affine transform = top.transform;
-    implementation_->enter(next, transform, surface);
+    implementation_->enter(next, transform);
   }
+  implementation_->painter.finish();
 }
 
 }  // namespace quellaro

@@ -4,6 +4,7 @@
 
 #include "platform/quartzcore/bitmap.h"
 #include "platform/quartzcore/layer.h"
+#include "platform/quartzcore/raster/spans.h"
 
 namespace quellaro {
 
@@ -11,7 +12,7 @@ namespace quellaro {
 // is kept is faster than a new one for every picture. One thread at a time.
 class Compositor {
  public:
-  Compositor();
+  Compositor(const SpanFunctions& spans = fastestSpans());
   Compositor(Compositor&&) noexcept;
   Compositor& operator=(Compositor&&) noexcept;
   ~Compositor();

@@ -10,7 +10,6 @@ inline constexpr double kFlatness = 0.1;
 
 // The edges of an outline's inside, for a path that walkOutline() walks in subpixels relative to the area's corner.
 // Every contour is closed.
-template <bool kClipped>
 class FillSink {
  public:
   FillSink(Rasterizer& rasterizer, const Box& area) : rasterizer_(rasterizer), area_(area) {}
@@ -20,31 +19,31 @@ class FillSink {
     start_ = current_ = to;
   }
   void line(CGPoint to) {
-    if constexpr (kClipped)
-      rasterizer_.clippedEdge(run_, current_, to);
-    else
-      rasterizer_.edge(run_, current_, to);
+    rasterizer_.clippedEdge(current_, to);
     current_ = to;
   }
   void cubic(CGPoint control1, CGPoint control2, CGPoint to) {
     const Cubic curve{current_, control1, control2, to};
-    const auto emit = [this](CGPoint end) { line(end); };
-    if constexpr (kClipped)
-      emitVisibleChords(
-          curve, kTolerance, [this](const Box& box) { return box.overlaps(area_); }, emit);
-    else
-      emitChords(curve, static_cast<int>(curve.steps(kTolerance)), emit);
+    const Box box = curve.box();
+    if (!box.overlaps(area_)) return line(to);
+    if (!area_.contains(box))
+      return emitVisibleChords(
+          curve, kTolerance, [this](const Box& part) { return part.overlaps(area_); },
+          [this](CGPoint end) { line(end); });
+    emitChords(curve, static_cast<int>(curve.steps(kTolerance)), [this](CGPoint end) {
+      rasterizer_.edge(current_, end);
+      current_ = end;
+    });
   }
   void close() {
     if (current_ != start_) line(start_);
-    rasterizer_.finish(run_, true);
+    rasterizer_.endContour();
   }
 
  private:
   static constexpr double kTolerance = kFlatness * kSubpixels;
 
   Rasterizer& rasterizer_;
-  Rasterizer::Run run_;
   Box area_;
   CGPoint start_;
   CGPoint current_;

@@ -12,8 +12,13 @@ namespace quellaro {
 
 namespace {
 
-// Cells for this many pixels at a time: a huge surface is drawn in bands.
-constexpr std::size_t kBandPixels = std::size_t{1} << 22;
+// Of a band, as many as a level-2 cache holds, with the cells of the edges among them. Outlines are walked once for
+// each band, so that bands are larger where there are more points than that.
+constexpr std::size_t kBandPixels = std::size_t{1} << 17;
+constexpr std::size_t kMostBandPixels = std::size_t{1} << 22;
+
+// That wait to be drawn; then the bands begin anew.
+constexpr std::size_t kMostShapes = 4096;
 
 // Blocks of cells stand on the same pixels for every shape.
 PixelRect pixelsAround(const Box& box, const Surface& surface) {
@@ -64,50 +69,55 @@ double widthThatShows(double lineWidth, const Box& outline, const Box& visible) 
 
 }  // namespace
 
-template <class AddEdges>
-void Painter::paint(const Surface& surface, const Box& box, bool simple, const CGColor& color,
-                    const AddEdges& addEdges) {
-  const Paint paint = paintOf(color);
-  PixelRect band = pixelsAround(box, surface);
-  if (paint.alpha() == 0 || band.empty()) return;
-  const int bottom = band.bottom;
-  const int rows = std::max(1, static_cast<int>(kBandPixels / static_cast<std::size_t>(band.width())));
-  for (; band.top < bottom; band.top = band.bottom) {
-    band.bottom = std::min(bottom, band.top + rows);
-    rasterizer_.begin(band, simple);
-    addEdges(band);
-    rasterizer_.sweep(surface, paint, *spans_);
-  }
+void Painter::fill(const CGPath& path, const Affine& transform, const CGColor& color) {
+  if (const std::optional<Box> box = pointBox(path))
+    add({&path, transform, 0, isStar(path, *box) ? Outline::Simple : Outline::Any, {}, {}}, map(transform, *box),
+        color);
 }
 
-void Painter::fill(const Surface& surface, const CGPath& path, const Affine& transform, const CGColor& color) {
-  const std::optional<Box> box = pointBox(path);
-  if (!box) return;
-  const Box mapped = map(transform, *box);
-  paint(surface, mapped, isStar(path, *box), color, [&](const PixelRect& area) {
-    const auto addEdges = [&](auto sink) {
-      walkOutline(path, toArea(transform, area), sink);
-      sink.close();
-    };
-    const Box shown{static_cast<double>(area.left), static_cast<double>(area.top), static_cast<double>(area.right),
-                    static_cast<double>(area.bottom)};
-    if (shown.contains(mapped))
-      addEdges(FillSink<false>(rasterizer_, subpixelBox(area)));
-    else
-      addEdges(FillSink<true>(rasterizer_, subpixelBox(area)));
-  });
-}
-
-void Painter::stroke(const Surface& surface, const CGPath& path, const Affine& transform, double lineWidth,
-                     const CGColor& color) {
+void Painter::stroke(const CGPath& path, const Affine& transform, double lineWidth, const CGColor& color) {
   const std::optional<Box> box = pointBox(path);
   if (!box || !(lineWidth > 0)) return;
-  const double width = widthThatShows(lineWidth, *box, visibleBox(transform, {0, 0, surface.width, surface.height}));
-  paint(surface, map(transform, box->grown(StrokeSink::reach(width))), false, color, [&](const PixelRect& area) {
-    StrokeSink sink(rasterizer_, toArea(transform, area), width, visibleBox(transform, area));
-    walkOutline(path, Affine{}, sink);
+  const double width = widthThatShows(lineWidth, *box, visibleBox(transform, {0, 0, surface_.width, surface_.height}));
+  add({&path, transform, width, Outline::Stroke, {}, {}}, map(transform, box->grown(StrokeSink::reach(width))), color);
+}
+
+void Painter::add(Shape shape, const Box& box, const CGColor& color) {
+  shape.paint = paintOf(color);
+  shape.pixels = pixelsAround(box, surface_);
+  if (shape.paint.alpha() == 0 || shape.pixels.empty()) return;
+  shapes_.push_back(shape);
+  points_ += shape.path->pointCount();
+  if (shapes_.size() == kMostShapes) finish();
+}
+
+void Painter::finish() {
+  const std::size_t pixels = std::clamp(points_, kBandPixels, kMostBandPixels);
+  const int rows = std::max(1, static_cast<int>(pixels) / std::max(1, surface_.width));
+  for (int top = 0; top < surface_.height; top += rows)
+    for (const Shape& shape : shapes_) {
+      PixelRect area = shape.pixels;
+      area.top = std::max(area.top, top);
+      area.bottom = std::min(area.bottom, top + rows);
+      if (!area.empty()) draw(shape, area);
+    }
+  shapes_.clear();
+  points_ = 0;
+}
+
+void Painter::draw(const Shape& shape, const PixelRect& area) {
+  rasterizer_.begin(area, shape.kind);
+  if (shape.lineWidth > 0) {
+    StrokeSink sink(rasterizer_, toArea(shape.transform, area), shape.lineWidth, visibleBox(shape.transform, area),
+                    buffer_);
+    walkOutline(*shape.path, Affine{}, sink);
     sink.finish();
-  });
+  } else {
+    FillSink sink(rasterizer_, subpixelBox(area));
+    walkOutline(*shape.path, toArea(shape.transform, area), sink);
+    sink.close();
+  }
+  rasterizer_.sweep(surface_, shape.paint, *spans_);
 }
 
 }  // namespace quellaro

@@ -11,9 +11,6 @@ namespace {
 // Bands in which edges cross or end are split down to this height; then the order at mid-height counts.
 constexpr int kSmallestBand = kSubpixels / 32;
 
-// Beyond this many ends of edges in one row it is halved wherever they lie.
-constexpr std::size_t kMostBands = 12;
-
 // Edges that run along one another may change places by rounding.
 constexpr int kRounding = 2;
 
@@ -25,21 +22,31 @@ std::span<const RowWinding::Side> RowWinding::sidesOf(std::span<const FixedEdge>
   const int bottom = top + kSubpixels;
   lines_.clear();
   sides_.clear();
-  ends_.assign({top, bottom});
+  ends_[0] = top;
+  ends_[1] = bottom;
+  std::size_t ends = 2;
   for (const FixedEdge& edge : edges) {
     const double slope = static_cast<double>(edge.x1 - edge.x0) / (edge.y1 - edge.y0);
     lines_.push_back(
         {std::min(edge.y0, edge.y1), std::max(edge.y0, edge.y1), edge.x0, edge.y0, slope, edge.y0 < edge.y1 ? 1 : -1});
     for (const int y : {edge.y0, edge.y1})
-      if (y > top && y < bottom) ends_.push_back(y);
+      if (y > top && y < bottom && ends <= kMostBands) ends += insertEnd(y, ends);
   }
-  std::sort(ends_.begin(), ends_.end());
-  ends_.erase(std::unique(ends_.begin(), ends_.end()), ends_.end());
-  if (ends_.size() > kMostBands)
+  if (ends > kMostBands)
     resolve(top, bottom);
   else
-    for (std::size_t i = 1; i < ends_.size(); ++i) resolve(ends_[i - 1], ends_[i]);
+    for (std::size_t i = 1; i < ends; ++i) resolve(ends_[i - 1], ends_[i]);
   return sides_;
+}
+
+// Among the first `count`, which are in order; gives how many there are more.
+std::size_t RowWinding::insertEnd(int y, std::size_t count) {
+  std::size_t at = count;
+  while (ends_[at - 1] > y) --at;
+  if (ends_[at - 1] == y) return 0;
+  for (std::size_t i = count; i > at; --i) ends_[i] = ends_[i - 1];
+  ends_[at] = y;
+  return 1;
 }
 
 void RowWinding::resolve(int top, int bottom) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -35,6 +37,10 @@ class RowWinding {
     int winding;
   };
 
+  // Beyond this many ends of edges in one row it is halved wherever they lie.
+  static constexpr std::size_t kMostBands = 12;
+
+  std::size_t insertEnd(int y, std::size_t count);
   void resolve(int top, int bottom);
   bool collect(int top, int bottom);
   int splitOf(int top, int bottom, bool allPass) const;
@@ -42,7 +48,7 @@ class RowWinding {
   static int xAt(const Line& line, int y);
 
   std::vector<Line> lines_;
-  std::vector<int> ends_;  // y
+  std::array<int, kMostBands + 1> ends_;  // y
   std::vector<Crossing> crossings_;
   std::vector<Side> sides_;
 };

@@ -29,22 +29,27 @@ struct Paint {
 // Components outside 0 to 1 count as the nearest; what is not a number counts as 0.
 Paint paintOf(const CGColor& color);
 
-// A row of a shape on its way into pixels.
-struct SweepRow {
-  std::uint32_t* pixels;
-  std::size_t width;  // of pixels; there may be cells beyond
-  std::uint32_t* cells;
-  std::size_t blocks;  // of cells
-  std::uint64_t* touched;
-};
-
 inline constexpr std::size_t kWordBits = 64;
+
+// Rows of a shape on their way into pixels. Each lies `pixelStride`, `cellStride` or `markPairs` pairs after the one
+// above it.
+struct SweepArea {
+  std::uint32_t* pixels;
+  std::size_t pixelStride;
+  std::size_t width, height;  // of pixels; a row may have cells beyond, whole blocks
+  std::uint32_t* cells;       // zero but for those of marked pixels and of the pixels right of these
+  std::size_t cellStride;
+  // A bit for each pixel that an edge down crosses, in the even words, or an edge up, in the odd ones.
+  std::uint64_t* marks;
+  std::size_t markPairs;        // as many as all cells take
+  const std::int32_t* winding;  // for each row: at its left end
+};
 
 // How pixels are blended. Every set gives the same pixels.
 struct SpanFunctions {
-  // Blends each pixel of the row with the coverage that the running sum of the cells gives there, starting from `sum`.
-  // Cells of blocks whose bit is not set are zero and not read. Sets cells and bits to zero.
-  void (*sweepRow)(const SweepRow& row, const Paint& paint, std::uint32_t sum);
+  // Blends each pixel with the coverage that the running sum of its row's cells gives there. Sets cells and marks to
+  // zero.
+  void (*sweep)(const SweepArea& area, const Paint& paint);
 };
 
 // One pixel at a time: what the others are compared with.

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <utility>
 
 #include "platform/quartzcore/raster/spans.h"
 #include "platform/quartzcore/raster/sweep_row.h"
@@ -21,27 +22,28 @@ std::uint32_t blend(std::uint32_t pixel, const Paint& paint, std::uint32_t cover
   return result;
 }
 
-struct ScalarBlender {
-  const Paint& paint;
+class ScalarBlender {
+ public:
+  explicit ScalarBlender(const Paint& paint) : paint_(paint) {}
 
-  explicit ScalarBlender(const Paint& p) : paint(p) {}
-
-  void constant(std::uint32_t* pixels, std::size_t count, std::uint32_t cover) const {
-    for (std::size_t i = 0; i < count; ++i) pixels[i] = blend(pixels[i], paint, cover);
+  void begin(std::uint32_t sum) { sum_ = sum; }
+  void gap(std::uint32_t* pixels, std::size_t count) const {
+    for (std::size_t i = 0; i < count; ++i) pixels[i] = blend(pixels[i], paint_, coverage(sum_));
   }
-
-  std::uint32_t cells(std::uint32_t* pixels, std::size_t count, std::uint32_t* cells, std::size_t cellCount,
-                      std::uint32_t sum) const {
-    for (std::size_t i = 0; i < cellCount; ++i) {
-      sum += cells[i];
-      cells[i] = 0;
-      if (i < count) pixels[i] = blend(pixels[i], paint, coverage(sum));
+  void blocks(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      sum_ += std::exchange(cells[i], 0);
+      pixels[i] = blend(pixels[i], paint_, coverage(sum_));
     }
-    return sum;
   }
+  void lastBlock(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) { blocks(pixels, cells, count); }
+
+ private:
+  Paint paint_;
+  std::uint32_t sum_ = 0;
 };
 
-constexpr SpanFunctions kScalar{sweepRowWith<ScalarBlender>};
+constexpr SpanFunctions kScalar{sweepWith<ScalarBlender>};
 
 std::uint32_t byteOf(double component) {
   return component > 0 ? static_cast<std::uint32_t>(std::fmin(component, 1) * 255 + 0.5) : 0;

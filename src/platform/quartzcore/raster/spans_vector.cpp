@@ -1,7 +1,5 @@
-#include <algorithm>
 #include <cstring>
 
-#include "platform/foundation/memory/processor.h"
 #include "platform/quartzcore/raster/spans.h"
 #include "platform/quartzcore/raster/sweep_row.h"
 
@@ -55,19 +53,6 @@ Pixels coverages(Pixels sums) {
   return (magnitude | saturated) & 255;
 }
 
-// Lanes of the last, partly used vector: what lies beyond `count` is left alone.
-struct Tail {
-  std::uint32_t* pixels;
-  std::size_t count;
-
-  Pixels read() const {
-    Pixels lanes{};
-    std::memcpy(&lanes, pixels, count * sizeof(std::uint32_t));
-    return lanes;
-  }
-  void write(Pixels lanes) const { std::memcpy(pixels, &lanes, count * sizeof(std::uint32_t)); }
-};
-
 class VectorBlender {
  public:
   explicit VectorBlender(const Paint& paint)
@@ -76,36 +61,35 @@ class VectorBlender {
         evens_(even(Pixels{} + color_)),
         odds_(odd(Pixels{} + color_)) {}
 
-  void constant(std::uint32_t* pixels, std::size_t count, std::uint32_t cover) const {
+  void begin(std::uint32_t sum) { before_ = Pixels{} + sum; }
+
+  void gap(std::uint32_t* pixels, std::size_t count) const {
+    const std::uint32_t cover = coverage(before_[0]);
+    if (cover == 0) return;
     if (cover == 255 && opaque_) {
-      std::fill_n(pixels, count, color_);
+      for (; count >= kLanes; count -= kLanes, pixels += kLanes) store(pixels, Pixels{} + color_);
+      for (; count > 0; --count) *pixels++ = color_;
       return;
     }
     const Pixels covers = Pixels{} + cover;
     for (; count >= kLanes; count -= kLanes, pixels += kLanes) store(pixels, over(load(pixels), covers));
-    const Tail tail{pixels, count};
-    tail.write(over(tail.read(), covers));
+    if (count > 0) overTail(pixels, count, covers);
   }
 
-  std::uint32_t cells(std::uint32_t* pixels, std::size_t count, std::uint32_t* cells, std::size_t cellCount,
-                      std::uint32_t sum) const {
-    Pixels before = Pixels{} + sum;
-    std::uint32_t* const end = cells + cellCount;
-    for (; count >= kLanes; count -= kLanes, pixels += kLanes, cells += kLanes)
-      store(pixels, over(load(pixels), nextCoverages(cells, before)));
-    if (cells == end) return before[0];
-    const Tail tail{pixels, count};
-    tail.write(over(tail.read(), nextCoverages(cells, before)));
-    for (cells += kLanes; cells < end; cells += kLanes) nextCoverages(cells, before);
-    return before[0];
+  void blocks(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) {
+    for (std::uint32_t* const end = cells + count; cells < end; pixels += kLanes, cells += kLanes)
+      store(pixels, over(load(pixels), nextCoverages(cells)));
+  }
+
+  void lastBlock(std::uint32_t* pixels, std::uint32_t* cells, std::size_t count) {
+    overTail(pixels, count, nextCoverages(cells));
   }
 
  private:
-  // Reads and clears the next cells; `before` is the running sum in every lane.
-  static Pixels nextCoverages(std::uint32_t* cells, Pixels& before) {
-    const Pixels sums = before + runningSum(load(cells));
+  Pixels nextCoverages(std::uint32_t* cells) {
+    const Pixels sums = before_ + runningSum(load(cells));
     store(cells, Pixels{});
-    before = __builtin_shufflevector(sums, sums, 3, 3, 3, 3);
+    before_ = __builtin_shufflevector(sums, sums, 3, 3, 3, 3);
     return coverages(sums);
   }
 
@@ -119,33 +103,25 @@ class VectorBlender {
     return join(aboveEvens + multiply(even(below), inverse), aboveOdds + multiply(odd(below), inverse));
   }
 
+  // Less than four pixels: what lies beyond is left alone.
+  [[gnu::noinline]] void overTail(std::uint32_t* pixels, std::size_t count, Pixels cover) const {
+    std::uint32_t lanes[kLanes] = {};
+    std::memcpy(lanes, pixels, count * sizeof *lanes);
+    store(lanes, over(load(lanes), cover));
+    std::memcpy(pixels, lanes, count * sizeof *lanes);
+  }
+
   std::uint32_t color_;
   bool opaque_;
   // The paint in every lane.
   Components evens_, odds_;
+  Pixels before_{};  // the running sum in every lane
 };
 
-constexpr SpanFunctions kVector{sweepRowWith<VectorBlender>};
-
-#if defined(__x86_64__)
-// The same code once more with wider stores and three-operand instructions, for processors that have them. Everything
-// is inlined, so that nothing made for those processors can be called on others.
-__attribute__((target("avx2"), flatten)) void sweepRowAvx2(const SweepRow& row, const Paint& paint, std::uint32_t sum) {
-  sweepRowWith<VectorBlender>(row, paint, sum);
-}
-
-constexpr SpanFunctions kAvx2{sweepRowAvx2};
-#endif
+constexpr SpanFunctions kVector{sweepWith<VectorBlender>};
 
 }  // namespace
 
 const SpanFunctions& vectorSpans() { return kVector; }
-
-const SpanFunctions& fastestSpans() {
-#if defined(__x86_64__)
-  if (hasAvx2AndBmi()) return kAvx2;
-#endif
-  return kVector;
-}
 
 }  // namespace quellaro

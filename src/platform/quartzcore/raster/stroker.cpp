@@ -33,14 +33,16 @@ constexpr double kLargestStep = std::numbers::pi / 4;
 
 }  // namespace
 
-StrokeSink::StrokeSink(Rasterizer& rasterizer, const Affine& toArea, double lineWidth, const Box& visible)
+StrokeSink::StrokeSink(Rasterizer& rasterizer, const Affine& toArea, double lineWidth, const Box& visible,
+                       std::vector<CGPoint>& buffer)
     : rasterizer_(rasterizer),
       toArea_(toArea),
       visible_(visible.grown(reach(lineWidth))),
       halfWidth_(lineWidth / 2),
       tolerance_(kFlatness * kSubpixels / toArea.stretch()),
       largestStep_(std::clamp(2 * std::acos(std::max(0.0, 1 - tolerance_ / halfWidth_)), kSmallestStep, kLargestStep)),
-      cosineOfStep_(std::cos(largestStep_)) {
+      cosineOfStep_(std::cos(largestStep_)),
+      rightSide_(buffer) {
   right_.isRight = true;
 }
 
@@ -70,13 +72,17 @@ void StrokeSink::cubic(CGPoint control1, CGPoint control2, CGPoint to) {
       corner = Corner::WithinCurve;
     }
   }
-  emitVisibleChords(
-      Cubic{current_, control1, control2, to}, tolerance_, [this](const Box& box) { return box.overlaps(visible_); },
-      [&](CGPoint end) {
-        if (end == current_) return;
-        segmentTo(end, corner);
-        corner = Corner::WithinCurve;
-      });
+  const auto shows = [this](const Box& box) { return box.overlaps(visible_); };
+  const auto emit = [&](CGPoint end) {
+    if (end == current_) return;
+    segmentTo(end, corner);
+    corner = Corner::WithinCurve;
+  };
+  const Cubic curve{current_, control1, control2, to};
+  if (shows(curve.box()))
+    emitVisibleChords(curve, tolerance_, shows, emit);
+  else
+    emit(to);
   if (const CGPoint tangent = firstWay({to - control2, to - control1, to - begin}, tolerance_); !isZero(tangent))
     endTangent_ = unit(tangent);
 }
@@ -129,6 +135,7 @@ void StrokeSink::beginWith(const Segment& segment) {
   first_ = last_ = segment;
   left_.start = left_.reached = toArea_.map(current_ + segment.normal);
   right_.start = right_.reached = toArea_.map(current_ - segment.normal);
+  rightSide_.assign(1, right_.start);
 }
 
 void StrokeSink::turn(CGPoint at, const Segment& from, const Segment& to, Corner corner) {
@@ -186,11 +193,21 @@ void StrokeSink::turnOutside(Side& side, CGPoint at, const Segment& from, const 
 
 void StrokeSink::extend(Side& side, CGPoint to) {
   const CGPoint mapped = toArea_.map(to);
-  if (side.isRight)
-    rasterizer_.clippedEdge(side.run, mapped, side.reached);
-  else
-    rasterizer_.clippedEdge(side.run, side.reached, mapped);
+  if (side.isRight) {
+    if (rightSide_.size() == kMostPoints) {
+      addRightSide();
+      rightSide_.assign(1, right_.reached);
+    }
+    rightSide_.push_back(mapped);
+  } else {
+    rasterizer_.clippedEdge(side.reached, mapped);
+  }
   side.reached = mapped;
+}
+
+// Backwards, from where it has got to.
+void StrokeSink::addRightSide() {
+  for (std::size_t i = rightSide_.size() - 1; i > 0; --i) rasterizer_.clippedEdge(rightSide_[i], rightSide_[i - 1]);
 }
 
 void StrokeSink::endOpen() {
@@ -198,9 +215,11 @@ void StrokeSink::endOpen() {
   turnIntoEnd();
   extend(left_, current_ + last_.normal);
   extend(right_, current_ - last_.normal);
-  rasterizer_.clippedEdge(left_.run, left_.reached, right_.reached);
-  rasterizer_.clippedEdge(left_.run, right_.start, left_.start);
-  finishSides(false);
+  rasterizer_.clippedEdge(left_.reached, right_.reached);
+  addRightSide();
+  rasterizer_.clippedEdge(right_.start, left_.start);
+  rasterizer_.endContour();
+  first_.reset();
 }
 
 void StrokeSink::endClosed() {
@@ -208,12 +227,9 @@ void StrokeSink::endClosed() {
   turn(current_, last_, *first_, Corner::WithinCurve);
   extend(left_, start_ + first_->normal);
   extend(right_, start_ - first_->normal);
-  finishSides(true);
-}
-
-void StrokeSink::finishSides(bool isRing) {
-  rasterizer_.finish(left_.run, isRing);
-  rasterizer_.finish(right_.run, isRing);
+  rasterizer_.endContour();
+  addRightSide();
+  rasterizer_.endContour();
   first_.reset();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "platform/quartzcore/raster/curve.h"
 #include "platform/quartzcore/raster/rasterizer.h"
@@ -15,7 +16,9 @@ namespace quellaro {
 class StrokeSink {
  public:
   // `toArea` maps user space to subpixels relative to the area's corner; `visible` is what may show, in user space.
-  StrokeSink(Rasterizer& rasterizer, const Affine& toArea, double lineWidth, const Box& visible);
+  // `buffer` is room to work in.
+  StrokeSink(Rasterizer& rasterizer, const Affine& toArea, double lineWidth, const Box& visible,
+             std::vector<CGPoint>& buffer);
 
   void move(CGPoint to);
   void line(CGPoint to);
@@ -29,6 +32,8 @@ class StrokeSink {
 
  private:
   static constexpr double kMiterLimit = 10;
+  // Points, 1 MB. What is longer has its right side added in parts.
+  static constexpr std::size_t kMostPoints = 65536;
 
   enum class Corner { Join, WithinCurve };
   struct Segment {
@@ -36,12 +41,11 @@ class StrokeSink {
     CGPoint normal;     // to the left, half a line width long
     double length = 0;  // 0: the direction of a curve at its end
   };
-  // Where a side of the stroke has been drawn to, in the area's subpixels. The right side runs backwards.
+  // A side of the stroke in the area's subpixels.
   struct Side {
     CGPoint start;
     CGPoint reached;
     bool isRight = false;
-    Rasterizer::Run run;
   };
 
   Segment segmentAlong(CGPoint direction, double length) const;
@@ -57,7 +61,7 @@ class StrokeSink {
   void extend(Side& side, CGPoint to);
   void endOpen();
   void endClosed();
-  void finishSides(bool isRing);
+  void addRightSide();
 
   Rasterizer& rasterizer_;
   Affine toArea_;
@@ -74,6 +78,7 @@ class StrokeSink {
   CGPoint endTangent_;
   Side left_;
   Side right_;
+  std::vector<CGPoint>& rightSide_;
 };
 
 }  // namespace quellaro
