@@ -141,7 +141,8 @@ class SoundCheck {
 
   void judge(const SoundFormat& format) {
     const auto secondsOf = [&](std::uint64_t samples) {
-      return static_cast<double>(samples / format.channels) / format.rate;
+      const std::uint64_t moments = samples / format.channels;
+      return static_cast<double>(moments) / format.rate;
     };
     facts_.seconds = secondsOf(levels_.samples);
     facts_.rate = format.rate;

@@ -46,6 +46,7 @@ int spawn(pid_t& process, const std::vector<std::string>& arguments, const std::
   std::vector<std::string> words = {kProgram};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
   const int code = posix_spawnp(&process, kProgram, &actions, &attributes, pointers.data(), environ);
