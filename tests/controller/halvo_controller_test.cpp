@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "media/haptics_feedback_error.h"
 #include "controller/fake_collaborators.h"
+#include "media/haptics_feedback_error.h"
 #include "support/library_fixture.h"
 
 namespace quellaro {

@@ -11,12 +11,12 @@
 #include <vector>
 
 #include "animation/halvo_view.h"
+#include "controller/fake_collaborators.h"
 #include "controller/halvo_controller.h"
 #include "platform/avfoundation/audio_session.h"
 #include "platform/avfoundation/simulated_output.h"
 #include "platform/corehaptics/haptic_engine.h"
 #include "platform/corehaptics/simulated_actuator.h"
-#include "controller/fake_collaborators.h"
 #include "support/library_fixture.h"
 
 namespace quellaro {

@@ -3,10 +3,10 @@
 
 #include <vector>
 
+#include "controller/fake_collaborators.h"
 #include "controller/halvo_controller.h"
 #include "media/haptics_manager.h"
 #include "platform/corehaptics/simulated_actuator.h"
-#include "controller/fake_collaborators.h"
 #include "support/library_fixture.h"
 
 namespace quellaro {

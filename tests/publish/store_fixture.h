@@ -42,7 +42,9 @@ class StoreTest : public testing::Test {
     for (const std::string name : kCueFiles) {
       std::string content = readFile(QUELLARO_BUNDLE "/" + name);
       if (name == "play_config.json") content.insert(content.find('{') + 1, "\"mark\": \"" + mark + "\",");
-      if (name == "animation.json") content = R"(["<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>"])";
+      if (name == "animation.json")
+        content =
+            R"(["<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><rect x='0' y='0' width='9' height='9' fill='#ff0000'/></svg>"])";
       writeFile(cue() / name, content);
     }
   }
