@@ -108,7 +108,7 @@ class Avx2Blender {
   }
 
   // Less than four pixels: what lies beyond is left alone.
-  QUELLARO_AVX2 [[gnu::noinline]] void overTail(std::uint32_t* pixels, std::size_t count, __m128i cover) const {
+  [[gnu::noinline]] QUELLARO_AVX2 void overTail(std::uint32_t* pixels, std::size_t count, __m128i cover) const {
     std::uint32_t lanes[kLanes] = {};
     std::memcpy(lanes, pixels, count * sizeof *lanes);
     store(lanes, over(load(lanes), cover));
