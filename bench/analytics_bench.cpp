@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "analytics/analytics_data.h"
 #include "analytics/analytics_manager.h"
 #include "assets/halvo_utility.h"
 #include "platform/foundation/application.h"

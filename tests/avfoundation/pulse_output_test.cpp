@@ -111,7 +111,7 @@ std::vector<double> levels(const std::vector<float>& samples) {
   constexpr std::size_t kTenth = SinkRecording::kRate / 10;
   std::vector<double> means;
   for (std::size_t start = 0; start + kTenth <= samples.size(); start += kTenth)
-    means.push_back(std::accumulate(samples.begin() + start, samples.begin() + start + kTenth, 0.0) / kTenth);
+    means.push_back(std::accumulate(samples.data() + start, samples.data() + start + kTenth, 0.0) / kTenth);
   return means;
 }
 

@@ -1,6 +1,7 @@
 #include "check/outline.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <optional>
@@ -15,7 +16,9 @@ using namespace quellaro;
 // The engine's own.
 constexpr double kMiterLimit = 10;
 
+CGPoint operator+(CGPoint a, CGPoint b) { return {a.x + b.x, a.y + b.y}; }
 CGPoint operator-(CGPoint a, CGPoint b) { return {a.x - b.x, a.y - b.y}; }
+CGPoint operator*(CGPoint a, double factor) { return {a.x * factor, a.y * factor}; }
 double cross(CGPoint a, CGPoint b) { return a.x * b.y - a.y * b.x; }
 double dot(CGPoint a, CGPoint b) { return a.x * b.x + a.y * b.y; }
 bool isZero(CGPoint a) { return a.x == 0 && a.y == 0; }
@@ -66,6 +69,29 @@ class CornerSearch {
   bool found_ = false;
 };
 
+// The outline's points, curves as sixteen chords each.
+std::vector<CGPoint> chordsOf(const CGPath& outline) {
+  constexpr int kChords = 16;
+  const std::vector<CGPoint> points = outline.points().values();
+  const CGPoint* point = points.data();
+  std::vector<CGPoint> chords;
+  for (const PathVerb verb : outline.verbs()) {
+    const int count = pointCount(verb);
+    if (count == 1) chords.push_back(*point);
+    for (int i = 1; count > 1 && i <= kChords; ++i) {
+      // De Casteljau's construction, between the last point and the verb's own.
+      std::array<CGPoint, 4> between{point[-1], point[0], point[1], point[count - 1]};
+      const double t = static_cast<double>(i) / kChords;
+      for (int left = count; left > 0; --left)
+        for (std::size_t k = 0; k < static_cast<std::size_t>(left); ++k)
+          between[k] = between[k] + (between[k + 1] - between[k]) * t;
+      chords.push_back(between[0]);
+    }
+    point += count;
+  }
+  return chords;
+}
+
 }  // namespace
 
 bool hasArea(const CGPath& outline) {
@@ -102,10 +128,10 @@ bool hasEnds(const CGPath& outline) {
 bool isSimple(const CGPath& outline) {
   constexpr std::size_t kMost = 1000;
   const auto verbs = outline.verbs();
-  const auto isCurve = [](PathVerb verb) { return pointCount(verb) > 1; };
-  if (std::count(verbs.begin(), verbs.end(), PathVerb::Move) != 1 || std::any_of(verbs.begin(), verbs.end(), isCurve))
+  if (verbs.size() > kMost || verbs.empty() || verbs.front() != PathVerb::Move ||
+      std::count(verbs.begin(), verbs.end(), PathVerb::Move) != 1)
     return false;
-  std::vector<CGPoint> points = outline.points().values();
+  std::vector<CGPoint> points = chordsOf(outline);
   if (points.size() > kMost) return false;
   while (points.size() > 1 && isZero(points.back() - points.front())) points.pop_back();
   const auto side = [](CGPoint a, CGPoint b, CGPoint c) { return cross(b - a, c - a); };
