@@ -99,6 +99,8 @@ TEST_F(Importing, OneThingInManyFramesIsToldOnce) {
 TEST_F(Importing, WhatCannotBeImportedIsNamedAndNothingIsWritten) {
   writeFrames(2);
   fs::create_directory(directory_ / "empty");
+  fs::create_directory(directory_ / "pipe");
+  mkfifo((directory_ / "pipe/1.svg").c_str(), 0600);
   file("twice/a.svg", frame("#ff0000"));
   file("twice/a.svgz", frame("#ff0000"));
   file("broken/1.svg", frame("#ff0000"));
@@ -121,6 +123,7 @@ TEST_F(Importing, WhatCannotBeImportedIsNamedAndNothingIsWritten) {
       {"frames -o cue --loudness -14", 2, "give --sound too"},
       {"nowhere -o cue", 1, "nowhere, frame 1: No such file or directory"},
       {"empty -o cue", 1, "empty: there is no .svg or .svgz file in this folder"},
+      {"pipe -o cue", 1, "pipe/1.svg: this is no file"},
       {"twice -o cue", 1, "twice: a.svg and a.svgz are two sources of one name"},
       {"broken -o cue", 1, "broken/2.svg, frame 2, line 3"},
       {"nothing.svg -o cue", 1, "nothing.svg, frame 1: the file is empty"},

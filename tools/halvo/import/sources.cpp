@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "input.h"
 #include "picture/svg_folder.h"
 #include "platform/foundation/memory/limits.h"
 #include "platform/foundation/storage/file_manager.h"
@@ -21,7 +22,11 @@ Importing<std::vector<std::string>> listFolder(const std::string& folder) {
       return refusal(folder, names[i - 1] + " and " + names[i] +
                                  " are two sources of one name: remove one, or name the files in their order");
   const std::string start = folder.back() == '/' ? folder : folder + "/";
-  for (std::string& name : names) name.insert(0, start);
+  for (std::string& name : names) {
+    name.insert(0, start);
+    // One that is named may be a pipe; one that lies about would be waited for.
+    if (isStream(name)) return refusal(name, "this is no file");
+  }
   return names;
 }
 
