@@ -17,7 +17,8 @@ int storeKeygen(int argc, char** argv) {
       "not\n"
       "to be there yet; keep it off the machine that serves the store, and keep a copy. The public key is printed: it "
       "is\n"
-      "the value of \"assetPublicKey\" in the Info.json of devices that are to take signed cues only.";
+      "the value of \"assetPublicKey\" in the Info.json of devices that are to take signed cues only "
+      "(those of this version do not check yet; 'halvo store verify --key' does).";
   commandLine.minimumPositional = commandLine.maximumPositional = 1;
   const Parsed parsed = parse(commandLine, argc, argv);
   if (parsed.exitStatus) return *parsed.exitStatus;

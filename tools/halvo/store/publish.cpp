@@ -37,7 +37,9 @@ int run(const std::string& cueDirectory, const std::string& store, const Publica
               publication.version.c_str(), publication.cue.c_str(), joined(publication.sdkVersions).c_str(),
               change->path.c_str(), change->isCopied ? "" : ", which is there already");
   if (change->wasSigned && !change->isSigned)
-    tell("this version is not signed, and the one before was: devices that know a public key stay with what they have");
+    tell(
+        "this version is not signed, and the one before was: devices that check signatures would stay with what they "
+        "have");
   std::fflush(stdout);
   if (cue->warnings > 0)
     tell(std::to_string(cue->warnings) + (cue->warnings == 1 ? " warning" : " warnings") + ": 'halvo check " +

@@ -111,7 +111,8 @@ int run(const std::string& store, const Publication& publication, const ChangeOp
   if (change->wasListed) return kExitFine;
   if (change->wasSigned && !change->isSigned)
     tell(
-        "this version is not signed, and the one before was: devices that know a public key stay with what they have. "
+        "this version is not signed, and the one before was: devices that check signatures would stay with what they "
+        "have. "
         "--sign signs it.");
   if (!options.dryRun) tellHowToUpload(store);
   return kExitFine;

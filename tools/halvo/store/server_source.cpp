@@ -118,7 +118,7 @@ class ServerSource final : public StoreSource {
     if (answered.empty() || answered == asked) return;
     if (isSecure(asked) && !isSecure(answered))
       remarks.push_back({Severity::Error, path, "redirected from https to http, to " + printable(answered, 200),
-                         "guarded devices refuse it, and others get what anybody on the way likes"});
+                         "devices follow it, and get what anybody on the way likes"});
     else
       remarks.push_back({Severity::Note, path, "redirected to " + printable(answered, 200)});
   }
