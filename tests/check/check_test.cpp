@@ -206,6 +206,9 @@ TEST_F(Check, OnlyMpegAudioIsASound) {
   // Of small amplitude, so that every second byte begins a frame.
   std::string samples;
   for (const char c : noise) samples.append({c, c < 0 ? '\xff' : '\0'});
+  // What resembles a frame of a free rate returns with every wave.
+  std::string tone;
+  for (int i = 0; i < 600; ++i) tone += std::string("\xFF\xFB\x04\0", 4) + std::string(92, '\1');
   const std::string tag = std::string("ID3\4\0\0\0\0\x4e\x10", 10) + std::string(10'000, '\0');
   const struct {
     std::string content;
@@ -214,6 +217,9 @@ TEST_F(Check, OnlyMpegAudioIsASound) {
       {"RIFF\x24\x08\1\1WAVEfmt " + samples, "it is a WAV file, and"},
       {std::string("FORM\0\1\2\3AIFF", 12) + samples, "it is an AIFF file, and"},
       {std::string("\0\0\0\x20", 4) + "ftypM4A " + noise, "it is an MP4 file (M4A), and"},
+      {std::string("FORM\0\1\2\3AIFF", 12) + tone, "it is an AIFF file, and"},
+      {std::string("RIFF\x24\x08\1\1WAVEfmt \x1E\0\0\0\x55\0", 22) + std::string(28, '\0') + "data\1\1\1\1" + mpeg,
+       nullptr},
       {"OggS" + noise, "it is an Ogg file, and"},
       {"fLaC" + noise, "it is a FLAC file, and"},
       {tag + "fLaC" + noise, "it is a FLAC file, and"},

@@ -42,9 +42,17 @@ constexpr Container kContainers[] = {
     {0, "\xFF\xD8\xFF"sv, "a JPEG picture"},
 };
 
+// By the number of its format; decoders skip what stands before its frames.
+bool isMpegInWav(std::string_view bytes) {
+  constexpr std::size_t kFormat = 20;
+  return bytes.size() > kFormat + 1 && bytes.substr(8).starts_with("WAVEfmt ") &&
+         (bytes[kFormat] == '\x50' || bytes[kFormat] == '\x55') && bytes[kFormat + 1] == '\0';
+}
+
 }  // namespace
 
 std::string_view containerNameOf(std::string_view bytes) {
+  if (isMpegInWav(bytes)) return {};
   for (const Container& container : kContainers)
     if (bytes.size() >= container.offset && bytes.substr(container.offset).starts_with(container.mark))
       return container.name;
