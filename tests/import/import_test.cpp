@@ -123,7 +123,7 @@ TEST_F(Importing, WhatCannotBeImportedIsNamedAndNothingIsWritten) {
       {"frames -o cue --loudness -14", 2, "give --sound too"},
       {"nowhere -o cue", 1, "nowhere, frame 1: No such file or directory"},
       {"empty -o cue", 1, "empty: there is no .svg or .svgz file in this folder"},
-      {"pipe -o cue", 1, "pipe/1.svg: this is no file"},
+      {"pipe -o cue", 1, "pipe/1.svg: this is no regular file"},
       {"twice -o cue", 1, "twice: a.svg and a.svgz are two sources of one name"},
       {"broken -o cue", 1, "broken/2.svg, frame 2, line 3"},
       {"nothing.svg -o cue", 1, "nothing.svg, frame 1: the file is empty"},

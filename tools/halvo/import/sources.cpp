@@ -25,7 +25,7 @@ Importing<std::vector<std::string>> listFolder(const std::string& folder) {
   for (std::string& name : names) {
     name.insert(0, start);
     // One that is named may be a pipe; one that lies about would be waited for.
-    if (isStream(name)) return refusal(name, "this is no file");
+    if (isStream(name)) return refusal(name, "this is no regular file");
   }
   return names;
 }
