@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -8,6 +7,7 @@
 #include "analytics/aggregated_cue_event.h"
 #include "analytics/api_response.h"
 #include "analytics/network_cue_event.h"
+#include "platform/dispatch/function.h"
 #include "platform/foundation/network/url.h"
 #include "platform/foundation/network/url_session.h"
 #include "types/halvo_enums.h"
@@ -15,13 +15,13 @@
 namespace quellaro {
 
 // Posts a body and tells the answer on the main queue, later, once.
-using PostRequest = std::function<void(const NSURL& url, std::string body, URLSessionCompletion completion)>;
+using PostRequest = Function<void(const NSURL& url, std::string body, URLSessionCompletion completion)>;
 
 // Sends records to the ingestion endpoint, under an identity that belongs to this installation of the host application
 // and to nobody's person. Without state; any thread.
 class MixpanelAnalyticsServiceProvider {
  public:
-  using Completion = std::function<void(bool success, std::optional<UploadError> error)>;
+  using Completion = Function<void(bool success, std::optional<UploadError> error)>;
 
   MixpanelAnalyticsServiceProvider();
   explicit MixpanelAnalyticsServiceProvider(PostRequest request) : request_(std::move(request)) {}

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <vector>
 
 #include "assets/sdk_config.h"
+#include "platform/dispatch/function.h"
 #include "svg/svg_view.h"
 #include "types/controller_protocol.h"
 
@@ -30,7 +30,7 @@ class QLHalvoAnimationView : public SVGView {
   void playFrames(HalvoFrames frames, Callback completion);
 
   // Called each time a frame has been shown, for whoever draws every one of them.
-  void setFrameHandler(std::function<void()> handler) { frameHandler_ = std::move(handler); }
+  void setFrameHandler(Function<void()> handler) { frameHandler_ = std::move(handler); }
 
  protected:
   static std::shared_ptr<CALayer> layerClass();
@@ -46,7 +46,7 @@ class QLHalvoAnimationView : public SVGView {
   static void advanceFrame(const Play& play, std::size_t index);
 
   std::shared_ptr<const QLHalvoSDKConfig> sdkConfig_;
-  std::function<void()> frameHandler_;
+  Function<void()> frameHandler_;
 };
 
 }  // namespace quellaro

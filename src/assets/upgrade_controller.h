@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -9,6 +8,7 @@
 #include "assets/cue_sets.h"
 #include "assets/upgrade_controlling.h"
 #include "assets/version_config.h"
+#include "platform/dispatch/function.h"
 #include "platform/foundation/error.h"
 #include "platform/foundation/network/url.h"
 
@@ -58,7 +58,7 @@ class QLUpgradeController final : public UpgradeControlling, public std::enable_
     int outstanding = 1;
   };
   using CheckPointer = std::shared_ptr<Check>;
-  using Receiver = std::function<void(std::optional<std::string> data, const std::optional<NSError>& error)>;
+  using Receiver = Function<void(std::optional<std::string> data, const std::optional<NSError>& error)>;
 
   QLUpgradeController() = default;
   void beginCheck();

@@ -155,7 +155,7 @@ quellaro_halvo_result quellaro_halvo_view_set_needs_display_handler(quellaro_hal
   if (view == nullptr) return quellaro_halvo_result_null_argument;
   return guarded([&] {
     std::shared_ptr<NeedsDisplayObserver> next;
-    std::function<void()> tell;
+    Function<void()> tell;
     if (handler != nullptr) {
       next = std::make_shared<NeedsDisplayObserver>(NeedsDisplayObserver{view, handler, context});
       tell = [weak = std::weak_ptr(next)] {

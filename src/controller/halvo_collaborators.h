@@ -1,11 +1,11 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 
 #include "analytics/analytics_managing.h"
 #include "assets/upgrade_controlling.h"
 #include "media/haptics_manager_protocol.h"
+#include "platform/dispatch/function.h"
 #include "platform/foundation/error.h"
 #include "types/controller_protocol.h"
 
@@ -15,14 +15,14 @@ namespace quellaro {
 // made with the controller. One that is null takes no part: a player that is missing fails to prepare, an upgrade that
 // is missing finds nothing, and without analytics nothing is counted.
 struct HalvoCollaborators {
-  std::function<std::shared_ptr<QLHalvoControllerProtocol>()> makeAnimationController;
-  std::function<std::shared_ptr<QLHalvoSoundProtocol>()> makeAudioController;
-  std::function<std::shared_ptr<UpgradeControlling>()> makeUpgradeController;
+  Function<std::shared_ptr<QLHalvoControllerProtocol>()> makeAnimationController;
+  Function<std::shared_ptr<QLHalvoSoundProtocol>()> makeAudioController;
+  Function<std::shared_ptr<UpgradeControlling>()> makeUpgradeController;
   // Asked again at each prepare until it succeeds.
-  std::function<Result<std::shared_ptr<HapticsManagerProtocol>>()> makeHapticsManager;
+  Function<Result<std::shared_ptr<HapticsManagerProtocol>>()> makeHapticsManager;
   // Whether the device's hardware supports haptics.
-  std::function<bool()> supportsHaptics;
-  std::function<std::shared_ptr<AnalyticsManaging>()> makeAnalyticsManager;
+  Function<bool()> supportsHaptics;
+  Function<std::shared_ptr<AnalyticsManaging>()> makeAnalyticsManager;
 
   // The real ones.
   static HalvoCollaborators standard();

@@ -13,7 +13,7 @@ namespace {
 // Made the first time somebody asks, and kept.
 template <class Collaborator>
 Collaborator* madeOnFirstUse(std::shared_ptr<Collaborator>& kept,
-                             const std::function<std::shared_ptr<Collaborator>()>& make) {
+                             const Function<std::shared_ptr<Collaborator>()>& make) {
   if (!kept) kept = make();
   return kept.get();
 }

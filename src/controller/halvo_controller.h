@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/dispatch/function.h"
 #include "types/component_status.h"
 #include "types/halvo_enums.h"
 #include "types/halvo_status.h"
@@ -26,7 +26,7 @@ class QLHalvoView;
 class UpgradeControlling;
 
 // Receives the answer of a prepare or a play; may be empty.
-using HalvoCompletion = std::function<void(QLHalvoStatus)>;
+using HalvoCompletion = Function<void(QLHalvoStatus)>;
 
 // The one object a host drives: prepare a cue once, then play it as often as it is to be shown. Main thread only. The
 // host holds it by a shared pointer. Dropped during a prepare, it answers nothing; a play keeps it until the play has
@@ -116,7 +116,7 @@ class QLHalvoController : public std::enable_shared_from_this<QLHalvoController>
   void schedulePlayer(QLHalvoControllerProtocol* player, Status Parts::*status, double delayInMillis,
                       std::optional<std::shared_ptr<QLHalvoView>> view, const std::shared_ptr<Play>& play,
                       const std::shared_ptr<DispatchGroup>& group);
-  void startHaptics(const std::function<void(const Status&)>& setStatus, const std::shared_ptr<DispatchGroup>& group);
+  void startHaptics(const Function<void(const Status&)>& setStatus, const std::shared_ptr<DispatchGroup>& group);
   void finishPlay(const Play& play, const HalvoCompletion& completion);
   Account account() const;
   void recordPlay(Account account, std::int64_t animationOutcome, const Status& haptics, bool supportsHaptics,

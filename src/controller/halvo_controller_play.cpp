@@ -138,9 +138,7 @@ std::optional<QLHalvoStatus> QLHalvoController::runPlaySequence(const std::share
   if (parts_.sound.is(Status::Ready))
     schedulePlayer(audioController(), &Parts::sound, configuration.sdkConfig->soundDelayInMillis,
                    std::shared_ptr<QLHalvoView>(), play, group);
-  const std::function<void(const Status&)> setHaptics = [play](const Status& outcome) {
-    play->parts.haptics = outcome;
-  };
+  const Function<void(const Status&)> setHaptics = [play](const Status& outcome) { play->parts.haptics = outcome; };
   const bool hasHaptics = parts_.haptics.is(Status::Ready);
   if (hasHaptics) group->enter();
   group->notify(MainQueue::shared(),
@@ -171,7 +169,7 @@ void QLHalvoController::schedulePlayer(QLHalvoControllerProtocol* player, Status
 }
 
 // Needs the group entered: the haptics manager leaves it, unless it throws.
-void QLHalvoController::startHaptics(const std::function<void(const Status&)>& setStatus,
+void QLHalvoController::startHaptics(const Function<void(const Status&)>& setStatus,
                                      const std::shared_ptr<DispatchGroup>& group) {
   if (attempt([&] { hapticsManager_->play(setStatus, group); })) return;
   setStatus(Status::Error);

@@ -1,16 +1,16 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
+#include "platform/dispatch/function.h"
 #include "platform/dispatch/group.h"
 #include "types/component_status.h"
 
 namespace quellaro {
 
 // Writes the controller's haptics status; does nothing once the controller is gone.
-using HapticsStatusWriter = std::function<void(const ComponentStatus&)>;
+using HapticsStatusWriter = Function<void(const ComponentStatus&)>;
 
 // What the cue's controller asks of its haptics. Each call leaves the group, which the caller has entered, exactly
 // once, after it has written the outcome; one that throws has done neither, and never will.

@@ -1,15 +1,16 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
+
+#include "platform/dispatch/function.h"
 
 namespace quellaro {
 
 struct QLHalvoSDKConfig;
 class QLHalvoView;
 
-using Callback = std::function<void()>;
+using Callback = Function<void()>;
 
 // What the cue's controller asks of its animation player and its sound player. Exactly one of the two callbacks of each
 // call is called, on any thread, unless the implementation says otherwise.

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "platform/avfoundation/sound_source.h"
+#include "platform/dispatch/function.h"
 
 namespace quellaro {
 
@@ -20,7 +20,7 @@ struct PlaybackEnd {
 };
 
 // Called at most once, on any thread.
-using PlaybackEndHandler = std::function<void(const PlaybackEnd&)>;
+using PlaybackEndHandler = Function<void(const PlaybackEnd&)>;
 
 // A sound on its way to the listener. Destroying it silences the sound at once; nothing is reported from then on. Never
 // destroyed by its own end handler.

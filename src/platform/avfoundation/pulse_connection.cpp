@@ -75,7 +75,7 @@ NSError PulseConnection::lastError() const {
 }
 
 // Under the lock. Gives up at the deadline; the caller looks again.
-void PulseConnection::waitFor(const std::function<bool()>& condition, pa_usec_t deadline) {
+void PulseConnection::waitFor(const Function<bool()>& condition, pa_usec_t deadline) {
   const auto expire = [](pa_mainloop_api* /*api*/, pa_time_event* /*event*/, const timeval* /*time*/, void* loop) {
     pa_threaded_mainloop_signal(static_cast<pa_threaded_mainloop*>(loop), 0);
   };

@@ -2,11 +2,11 @@
 
 #include <pulse/pulseaudio.h>
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "platform/dispatch/function.h"
 #include "platform/foundation/error.h"
 
 namespace quellaro {
@@ -47,7 +47,7 @@ class PulseConnection {
 
  private:
   PulseConnection(pa_threaded_mainloop* loop, pa_context* context);
-  void waitFor(const std::function<bool()>& condition, pa_usec_t deadline);
+  void waitFor(const Function<bool()>& condition, pa_usec_t deadline);
 
   pa_threaded_mainloop* loop_;
   pa_context* context_;

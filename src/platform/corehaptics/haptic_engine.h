@@ -1,13 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
 
 #include "platform/corehaptics/actuator.h"
 #include "platform/corehaptics/haptic_pattern.h"
+#include "platform/dispatch/function.h"
 
 namespace quellaro {
 
@@ -23,7 +23,7 @@ enum class CHHapticEngineFinishedAction {
 };
 
 // Told why the pattern broke off, or nothing when it was felt to its end.
-using CHHapticFinishedHandler = std::function<CHHapticEngineFinishedAction(const std::optional<NSError>&)>;
+using CHHapticFinishedHandler = Function<CHHapticEngineFinishedAction(const std::optional<NSError>&)>;
 
 // Feels one pattern at a time on the process's actuator, on the main queue's time: a change that is due while the main
 // queue is busy comes late, and what has passed by then is left out. Main thread. Destroying the engine silences it;

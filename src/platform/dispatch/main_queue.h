@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -9,10 +8,11 @@
 #include <optional>
 
 #include "platform/dispatch/clock.h"
+#include "platform/dispatch/function.h"
 
 namespace quellaro {
 
-using Work = std::function<void()>;
+using Work = Function<void()>;
 // One piece of work with its place in a queue, so that to queue it needs no memory: for what has to come, even then.
 using PreparedWork = std::list<Work>;
 

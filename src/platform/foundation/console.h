@@ -1,16 +1,17 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "platform/dispatch/function.h"
+
 namespace quellaro {
 
 // Receives each printed text, the line break at its end included. Any thread may print; calls never overlap. Must not
 // throw.
-using ConsoleSink = std::function<void(std::string_view)>;
+using ConsoleSink = Function<void(std::string_view)>;
 
 // Prints the text and one line break. Goes to standard output, as is, unless a sink has been set.
 void print(std::string_view text);

@@ -1,18 +1,19 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
 #include <utility>
+
+#include "platform/dispatch/function.h"
 
 namespace quellaro {
 
 // Tells whoever asked that something has happened. Observers run inside post(), on the thread that posts. Any thread.
 class NSNotificationCenter {
  public:
-  using Observer = std::function<void(const std::string& name)>;
+  using Observer = Function<void(const std::string& name)>;
   using Token = std::uint64_t;
 
   static NSNotificationCenter& defaultCenter();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -8,6 +7,7 @@
 
 #include "platform/coregraphics/coder.h"
 #include "platform/coregraphics/geometry.h"
+#include "platform/dispatch/function.h"
 #include "platform/quartzcore/layer.h"
 #include "platform/uikit/ui_color.h"
 
@@ -62,7 +62,7 @@ class UIView : public std::enable_shared_from_this<UIView> {
   bool needsDisplay() const;
   // Called when needsDisplay() becomes true of a topmost view, from inside whatever changed the picture: it can only
   // take a note for later. A view that needs display already waits until it has been drawn. May be empty.
-  void setNeedsDisplayHandler(std::function<void()> handler) { needsDisplayHandler_ = std::move(handler); }
+  void setNeedsDisplayHandler(Function<void()> handler) { needsDisplayHandler_ = std::move(handler); }
   // Lays out and draws the view and all above it over what the surface shows, one point of the view to a pixel.
   void display(Compositor& compositor, const Surface& surface);
 
@@ -82,7 +82,7 @@ class UIView : public std::enable_shared_from_this<UIView> {
   std::vector<std::shared_ptr<UIView>> subviews_;
   bool needsLayout_ = true;
   bool needsDisplay_ = true;
-  std::function<void()> needsDisplayHandler_;
+  Function<void()> needsDisplayHandler_;
 };
 
 }  // namespace quellaro

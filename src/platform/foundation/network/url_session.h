@@ -1,10 +1,10 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "platform/dispatch/function.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/error.h"
 #include "platform/foundation/network/url_request.h"
@@ -30,8 +30,8 @@ class NSURLSessionDelegate {
 };
 
 // Either data and a response, or an error (and the response, when one had begun). An empty body is no data.
-using URLSessionCompletion = std::function<void(std::optional<std::string> data,
-                                                std::optional<NSHTTPURLResponse> response, std::optional<NSError>)>;
+using URLSessionCompletion =
+    Function<void(std::optional<std::string> data, std::optional<NSHTTPURLResponse> response, std::optional<NSError>)>;
 
 // One request that has not been sent before resume().
 class NSURLSessionDataTask {
