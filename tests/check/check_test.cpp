@@ -271,6 +271,21 @@ TEST_F(Check, BudgetsAreBySizeElementsAndPoints) {
   for (int i = 0; i <= 10'000; ++i) points += "v0";
   EXPECT_EQ(joined(check(svg(elements)).ids), "budget-elements");
   EXPECT_EQ(joined(check(svg(points + "'/>")).ids), "budget-points");
+  const auto painted = [](int times, const std::string& shape) {
+    std::string shapes;
+    for (int i = 0; i < times; ++i) shapes += shape;
+    return shapes;
+  };
+  // Whole frames, also where they reach beyond it or turn; smaller ones; and what is drawn outside of it.
+  EXPECT_EQ(joined(check(svg(painted(31, "<rect x='-900' y='-9' width='5e3' height='5e3' fill='#0f0'/>"))).ids),
+            "budget-painting");
+  EXPECT_EQ(joined(check(svg(painted(31, "<path transform='rotate(90)' d='M0-9000H9000V9000H0z' fill='#0f0'/>"))).ids),
+            "budget-painting");
+  EXPECT_EQ(joined(check(svg("<g>" + painted(60, "<path d='M0 0H100V40H0z' fill='#0f0'/>") + "</g>")).ids), "");
+  EXPECT_EQ(joined(check(svg(painted(90, "<path d='M0 50H100' fill='none' stroke='#0f0' stroke-width='9'/>"))).ids),
+            "");
+  EXPECT_EQ(joined(check(svg(painted(1100, "<path d='M0 50H100' fill='none' stroke='#0f0' stroke-width='100'/>"))).ids),
+            "budget-bytes budget-elements budget-standstill");
   EXPECT_EQ(joined(check(svg("<!--" + std::string(70'000, 'x') + "-->")).ids), "budget-bytes");
 }
 

@@ -172,6 +172,10 @@ constexpr FindingKind kKinds[] = {
     {BudgetBytes, "budget-bytes", kWarning, "takes long to fetch it", "round coordinates to one or two decimals"},
     {BudgetElements, "budget-elements", kWarning, "may drop frames on slow devices", "join shapes of one colour"},
     {BudgetPoints, "budget-points", kWarning, "may drop frames on slow devices", "simplify the outlines"},
+    {BudgetPainting, "budget-painting", kWarning, "may drop frames on slow devices",
+     "take out shapes that others cover"},
+    {BudgetStandstill, "budget-standstill", kError, "stands still for a second or more while it draws",
+     "take out shapes that others cover"},
     {BudgetTime, "budget-time", kNote, "prepares the cue for longer than people wait", "use fewer or simpler frames"},
 
     {Approximated, "approximated", kNote, "shows or plays what comes close to it",

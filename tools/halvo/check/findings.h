@@ -125,6 +125,8 @@ enum class FindingId {
   BudgetBytes,
   BudgetElements,
   BudgetPoints,
+  BudgetPainting,
+  BudgetStandstill,
   BudgetTime,
   // What became of what was imported.
   Approximated,

@@ -9,6 +9,7 @@
 #include "animation/frame_file.h"
 #include "check/budget.h"
 #include "check/document_check.h"
+#include "check/drawing_cost.h"
 #include "check/encoding.h"
 #include "picture/frame_look.h"
 #include "picture/frame_source.h"
@@ -72,7 +73,10 @@ class FramesCheck {
       FrameFindings findings(report_, files_.empty() ? file_ : files_[i], number, text, files_.empty() ? "" : file_);
       const std::size_t mistakes = report_.mistakes();
       const auto document = checkDocument(text, frames_.storage, findings);
-      if (document) compare(*document->viewbox(), findings);
+      if (document) {
+        compare(*document->viewbox(), findings);
+        weigh(*document, findings);
+      }
       // What is lost of it has been told, and may be why there is nothing to be seen.
       changes_[i] = look(document, number, report_.mistakes() > mistakes);
       if (progress) progress(i + 1, frames_.texts.size());
@@ -86,6 +90,16 @@ class FramesCheck {
     if (!firstSize_) firstSize_ = size;
     if (size != *firstSize_)
       findings.at(0, FindingId::SizeVaries, sizeText(size) + ", and " + sizeText(*firstSize_) + " before");
+  }
+
+  static void weigh(const SVGDocument& document, FrameFindings& findings) {
+    const std::shared_ptr<const CALayer> layers = document.makeLayer();
+    const double paints = layers ? paintedFrames(*layers, *document.viewbox()) : 0;
+    if (paints <= budget::kFramePaints) return;
+    const bool isEndless = paints > budget::kMostFramePaints;
+    findings.at(0, isEndless ? FindingId::BudgetStandstill : FindingId::BudgetPainting,
+                "its shapes cover the frame " + std::to_string(std::lround(paints)) + " times over, of " +
+                    std::to_string(std::lround(isEndless ? budget::kMostFramePaints : budget::kFramePaints)));
   }
 
   double look(const std::shared_ptr<const SVGDocument>& document, std::optional<std::size_t> number, bool isExplained) {
