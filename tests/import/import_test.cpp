@@ -1,4 +1,6 @@
 // halvo import: from files to a cue.
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -190,6 +192,23 @@ TEST_F(Importing, OnlyACueIsReplacedAndOnlyWhenAsked) {
   EXPECT_NE(readFile(directory_ / "cue/play_config.json"), old);
   EXPECT_EQ(import("frames -o empty --replace").status, 0);
   EXPECT_EQ(names(), before);
+}
+
+// An import that was killed leaves a directory, which the next one beside it removes; not one that is being written to.
+TEST_F(Importing, WhatAKilledOneLeftGoesWithTheNext) {
+  writeFrames(2);
+  file(".halvo-import-Killed/animation.json", "[");
+  file(".halvo-import-Others/notes.txt", "mine");
+  file(".halvo-import-/animation.json", "mine");
+  file(".halvo-import-Living/animation.json", "[");
+  const int living = open((directory_ / ".halvo-import-Living").c_str(), O_RDONLY | O_DIRECTORY);
+  ASSERT_EQ(flock(living, LOCK_EX), 0);
+  std::set<std::string> expected = names();
+  expected.erase(".halvo-import-Killed");
+  expected.insert("cue");
+  ASSERT_EQ(import("frames -o cue").status, 0);
+  close(living);
+  EXPECT_EQ(names(), expected);
 }
 
 TEST_F(Importing, HapticsGoWithTheCue) {

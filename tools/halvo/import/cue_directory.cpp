@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -66,6 +67,26 @@ void removeCue(const std::string& directory) {
   rmdir(directory.c_str());
 }
 
+// Short enough beside a name of any length.
+constexpr std::string_view kStagedName = ".halvo-import-";
+constexpr std::size_t kRandomLetters = 6;
+
+// Held by whoever writes into the directory, for as long as the process lives. None where others hold it, or where the
+// file system has no locks.
+FileDescriptor lockOf(const std::string& directory) {
+  FileDescriptor lock(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  return lock && flock(lock.get(), LOCK_EX | LOCK_NB) == 0 ? std::move(lock) : FileDescriptor();
+}
+
+// What imports have left that were killed.
+void removeRemains(const std::string& parent) {
+  for (const std::string& name : FileManager::contentsOfDirectoryAtPath(parent)) {
+    if (!name.starts_with(kStagedName) || name.size() != kStagedName.size() + kRandomLetters) continue;
+    const std::string path = parent + "/" + name;
+    if (const FileDescriptor lock = lockOf(path)) removeCue(path);
+  }
+}
+
 // Both names change what they stand for at once; where the file system cannot do that, one after the other.
 bool swapPlaces(const std::string& staged, const std::string& target) {
   if (renameat2(AT_FDCWD, staged.c_str(), AT_FDCWD, target.c_str(), RENAME_EXCHANGE) == 0) return true;
@@ -121,10 +142,11 @@ std::optional<Refusal> whyNoTarget(const std::string& given, bool replace) {
   return std::nullopt;
 }
 
-StagedCue::StagedCue(std::string target, std::string path) : target_(std::move(target)), path_(std::move(path)) {}
+StagedCue::StagedCue(std::string target, std::string path)
+    : target_(std::move(target)), path_(std::move(path)), lock_(lockOf(path_)) {}
 
 StagedCue::StagedCue(StagedCue&& other) noexcept
-    : target_(std::move(other.target_)), path_(std::exchange(other.path_, "")) {}
+    : target_(std::move(other.target_)), path_(std::exchange(other.path_, "")), lock_(std::move(other.lock_)) {}
 
 StagedCue::~StagedCue() {
   if (!path_.empty()) removeCue(path_);
@@ -132,14 +154,19 @@ StagedCue::~StagedCue() {
 
 Importing<StagedCue> StagedCue::begin(const std::string& given) {
   const std::string target = withoutSlashes(given);
-  // Short enough beside a name of any length.
-  std::string path = parentOf(target) + "/.halvo-import-XXXXXX";
-  if (mkdtemp(path.data()) == nullptr) return refusalOf(given, errno);
+  removeRemains(parentOf(target));
   const mode_t mask = umask(0);
   umask(mask);
-  StagedCue staged(target, path);
-  if (chmod(path.c_str(), 0777 & ~mask) != 0) return refusalOf(given, errno);
-  return staged;
+  // Another import that looks for remains may come before the lock; not time after time.
+  for (int tries = 0; tries < 10; ++tries) {
+    std::string path = (parentOf(target) + "/").append(kStagedName).append(kRandomLetters, 'X');
+    if (mkdtemp(path.data()) == nullptr) return refusalOf(given, errno);
+    StagedCue staged(target, path);
+    const bool isOthers = !staged.lock_ && errno == EWOULDBLOCK;
+    if (!isOthers && chmod(path.c_str(), 0777 & ~mask) == 0) return staged;
+    if (!isOthers && errno != ENOENT) return refusalOf(given, errno);
+  }
+  return refusalOf(given, EBUSY);
 }
 
 std::optional<Refusal> StagedCue::putInPlace(bool replace) {

@@ -6,6 +6,7 @@
 
 #include "import/refusal.h"
 #include "platform/foundation/error.h"
+#include "platform/foundation/storage/file_descriptor.h"
 
 namespace halvo {
 
@@ -17,7 +18,7 @@ std::optional<quellaro::NSError> writeWhole(std::string_view bytes, const std::s
 std::optional<Refusal> whyNoTarget(const std::string& target, bool replace);
 
 // A directory beside the one that a cue is to be written to, which takes its place when the cue is complete, at once.
-// Gone with the object otherwise.
+// Gone with the object otherwise, or, when its process is killed, with the next import beside it.
 class StagedCue {
  public:
   static Importing<StagedCue> begin(const std::string& target);
@@ -35,6 +36,7 @@ class StagedCue {
 
   std::string target_;
   std::string path_;  // empty when there is none
+  quellaro::FileDescriptor lock_;
 };
 
 }  // namespace halvo
