@@ -263,9 +263,13 @@ TEST_F(Host, LogsWithLevelsBesidesTheConsoleAndInPlaceOfStandardError) {
   EXPECT_EQ(lines.size(), 1U + 2 + 3) << "two moments, and three lines of the unknown cue";
   EXPECT_EQ(lines[1].first, quellaro_halvo_log_level_info);
   EXPECT_EQ(console_.find(lines[1].second + "\n"), 0U) << "the console has it too";
+  quellaro_halvo_set_log_sink(collectLines, quellaro_halvo_log_level_warning, &lines);
+  play();
+  pump();
+  EXPECT_EQ(lines.size(), 1U + 2 + 3) << "none but errors and warnings are wanted";
   quellaro_halvo_set_log_sink(nullptr, quellaro_halvo_log_level_info, nullptr);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-  EXPECT_EQ(answers_, (Answers{800})) << "an unknown name plays the built-in cue";
+  EXPECT_EQ(answers_, (Answers{800, 800})) << "an unknown name plays the built-in cue";
 }
 
 #ifdef QUELLARO_EXPECT_MAIN_THREAD
