@@ -1,5 +1,8 @@
 #include "animation/halvo_animation_controller.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -14,10 +17,12 @@ namespace quellaro {
 void QLHalvoAnimationController::prepare(const std::string& cueName, Callback onSuccess, Callback onFailure) {
   const std::string path = HalvoFileManager::assetsDirectoryPath(cueName) + "/" + kAnimationFile;
   const bool exists = FileManager::fileExistsAtPath(path);
-  const std::optional<NSError> error = exists ? loadFrames(path) : std::nullopt;
-  // The host learns only that it failed; whoever made the file wants to know why.
-  if (error) logToStandardError(path + ": " + error->localizedDescription);
-  const Callback& answer = exists && !error ? onSuccess : onFailure;
+  const std::optional<NSError> error = exists ? loadFrames(path) : posixError(ENOENT);
+  failureReason_.clear();
+  if (error) ((failureReason_ += path) += ": ") += error->localizedDescription;
+  // The answer tells only that it failed; whoever made the file wants to know why.
+  if (exists && error) logLine(LogLevel::Error, failureReason_);
+  const Callback& answer = error ? onFailure : onSuccess;
   if (answer) answer();
 }
 
@@ -30,6 +35,16 @@ std::optional<NSError> QLHalvoAnimationController::loadFrames(const std::string&
   if (!documents) return documents.error();
   animationElements_ = std::move(*documents);
   return std::nullopt;
+}
+
+double QLHalvoAnimationController::duration(const QLHalvoSDKConfig& config) const {
+  std::optional<double> last = 0.0;
+  double seconds = 0;
+  for (std::size_t i = 0; i < animationElements_.size(); ++i) {
+    last = config.secondsOfFrame(i);
+    seconds += last.value_or(0);
+  }
+  return last ? std::max(0.0, seconds) : std::numeric_limits<double>::infinity();
 }
 
 void QLHalvoAnimationController::play(const std::shared_ptr<QLHalvoView>& view,

@@ -19,12 +19,16 @@ class QLHalvoAnimationController : public QLHalvoControllerProtocol {
   void play(const std::shared_ptr<QLHalvoView>& view, const std::shared_ptr<const QLHalvoSDKConfig>& config,
             Callback onSuccess, Callback onFailure) override;
 
+  std::string_view failureReason() const override { return failureReason_; }
+  double duration(const QLHalvoSDKConfig& config) const override;
+
   // Replaces the frames with those of an animation.json. A load that fails leaves none, and tells why.
   std::optional<NSError> loadFrames(const std::string& filePath);
   const HalvoFrames& animationElements() const { return animationElements_; }
 
  private:
   HalvoFrames animationElements_;
+  std::string failureReason_;
 };
 
 }  // namespace quellaro

@@ -13,8 +13,6 @@ namespace quellaro {
 
 namespace {
 
-constexpr double kMillisPerSecond = 1000.0;
-
 void printMoment(double seconds, const char* what) {
   print("===> " + decimalDescription(seconds) + " Animation " + what + " at " + decimalDescription(secondsSince1970()));
 }
@@ -67,9 +65,9 @@ void QLHalvoAnimationView::showFrame(const std::shared_ptr<const SVGDocument>& f
 
 void QLHalvoAnimationView::scheduleFrameTimer(const std::shared_ptr<Play>& play, std::size_t index) {
   if (!sdkConfig()) return;
-  const auto time = sdkConfig()->frameTime.find("Frame_" + std::to_string(index + 1));
-  if (time == sdkConfig()->frameTime.end()) return;
-  play->scheduledSeconds += time->second / kMillisPerSecond;
+  const std::optional<double> seconds = sdkConfig()->secondsOfFrame(index);
+  if (!seconds) return;
+  play->scheduledSeconds += *seconds;
   // All from the start and not each from the one before: a frame that comes late does not delay those after it.
   MainQueue::shared().asyncAfter(play->scheduledSeconds, [play, index] { advanceFrame(*play, index); });
 }

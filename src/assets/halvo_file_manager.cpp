@@ -25,7 +25,7 @@ std::optional<std::string> cueDirectory(const char* root, const std::string& cue
 }
 
 void printFailure(const std::string& what, const std::optional<NSError>& error) {
-  if (error) print("QuellaroHalvo: " + what + " : " + error->localizedDescription);
+  if (error) print("QuellaroHalvo: " + what + " : " + error->localizedDescription, LogLevel::Error);
 }
 
 }  // namespace
@@ -36,13 +36,15 @@ std::string HalvoFileManager::assetsDirectoryPath(const std::optional<std::strin
   return NSBundle::library().bundlePath();
 }
 
-std::optional<std::string> HalvoFileManager::versionConfig() {
-  return FileManager::contentsAtPath(assetsDirectoryPath(std::nullopt) + "/" + kVersionConfigFile);
+std::optional<std::string> HalvoFileManager::versionConfig(std::string& path) {
+  path = assetsDirectoryPath(std::nullopt) + "/" + kVersionConfigFile;
+  return FileManager::contentsAtPath(path);
 }
 
-std::optional<std::string> HalvoFileManager::versionConfigOrBuiltIn() {
-  if (std::optional<std::string> active = versionConfig()) return active;
-  return FileManager::contentsAtPath(NSBundle::library().bundlePath() + "/" + kVersionConfigFile);
+std::optional<std::string> HalvoFileManager::versionConfigOrBuiltIn(std::string& path) {
+  if (std::optional<std::string> active = versionConfig(path)) return active;
+  path = NSBundle::library().bundlePath() + "/" + kVersionConfigFile;
+  return FileManager::contentsAtPath(path);
 }
 
 std::optional<std::string> HalvoFileManager::libraryFileURL(const std::string& name) {

@@ -24,10 +24,10 @@ class HalvoFileManager {
   // the library's bundle otherwise. There is no fallback file by file.
   static std::string assetsDirectoryPath(const std::optional<std::string>& cueName);
   // The "version_config.json" that a check for upgrades reads: that of the active assets, or the bundle's while there
-  // are none.
-  static std::optional<std::string> versionConfig();
+  // are none. `path` becomes its path.
+  static std::optional<std::string> versionConfig(std::string& path);
   // The one that a prepare reads: the bundle's, too, when that of the active assets cannot be read.
-  static std::optional<std::string> versionConfigOrBuiltIn();
+  static std::optional<std::string> versionConfigOrBuiltIn(std::string& path);
   // The path of the Library directory with the name appended as it is (names begin with "/"); nothing without a
   // Library.
   static std::optional<std::string> libraryFileURL(const std::string& name);

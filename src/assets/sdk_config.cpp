@@ -6,6 +6,13 @@
 
 namespace quellaro {
 
+std::optional<double> QLHalvoSDKConfig::secondsOfFrame(std::size_t index) const {
+  constexpr double kMillisPerSecond = 1000.0;
+  const auto time = frameTime.find("Frame_" + std::to_string(index + 1));
+  if (time == frameTime.end()) return std::nullopt;
+  return time->second / kMillisPerSecond;
+}
+
 Result<std::shared_ptr<const QLHalvoSDKConfig>> decodeSDKConfig(std::string json) {
   const Result<JSONDocument> document = JSONDocument::parse(std::move(json));
   if (!document) return document.error();

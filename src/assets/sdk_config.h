@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -23,6 +24,9 @@ struct QLHalvoSDKConfig {
   std::map<std::string, double> frameTime;
   std::string viewBox;
   bool isHapticsSupported = false;
+
+  // How long the frame with this index (from 0) stays on screen; nothing when that is not said.
+  std::optional<double> secondsOfFrame(std::size_t index) const;
 };
 
 // The first thing that is wrong, in the order of the fields, ends the decoding.

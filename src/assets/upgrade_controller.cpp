@@ -25,7 +25,7 @@ void printLine(const std::string& text) { print("QuellaroHalvo: " + text); }
 
 void complainOnce(const std::string& problem) {
   static std::atomic<bool> done = false;
-  if (!done.exchange(true)) logToStandardError("no upgrades: " + problem);
+  if (!done.exchange(true)) logLine(LogLevel::Warning, "no upgrades: " + problem);
 }
 
 // Nothing when there is none, which is a matter of choice, or when it cannot be used, which the operator is told.
@@ -142,7 +142,8 @@ void QLUpgradeController::receiveVersionConfig(const CheckPointer& check, std::o
 }
 
 void QLUpgradeController::processLocalVersionConfig(const CheckPointer& check) {
-  std::optional<std::string> json = HalvoFileManager::versionConfig();
+  std::string path;
+  std::optional<std::string> json = HalvoFileManager::versionConfig(path);
   // Without a copy the check stays unfinished, and without a time stamp the next one asks the store again.
   if (json) processVersionConfig(std::move(*json), check);
 }

@@ -31,6 +31,8 @@ std::string buildReport() {
 
 const char* quellaro_halvo_version(void) { return QUELLARO_VERSION; }
 
+uint32_t quellaro_halvo_version_number(void) { return QUELLARO_HALVO_VERSION_NUMBER; }
+
 const char* quellaro_halvo_build_report(void) {
   return guarded<const char*>(nullptr, [] {
     static std::string report;

@@ -64,8 +64,26 @@ quellaro_halvo_result quellaro_halvo_use_simulated_devices(double volume, bool h
   });
 }
 
+quellaro_halvo_result quellaro_halvo_set_sound_name(const char* name) {
+  return choose(name, [&] {
+    if (name != nullptr && *name == '\0') return quellaro_halvo_result_invalid_value;
+    AVAudioSession::sharedInstance().setSoundName(name != nullptr ? name : AVAudioSession::kDefaultSoundName);
+    return quellaro_halvo_result_ok;
+  });
+}
+
+quellaro_halvo_result quellaro_halvo_set_log_sink(quellaro_halvo_log_sink sink, quellaro_halvo_log_level most,
+                                                  void* context) {
+  if (most < quellaro_halvo_log_level_error || most > quellaro_halvo_log_level_info)
+    return quellaro_halvo_result_invalid_value;
+  return guardedAnywhere([&] {
+    setLogSink({sink, context, static_cast<LogLevel>(most)});
+    return quellaro_halvo_result_ok;
+  });
+}
+
 quellaro_halvo_result quellaro_halvo_set_console_sink(quellaro_halvo_console_sink sink, void* context) {
-  return guarded([&] {
+  return guardedAnywhere([&] {
     if (sink == nullptr)
       setConsoleSink({});
     else

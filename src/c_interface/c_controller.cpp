@@ -24,6 +24,7 @@ quellaro_halvo_controller* quellaro_halvo_controller_create(void) {
 void quellaro_halvo_controller_release(quellaro_halvo_controller* controller) {
   // It would wait for threads that the parent has.
   if (MainQueue::isInherited()) return;
+  expectMainThread();
   const std::unique_ptr<quellaro_halvo_controller> released(controller);
 }
 
@@ -74,7 +75,25 @@ quellaro_halvo_result quellaro_halvo_controller_set_prepared_halvo_cue(quellaro_
   });
 }
 
+const char* quellaro_halvo_controller_failure_reason(const quellaro_halvo_controller* controller) {
+  expectMainThread();
+  if (controller == nullptr || controller->controller->failureReason().empty()) return nullptr;
+  return controller->controller->failureReason().c_str();
+}
+
+quellaro_halvo_sound quellaro_halvo_controller_last_sound(const quellaro_halvo_controller* controller) {
+  if (controller == nullptr) return quellaro_halvo_sound_none;
+  expectMainThread();
+  return rawValueOf(controller->controller->lastSound());
+}
+
+double quellaro_halvo_controller_duration(const quellaro_halvo_controller* controller) {
+  if (controller == nullptr) return -1;
+  return guarded(-1.0, [&] { return controller->controller->duration().value_or(-1); });
+}
+
 bool quellaro_halvo_controller_is_playing(const quellaro_halvo_controller* controller) {
+  expectMainThread();
   return controller != nullptr && controller->controller->isPlaying();
 }
 

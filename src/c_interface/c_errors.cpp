@@ -1,10 +1,23 @@
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <thread>
 
 #include "c_interface/c_interface.h"
 #include "platform/foundation/console.h"
 #include "types/halvo_status.h"
 
 namespace quellaro {
+
+#ifdef QUELLARO_EXPECT_MAIN_THREAD
+void expectMainThread() noexcept {
+  static const std::thread::id mainThread = std::this_thread::get_id();
+  if (mainThread == std::this_thread::get_id()) return;
+  std::fputs("QuellaroHalvo: a call from another thread than the first, which quellaro_halvo.h does not allow\n",
+             stderr);
+  std::abort();
+}
+#endif
 
 quellaro_halvo_result resultOfException() noexcept {
   try {
@@ -13,13 +26,13 @@ quellaro_halvo_result resultOfException() noexcept {
     return quellaro_halvo_result_out_of_memory;
   } catch (const std::exception& exception) {
     try {
-      logToStandardError(std::string("stopped at the C interface: ") + exception.what());
+      logLine(LogLevel::Error, std::string("stopped at the C interface: ") + exception.what());
     } catch (...) {
       return quellaro_halvo_result_out_of_memory;
     }
   } catch (...) {
     try {
-      logToStandardError("stopped at the C interface: an exception of the host's");
+      logLine(LogLevel::Error, "stopped at the C interface: an exception of the host's");
     } catch (...) {
       return quellaro_halvo_result_out_of_memory;
     }
@@ -62,7 +75,7 @@ const char* quellaro_halvo_result_description(quellaro_halvo_result result) {
     case quellaro_halvo_result_out_of_memory:
       return "Memory is short";
     case quellaro_halvo_result_failed:
-      return "Failed; a line on standard error tells more";
+      return "Failed; a line of the log, or on standard error, tells more";
     case quellaro_halvo_result_forked:
       return "This process was forked from one that used the library already";
     default:

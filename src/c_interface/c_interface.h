@@ -46,12 +46,20 @@ struct quellaro_halvo_view {
 
 namespace quellaro {
 
-// What a caught exception comes to; says on standard error what it was, unless memory is short. Only within a handler.
+// In a debug build every call that belongs to the main-queue thread begins with this: from another thread it says so on
+// standard error and ends the process. The first such call of the process tells which thread that is.
+#ifdef QUELLARO_EXPECT_MAIN_THREAD
+void expectMainThread() noexcept;
+#else
+inline void expectMainThread() noexcept {}
+#endif
+
+// What a caught exception comes to; logs what it was, unless memory is short. Only within a handler.
 quellaro_halvo_result resultOfException() noexcept;
 
-// Answers what the work answers: no exception leaves it. A forked child does nothing.
+// Answers what the work answers: no exception leaves it. A forked child does nothing. Any thread.
 template <class Work>
-quellaro_halvo_result guarded(const Work& work) noexcept {
+quellaro_halvo_result guardedAnywhere(const Work& work) noexcept {
   if (MainQueue::isInherited()) return quellaro_halvo_result_forked;
   try {
     return work();
@@ -62,7 +70,7 @@ quellaro_halvo_result guarded(const Work& work) noexcept {
 
 // The same for work that answers something else, and `otherwise` when it cannot.
 template <class Value, class Work>
-Value guarded(Value otherwise, const Work& work) noexcept {
+Value guardedAnywhere(Value otherwise, const Work& work) noexcept {
   if (MainQueue::isInherited()) return otherwise;
   try {
     return work();
@@ -70,6 +78,18 @@ Value guarded(Value otherwise, const Work& work) noexcept {
     resultOfException();
     return otherwise;
   }
+}
+
+// Both, for calls that belong to the main-queue thread.
+template <class Work>
+quellaro_halvo_result guarded(const Work& work) noexcept {
+  expectMainThread();
+  return guardedAnywhere(work);
+}
+template <class Value, class Work>
+Value guarded(Value otherwise, const Work& work) noexcept {
+  expectMainThread();
+  return guardedAnywhere(otherwise, work);
 }
 
 // Calls a host's function; an exception that it throws ends here.

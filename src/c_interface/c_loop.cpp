@@ -57,7 +57,7 @@ quellaro_halvo_result quellaro_halvo_loop_run_until_idle(int milliseconds) {
 }
 
 void quellaro_halvo_loop_stop(void) {
-  guarded([] {
+  guardedAnywhere([] {
     MainQueue::shared().stop();
     return quellaro_halvo_result_ok;
   });

@@ -10,7 +10,7 @@ quellaro_halvo_merchant* quellaro_halvo_merchant_create(const char* merchant_nam
   if (merchant_name == nullptr || country_code == nullptr || merchant_category_codes == nullptr) return nullptr;
   for (const char* text : {merchant_name, country_code, city, merchant_id})
     if (!isTextOrNothing(text)) return nullptr;
-  return guarded<quellaro_halvo_merchant*>(nullptr, [&]() -> quellaro_halvo_merchant* {
+  return guardedAnywhere<quellaro_halvo_merchant*>(nullptr, [&]() -> quellaro_halvo_merchant* {
     std::vector<std::string> codes;
     for (size_t i = 0; i < merchant_category_code_count; ++i) {
       const char* code = merchant_category_codes[i];
@@ -62,10 +62,10 @@ const char* quellaro_halvo_merchant_description(const quellaro_halvo_merchant* m
 
 uint64_t quellaro_halvo_merchant_hash(const quellaro_halvo_merchant* merchant) {
   if (merchant == nullptr) return 0;
-  return guarded<uint64_t>(0, [&] { return merchant->merchant->hash(); });
+  return guardedAnywhere<uint64_t>(0, [&] { return merchant->merchant->hash(); });
 }
 
 bool quellaro_halvo_merchant_is_equal(const quellaro_halvo_merchant* merchant, const quellaro_halvo_merchant* other) {
   if (merchant == nullptr || other == nullptr) return false;
-  return guarded(false, [&] { return *merchant->merchant == *other->merchant; });
+  return guardedAnywhere(false, [&] { return *merchant->merchant == *other->merchant; });
 }

@@ -68,6 +68,7 @@ quellaro_halvo_view* quellaro_halvo_view_create_with_coder(const quellaro_halvo_
 
 void quellaro_halvo_view_release(quellaro_halvo_view* view) {
   if (MainQueue::isInherited()) return;
+  expectMainThread();
   quellaro_halvo_view_set_needs_display_handler(view, nullptr, nullptr);
   const std::unique_ptr<quellaro_halvo_view> released(view);
 }
@@ -146,6 +147,7 @@ quellaro_halvo_result quellaro_halvo_view_draw(quellaro_halvo_view* view, void* 
 }
 
 bool quellaro_halvo_view_needs_display(const quellaro_halvo_view* view) {
+  expectMainThread();
   return view != nullptr && view->view->needsDisplay();
 }
 

@@ -2,8 +2,10 @@
 // C99, and C++ as it stands. This header is the manual.
 //
 // Thread. Everything is to be called from one thread, the main-queue thread: the one that drains or runs the loop
-// below. What may be called from any thread says so. Callbacks come on the main-queue thread, from inside a call of
-// the loop or, where it is said, from inside the call that asked for them; they may call anything here.
+// below. What may be called from any thread says so: merchants, the two sinks, quellaro_halvo_loop_stop, names,
+// descriptions and versions. A debug build of the library ends the process at any other call from another thread than
+// that of the first one. Callbacks come on the main-queue thread, from inside a call of the loop or, where it is said,
+// from inside the call that asked for them; they may call anything here.
 //
 // Ownership. What a function named "create" gives belongs to the caller, who releases it once; releasing null does
 // nothing. Every string that is given belongs to the library and lives as long as it is said; strings and arrays that
@@ -11,13 +13,14 @@
 //
 // Errors. Text is UTF-8, ended by a zero. Null where it is not allowed, a value that names nothing and text that is not
 // UTF-8 are answered with a result (or null, or the value that is said) and change nothing. No C++ exception leaves
-// the library; one that a callback throws ends in the library, with a line on standard error. A call whose result is
-// not quellaro_halvo_result_ok never calls its completion. When memory is short a call answers so and can be made again
+// the library; one that a callback throws ends in the library, with a line of the log. A call whose result is not
+// quellaro_halvo_result_ok never calls its completion. When memory is short a call answers so and can be made again
 // later; of what is under way already only parts fail then, and the answer tells which.
 //
 // Processes. The library belongs to the process that has used its loop or a controller first. In a child that is forked
 // afterwards, all but the functions that only look at a handle answer quellaro_halvo_result_forked (or null, 0 or -1),
-// and releasing does nothing: fork first.
+// and releasing does nothing: fork first. Once loaded, the library stays until the process ends: dlclose releases
+// nothing, since threads of its own may run its code.
 #ifndef QUELLARO_HALVO_H
 #define QUELLARO_HALVO_H
 
@@ -28,6 +31,9 @@
 #define QUELLARO_HALVO_VERSION_MAJOR 1
 #define QUELLARO_HALVO_VERSION_MINOR 0
 #define QUELLARO_HALVO_VERSION_PATCH 0
+// Of this header, to be compared with quellaro_halvo_version_number(): 10203 for 1.2.3.
+#define QUELLARO_HALVO_VERSION_NUMBER \
+  (QUELLARO_HALVO_VERSION_MAJOR * 10000 + QUELLARO_HALVO_VERSION_MINOR * 100 + QUELLARO_HALVO_VERSION_PATCH)
 
 #if defined(__GNUC__)
 #define QUELLARO_HALVO_PUBLIC __attribute__((visibility("default")))
@@ -50,7 +56,7 @@ enum {
   quellaro_halvo_result_not_found = 5,      // there is no such directory
   quellaro_halvo_result_busy = 6,           // the loop runs already
   quellaro_halvo_result_out_of_memory = 7,
-  quellaro_halvo_result_failed = 8,  // the system refused something else; a line on standard error tells what
+  quellaro_halvo_result_failed = 8,  // the system refused something else; a line of the log tells what
   quellaro_halvo_result_forked = 9   // this process was forked from one that used the library already
 };
 
@@ -85,6 +91,17 @@ enum {
   quellaro_halvo_status_not_prepared = 908,              // nothing has been prepared
   quellaro_halvo_status_haptics_prepare_failed = 909,    // sound and animation are usable
   quellaro_halvo_status_haptics_play_failed = 910        // sound and animation have played
+};
+
+// What became of a sound.
+typedef int64_t quellaro_halvo_sound;
+enum {
+  quellaro_halvo_sound_none = 0,         // none has ended yet
+  quellaro_halvo_sound_heard = 1,        // played to its end, with the volume up
+  quellaro_halvo_sound_muted = 2,        // played to its end while the output was muted or its volume 0
+  quellaro_halvo_sound_no_server = 3,    // there was no sound server: silence of the sound's length
+  quellaro_halvo_sound_broken_off = 4,   // the server went midway, or another prepare took the sound away
+  quellaro_halvo_sound_undecodable = 5,  // the file is damaged; the play has answered 905 or 906
 };
 
 // Points, which are pixels when the view is drawn; y grows downwards.
@@ -126,6 +143,8 @@ QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_set_library_directory
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_set_application_identifier(const char* identifier);
 // The sound server and the kernel's force-feedback devices: what is used when nothing is chosen.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_use_real_devices(void);
+// What mixers show the sound as, beside the program's name; null or left out: "Sound". Not empty.
+QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_set_sound_name(const char* name);
 // Nothing of the machine: a sound takes its real duration and nobody hears it. `volume` is the output volume that the
 // library reads, 0.0 to 1.0; `has_actuator` whether there seems to be a haptic actuator.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_use_simulated_devices(double volume, bool has_actuator);
@@ -231,8 +250,9 @@ QUELLARO_HALVO_PUBLIC void quellaro_halvo_controller_release(quellaro_halvo_cont
 // prepareWith:halvoCue:halvoEnvironment:merchant:isHapticsEnabled:completion:
 // Loads the cue's configuration and assets; answers 800, 901, 902, 903 or 909 from the loop, or 800 inside this call
 // when this cue is prepared already, whatever the type and whether haptics are wanted: neither is looked at again. Cue
-// names that differ only in "_", "-", blanks and letter case name one cue. `completion` may be null. Afterwards looks
-// for a newer version of the cue, which a later play picks up.
+// names that differ only in "_", "-", blanks and letter case name one cue; a name that is known nowhere answers 800
+// too, and the built-in cue is played, each time with three lines on the console that say so. `completion` may be null.
+// Afterwards looks for a newer version of the cue, which a later play picks up.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_controller_prepare(
     quellaro_halvo_controller* controller, quellaro_halvo_type type, const char* halvo_cue,
     quellaro_halvo_environment environment, const quellaro_halvo_merchant* merchant, bool is_haptics_enabled,
@@ -240,9 +260,10 @@ QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_controller_prepare(
 
 // playWith:completion:
 // Plays the prepared cue, its animation in the view. Answers 904 or 908 inside this call, everything else from the loop
-// when the last part has ended, a downloaded upgrade having been taken up first. The next play may
-// start when the completion has returned. `view` and `completion` may be null; without a view a cue that has an
-// animation answers 907 or 905.
+// when the last part has ended, a downloaded upgrade having been taken up first. The next play may start when the
+// completion has returned. A sound that nobody hears changes no answer, nor does a sound server that goes midway: then
+// the sound has ended, and 800 comes at once or, with an animation, at its end. `view` and `completion` may be null;
+// without a view a cue that has an animation answers 907 or 905.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_controller_play(quellaro_halvo_controller* controller,
                                                                            quellaro_halvo_view* view,
                                                                            quellaro_halvo_completion completion,
@@ -253,6 +274,19 @@ QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_controller_play(quell
 QUELLARO_HALVO_PUBLIC const char* quellaro_halvo_controller_prepared_halvo_cue(quellaro_halvo_controller* controller);
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result
 quellaro_halvo_controller_set_prepared_halvo_cue(quellaro_halvo_controller* controller, const char* halvo_cue);
+// What was wrong with the last prepare or play, in words for whoever looks after the cue or the installation: the file,
+// and the frame or the key in it ("/srv/cue/play_config.json: At frameTime.Frame_2: ..."). Null when nothing was, and
+// for a null controller. After a prepare that answered 800 it tells what was wrong with downloaded assets that have
+// been discarded, or with the haptics. In a completion it tells of that answer. Valid until the loop or a prepare or
+// play of this controller's is called again, or the controller is released.
+QUELLARO_HALVO_PUBLIC const char* quellaro_halvo_controller_failure_reason(const quellaro_halvo_controller* controller);
+// What became of the last sound of this controller's that has ended; in the completion of a play, of that play's.
+QUELLARO_HALVO_PUBLIC quellaro_halvo_sound
+quellaro_halvo_controller_last_sound(const quellaro_halvo_controller* controller);
+// Seconds from a play of the prepared cue to its answer, as its files announce them; INFINITY when the cue gives no
+// time for its last frame. Negative when no cue is prepared, and for a null controller.
+QUELLARO_HALVO_PUBLIC double quellaro_halvo_controller_duration(const quellaro_halvo_controller* controller);
+
 // isPlaying: true from the start of a play until its completion has returned; false for a null controller.
 QUELLARO_HALVO_PUBLIC bool quellaro_halvo_controller_is_playing(const quellaro_halvo_controller* controller);
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result
@@ -298,8 +332,25 @@ typedef void (*quellaro_halvo_console_sink)(const char* text, void* context);
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_set_console_sink(quellaro_halvo_console_sink sink,
                                                                             void* context);
 
+// How much a line of the log matters.
+typedef int32_t quellaro_halvo_log_level;
+enum {
+  quellaro_halvo_log_level_error = 1,    // something does not work: the cue, its haptics, a host's callback
+  quellaro_halvo_log_level_warning = 2,  // it works in part: nobody hears the sound, no upgrades
+  quellaro_halvo_log_level_info = 3      // what else is printed on the console
+};
+// Receives, up to the level `most`, what the library would otherwise say on standard error, why a prepare has failed,
+// and a copy of what it prints on the console (which goes there all the same): one message at a time, without the line
+// break at its end (it may hold others), valid inside the call. Otherwise like the console sink. Null restores standard
+// error. A level that names nothing is quellaro_halvo_result_invalid_value. Any thread.
+typedef void (*quellaro_halvo_log_sink)(quellaro_halvo_log_level level, const char* message, void* context);
+QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_set_log_sink(quellaro_halvo_log_sink sink,
+                                                                        quellaro_halvo_log_level most, void* context);
+
 // "1.0.0". For ever valid. Any thread.
 QUELLARO_HALVO_PUBLIC const char* quellaro_halvo_version(void);
+// Of the library that is loaded, as QUELLARO_HALVO_VERSION_NUMBER is of the header. Any thread.
+QUELLARO_HALVO_PUBLIC uint32_t quellaro_halvo_version_number(void);
 // What to put into a bug report, in lines of text: version, compiler, the libraries it stands on, directories, the
 // sound server (or why there is none) and the haptic devices. Asks the sound server, so it may take some seconds. Valid
 // until it is asked for again. Null when memory is short.

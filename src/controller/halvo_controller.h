@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/dispatch/function.h"
@@ -65,6 +66,15 @@ class QLHalvoController : public std::enable_shared_from_this<QLHalvoController>
   bool isPlaying() const { return isPlaying_; }
   void setIsPlaying(bool isPlaying) { isPlaying_ = isPlaying; }
 
+  // What was wrong with the last prepare or play, with the file and the place in it; empty when nothing was. A prepare
+  // that succeeded after the cue's downloaded assets had been discarded tells what was wrong with those.
+  const std::string& failureReason() const { return failureReason_; }
+  // What became of the last sound that this has played to its end.
+  QLHalvoSound lastSound() const;
+  // Seconds from a play's beginning to its answer, as far as the cue decides; infinite when it never ends, and nothing
+  // when no cue is prepared.
+  std::optional<double> duration() const;
+
  private:
   // Where the parts of a cue stand.
   struct Parts {
@@ -87,6 +97,8 @@ class QLHalvoController : public std::enable_shared_from_this<QLHalvoController>
     std::shared_ptr<const QLHalvoVersionConfig> halvoVersionConfig;
     // The chosen version configuration names the cue.
     bool isPreparedHalvoCueValid = false;
+    // What is wrong with the two files.
+    std::string problem;
   };
   // What is under way. Their parts write into them, so that a call that comes in between cannot change their outcome.
   struct Prepare;
@@ -101,12 +113,18 @@ class QLHalvoController : public std::enable_shared_from_this<QLHalvoController>
   bool isPreparedAlready() const;
   bool loadVersionConfig();
   bool loadPlayConfig();
+  // Notes what is wrong with a configuration. Gives false.
+  bool isUnusable(std::string_view path, std::string_view problem);
   void prepareHaptics(const std::shared_ptr<Prepare>& prepare, const std::shared_ptr<DispatchGroup>& group);
   void checkForUpgrade();
   void finishPrepare(const std::shared_ptr<Prepare>& prepare);
   // Nothing when it goes on, or when there is nothing true to answer.
   std::optional<QLHalvoStatus> outcomeOf(const Prepare& prepare);
   std::optional<QLHalvoStatus> failedPrepareCode() const;
+  void noteFailedPrepare();
+  void noteFailedPlay(const Play& play);
+  void addReason(std::string_view reason);
+  void addHapticsReason(const Status& haptics);
 
   void playAfterUpgrade(std::shared_ptr<QLHalvoView> view, HalvoCompletion completion);
   // Starts the play and gives nothing, or gives why not.
@@ -153,6 +171,7 @@ class QLHalvoController : public std::enable_shared_from_this<QLHalvoController>
   // Cleared by the first retry, for the controller's life.
   bool retryOnPrepareFailure_ = true;
   bool isPlaying_ = false;
+  std::string failureReason_;
 };
 
 }  // namespace quellaro

@@ -17,6 +17,7 @@ namespace {
 constexpr std::int64_t kFine = rawValueOf(QLHalvoStatus::success);
 constexpr double kMillisPerSecond = 1000.0;
 constexpr std::size_t kBannerWidth = 78;
+constexpr std::string_view kNoMemory = "Out of memory";
 
 // What a play has come to: the answer, if there is one, and what is counted for each part.
 struct Outcome {
@@ -63,6 +64,7 @@ struct QLHalvoController::Play {
   Parts parts;
   // What loads_ was at its start.
   std::uint64_t load = 0;
+  bool hasView = false;
   // It could not be begun: what has been scheduled does nothing.
   bool isCalledOff = false;
 };
@@ -118,6 +120,7 @@ std::optional<QLHalvoStatus> QLHalvoController::runPlaySequence(const std::share
                                                                 const HalvoCompletion& completion) {
   if (isPlaying_ || isPlayWaiting_) {
     recordRejectedPlay();
+    attempt([this] { failureReason_ = "Another play is in progress"; });
     return QLHalvoStatus::alreadyPlaying;
   }
   for (Status* status : {&parts_.animation, &parts_.sound, &parts_.haptics})
@@ -125,11 +128,14 @@ std::optional<QLHalvoStatus> QLHalvoController::runPlaySequence(const std::share
   const auto canPlay = [](const Status& s) { return s.is(Status::Not_Required) || s.is(Status::Ready); };
   const Configuration& configuration = configuration_;
   if (configuration.playConfigStatus.is(Status::Error) || configuration.versionConfigStatus.is(Status::Error) ||
-      !canPlay(parts_.sound) || !canPlay(parts_.animation))
+      !canPlay(parts_.sound) || !canPlay(parts_.animation)) {
+    // What went wrong before is why nothing is prepared.
+    if (failureReason_.empty()) attempt([this] { failureReason_ = "Nothing is prepared"; });
     return QLHalvoStatus::notPrepared;
+  }
 
   // Until the last line that can fail nothing has begun.
-  const auto play = std::make_shared<Play>(Play{parts_, loads_});
+  const auto play = std::make_shared<Play>(Play{parts_, loads_, view != nullptr});
   const auto group = std::make_shared<DispatchGroup>();
   Undo callOff([&] { play->isCalledOff = true; });
   if (parts_.animation.is(Status::Ready))
@@ -146,6 +152,7 @@ std::optional<QLHalvoStatus> QLHalvoController::runPlaySequence(const std::share
   callOff.keep();
   playing_ = play;
   isPlaying_ = true;
+  failureReason_.clear();
   if (hasHaptics) startHaptics(setHaptics, group);
   return std::nullopt;
 }
@@ -168,6 +175,15 @@ void QLHalvoController::schedulePlayer(QLHalvoControllerProtocol* player, Status
       });
 }
 
+void QLHalvoController::noteFailedPlay(const Play& play) {
+  const bool isOvertaken = play.load != loads_;
+  constexpr std::string_view kOvertaken = "A prepare has taken away what was to be played";
+  if (play.parts.animation.is(Status::Error))
+    addReason(!play.hasView ? "There is no view for the animation" : isOvertaken ? kOvertaken : kNoMemory);
+  if (play.parts.sound.is(Status::Error)) addReason(isOvertaken ? kOvertaken : audioController_->failureReason());
+  if (play.parts.haptics.is(Status::Error)) addHapticsReason(play.parts.haptics);
+}
+
 // Needs the group entered: the haptics manager leaves it, unless it throws.
 void QLHalvoController::startHaptics(const Function<void(const Status&)>& setStatus,
                                      const std::shared_ptr<DispatchGroup>& group) {
@@ -181,6 +197,7 @@ void QLHalvoController::finishPlay(const Play& play, const HalvoCompletion& comp
   const Outcome outcome = combine(play.parts.animation, play.parts.sound, play.parts.haptics, retryOnPrepareFailure_);
   if (!configuration_.isPreparedHalvoCueValid)
     attempt([this] { printBanner(request_.preparingHalvoCue.value_or("")); });
+  attempt([&] { noteFailedPlay(play); });
   std::optional<Account> ended;
   attempt([&] { ended = account(); });
   // Whatever the completion does. The flag is last, so that a play started from inside it is answered with 904.

@@ -19,6 +19,8 @@ namespace quellaro {
 
 namespace {
 
+constexpr std::string_view kUnreadable = "It is missing or cannot be read";
+
 // Each is called, whatever those before it do.
 void callAll(const std::vector<HalvoCompletion>& completions, QLHalvoStatus code) {
   std::exception_ptr thrown;
@@ -66,6 +68,7 @@ void QLHalvoController::prepare(QLHalvoType type, const std::string& halvoCue, Q
   Request next{std::move(merchant), environment, type, normalisedCueName(halvoCue), isHapticsEnabled};
   Undo restore([this, before = request_]() mutable { request(std::move(before)); });
   request(std::move(next));
+  failureReason_.clear();
   // Whatever the completion does. Not where nothing could be begun: that prepare has not been.
   const Undo check([this, &restore] {
     if (!restore.isArmed()) checkForUpgrade();
@@ -119,6 +122,7 @@ void QLHalvoController::runPrepareSequence(HalvoCompletion completion) {
   configuration.versionConfigStatus = configuration.playConfigStatus = Status::Not_Ready;
   UpgradeControlling* const upgrade = upgradeController();
   const FileLock reading = upgrade != nullptr ? upgrade->beginReading(cue) : FileLock();
+  configuration.problem.clear();
   configuration.versionConfigStatus = loadVersionConfig() ? Status::Ready : Status::Error;
   const auto& entry = configuration.halvoVersionConfig;
   configuration.isPreparedHalvoCueValid = entry && entry->cues && entry->cues->contains(cue);
@@ -141,12 +145,13 @@ void QLHalvoController::runPrepareSequence(HalvoCompletion completion) {
 
 bool QLHalvoController::loadVersionConfig() {
   setVersionConfig(nullptr);
-  std::optional<std::string> bytes = HalvoFileManager::versionConfigOrBuiltIn();
-  if (!bytes) return false;
+  std::string path;
+  std::optional<std::string> bytes = HalvoFileManager::versionConfigOrBuiltIn(path);
+  if (!bytes) return isUnusable(path, kUnreadable);
   const auto entries = decodeVersionConfigs(std::move(*bytes));
-  if (!entries) return false;
+  if (!entries) return isUnusable(path, entries.error().localizedDescription);
   std::optional<QLHalvoVersionConfig> chosen = selectForSdkVersion(*entries, HalvoUtility::sdkVersion());
-  if (!chosen) return false;
+  if (!chosen) return isUnusable(path, "No \"sdk_versions\" lists the version that Info.json tells");
   setVersionConfig(std::make_shared<const QLHalvoVersionConfig>(std::move(*chosen)));
   return true;
 }
@@ -154,9 +159,9 @@ bool QLHalvoController::loadVersionConfig() {
 bool QLHalvoController::loadPlayConfig() {
   const std::string path = HalvoFileManager::assetsDirectoryPath(request_.preparingHalvoCue) + "/" + kPlayConfigFile;
   std::optional<std::string> bytes = FileManager::contentsAtPath(path);
-  if (!bytes) return false;
+  if (!bytes) return isUnusable(path, kUnreadable);
   auto config = decodeSDKConfig(std::move(*bytes));
-  if (!config) return false;
+  if (!config) return isUnusable(path, config.error().localizedDescription);
   configuration_.sdkConfig = std::move(*config);
   return true;
 }
@@ -190,6 +195,7 @@ void QLHalvoController::finishPrepare(const std::shared_ptr<Prepare>& prepare) {
     // Half a cue is none.
     configuration_.versionConfigStatus = Status::Error;
     preparedHalvoCue_.reset();
+    failureReason_ = "Out of memory";
     code = QLHalvoStatus::prepareFailed;
   }
   if (!code && preparing_.lock() != prepare) return;
@@ -211,10 +217,12 @@ std::optional<QLHalvoStatus> QLHalvoController::outcomeOf(const Prepare& prepare
     preparedHalvoCue_ = request_.preparingHalvoCue;
     if (request_.isHapticsEnabled && !configuration_.sdkConfig->isHapticsSupported) {
       parts_.haptics = Status::withError(errorOf(HapticsFeedbackError::cueDoesNotSupportHaptics));
-      print(messageOf(HapticsFeedbackError::cueDoesNotSupportHaptics));
+      print(messageOf(HapticsFeedbackError::cueDoesNotSupportHaptics), LogLevel::Error);
     }
+    if (parts_.haptics.is(Status::Error)) addHapticsReason(parts_.haptics);
     return QLHalvoStatus::success;
   }
+  attempt([this] { noteFailedPrepare(); });
   if (!retryOnPrepareFailure_) return failedPrepareCode();
   if (UpgradeControlling* upgrade = upgradeController()) upgrade->discardActiveCueAssets();
   runPrepareSequence({});

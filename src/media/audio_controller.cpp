@@ -71,12 +71,19 @@ void QLHalvoAudioController::audioPlayerDidFinishPlaying(AVAudioPlayer& /*player
 
 void QLHalvoAudioController::finish(bool successfully) {
   const std::shared_ptr<const Callbacks> told = callbacks_;
+  lastSound_ = QLHalvoSound::brokenOff;
   // Nothing that fails on the way may keep the answer back.
   attempt([&] {
     volumeLevel_ = AVAudioSession::sharedInstance().outputVolume();
     soundPlayed_ = successfully && volumeLevel_ > 0;
     inaudibleReason_.reset();
     if (!soundPlayed_) inaudibleReason_ = successfully ? kMuted : kBrokenOff;
+    if (soundPlayed_)
+      lastSound_ = QLHalvoSound::heard;
+    else if (AVAudioSession::sharedInstance().output()->reachedNobody())
+      lastSound_ = QLHalvoSound::noServer;
+    else if (successfully)
+      lastSound_ = QLHalvoSound::muted;
   });
   attempt([] {
     AVAudioSession::sharedInstance().setActive(false);
@@ -88,6 +95,7 @@ void QLHalvoAudioController::finish(bool successfully) {
 void QLHalvoAudioController::audioPlayerDecodeErrorDidOccur(AVAudioPlayer& /*player*/,
                                                             const std::optional<NSError>& error) {
   const std::shared_ptr<const Callbacks> told = callbacks_;
+  lastSound_ = QLHalvoSound::undecodable;
   attempt([&] {
     volumeLevel_ = AVAudioSession::sharedInstance().outputVolume();
     soundPlayed_ = false;

@@ -27,6 +27,11 @@ class QLHalvoAudioController final : public QLHalvoSoundProtocol,
   void play(const std::shared_ptr<QLHalvoView>& view, const std::shared_ptr<const QLHalvoSDKConfig>& config,
             Callback onSuccess, Callback onFailure) override;
   float volumeLevel() const override { return volumeLevel_; }
+  QLHalvoSound lastSound() const override { return lastSound_; }
+  std::string_view failureReason() const override {
+    return inaudibleReason_ ? std::string_view(*inaudibleReason_) : std::string_view();
+  }
+  double duration(const QLHalvoSDKConfig& /*config*/) const override { return player_ ? player_->duration() : 0; }
 
   // Whether the last sound was heard and, if not, why; for diagnosis.
   bool soundPlayed() const { return soundPlayed_; }
@@ -50,6 +55,7 @@ class QLHalvoAudioController final : public QLHalvoSoundProtocol,
   float volumeLevel_ = 0;
   std::optional<std::string> inaudibleReason_;
   bool soundPlayed_ = false;
+  QLHalvoSound lastSound_ = QLHalvoSound::none;
 };
 
 }  // namespace quellaro

@@ -2,12 +2,15 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace quellaro {
 
 namespace {
 constexpr const char* kDomain = "QuellaroHalvo.HapticsFeedbackError";
-}
+// Of every line.
+constexpr std::string_view kPrefix = "[QuellaroHalvoSDK] ERROR: ";
+}  // namespace
 
 const char* messageOf(HapticsFeedbackError error) {
   switch (error) {
@@ -27,6 +30,13 @@ NSError errorOf(HapticsFeedbackError error) {
   const auto code = static_cast<std::int64_t>(error);
   return {kDomain, code,
           "The operation could not be completed (" + std::string(kDomain) + " error " + std::to_string(code) + ")"};
+}
+
+std::string_view reasonOf(const NSError& error) {
+  std::string_view line = error.domain == kDomain ? messageOf(static_cast<HapticsFeedbackError>(error.code)) : "";
+  if (line.empty()) return error.localizedDescription;
+  line.remove_prefix(kPrefix.size());
+  return line;
 }
 
 bool isHapticsFeedbackError(const NSError& error, HapticsFeedbackError expected) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "platform/foundation/error.h"
 
 namespace quellaro {
@@ -15,6 +17,8 @@ enum class HapticsFeedbackError {
 // The console line for the error; empty for `unknown`.
 const char* messageOf(HapticsFeedbackError error);
 NSError errorOf(HapticsFeedbackError error);
+// In words for a person: those of the console line, if it is such an error.
+std::string_view reasonOf(const NSError& error);
 // Whether this is that error, whatever its description says.
 bool isHapticsFeedbackError(const NSError& error, HapticsFeedbackError expected);
 

@@ -12,7 +12,9 @@ namespace quellaro {
 
 namespace {
 
-void printError(const NSError& error) { print("[QuellaroHalvoSDK] ERROR: " + error.localizedDescription); }
+void printError(const NSError& error) {
+  print("[QuellaroHalvoSDK] ERROR: " + error.localizedDescription, LogLevel::Error);
+}
 
 Result<std::shared_ptr<CHHapticPatternPlayer>> loadPlayer(CHHapticEngine& engine, const std::string& path) {
   Result<std::shared_ptr<const CHHapticPattern>> pattern = loadHapticPattern(path);
@@ -23,10 +25,10 @@ Result<std::shared_ptr<CHHapticPatternPlayer>> loadPlayer(CHHapticEngine& engine
 // Prints why a pattern could not be prepared, and gives what the controller is told of it.
 HapticsFeedbackError reportPrepareError(const NSError& error) {
   if (isHapticsFeedbackError(error, HapticsFeedbackError::invalidAHAPFile)) {
-    print(messageOf(HapticsFeedbackError::invalidAHAPFile));
+    print(messageOf(HapticsFeedbackError::invalidAHAPFile), LogLevel::Error);
     return HapticsFeedbackError::invalidAHAPFile;
   }
-  print(error.localizedDescription);
+  print(error.localizedDescription, LogLevel::Error);
   return HapticsFeedbackError::unknown;
 }
 
@@ -62,7 +64,7 @@ class PlayOutcome {
 
 Result<std::shared_ptr<HapticsManagerProtocol>> HapticsManager::make() {
   if (!CHHapticEngine::capabilitiesForHardware().supportsHaptics) {
-    print(messageOf(HapticsFeedbackError::deviceDoesNotSupportHaptics));
+    print(messageOf(HapticsFeedbackError::deviceDoesNotSupportHaptics), LogLevel::Error);
     return errorOf(HapticsFeedbackError::deviceDoesNotSupportHaptics);
   }
   Result<std::shared_ptr<CHHapticEngine>> engine = CHHapticEngine::initAndReturnError();
@@ -79,8 +81,10 @@ void HapticsManager::prepare(const std::string& cueName, const HapticsStatusWrit
   Result<std::shared_ptr<CHHapticPatternPlayer>> player = loadPlayer(*hapticsEngine_, path);
   if (player) {
     player_ = std::move(*player);
+    failureReason_.clear();
     setStatus(ComponentStatus::Ready);
   } else {
+    (failureReason_ = path + ": ") += reasonOf(player.error());
     setStatus(ComponentStatus::withError(errorOf(reportPrepareError(player.error()))));
   }
   group->leave();

@@ -20,6 +20,8 @@ class HapticsManager final : public HapticsManagerProtocol {
   void prepare(const std::string& cueName, const HapticsStatusWriter& setStatus,
                const std::shared_ptr<DispatchGroup>& group) override;
   void play(const HapticsStatusWriter& setStatus, const std::shared_ptr<DispatchGroup>& group) override;
+  std::string_view failureReason() const override { return failureReason_; }
+  double duration() const override { return player_ ? player_->duration() : 0; }
 
  private:
   std::optional<NSError> start(CHHapticFinishedHandler onEnd);
@@ -28,6 +30,7 @@ class HapticsManager final : public HapticsManagerProtocol {
   std::shared_ptr<CHHapticEngine> hapticsEngine_;
   // Of the last pattern that could be prepared; each play starts it again.
   std::shared_ptr<CHHapticPatternPlayer> player_;
+  std::string failureReason_;
 };
 
 }  // namespace quellaro

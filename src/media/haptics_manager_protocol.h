@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/dispatch/function.h"
 #include "platform/dispatch/group.h"
@@ -23,6 +24,11 @@ class HapticsManagerProtocol {
                        const std::shared_ptr<DispatchGroup>& group) = 0;
   // Starts the pattern at once. Played when it has ended, or an error.
   virtual void play(const HapticsStatusWriter& setStatus, const std::shared_ptr<DispatchGroup>& group) = 0;
+
+  // Why the last prepare has failed, with the file and the place in it; empty when it has not.
+  virtual std::string_view failureReason() const { return {}; }
+  // Seconds that the prepared pattern takes.
+  virtual double duration() const { return 0; }
 };
 
 }  // namespace quellaro

@@ -13,12 +13,13 @@
 //   MainQueue                  where everything happens; a host runs it, or drains it from a loop of its own
 //   AudioSessionObservation    told when a sound has ended
 //   setConsoleSink             takes what the library prints
+//   setLogSink                 takes that too, and what it says on standard error, with levels
 //
 // Directories, the application's identifier and devices are chosen before the first controller, by the functions of C:
 // quellaro_halvo_set_library_directory and those beside it. Main thread only, but for what says otherwise.
 //
 // A call that gives a quellaro_halvo_result was refused when it is not quellaro_halvo_result_ok, and then calls
-// nothing. An exception that a function of the host throws ends in the library, with a line on standard error.
+// nothing. An exception that a function of the host throws ends in the library, with a line of the log.
 
 #include <QuellaroHalvo/host_controller.h>
 #include <QuellaroHalvo/host_main_queue.h>

@@ -38,7 +38,7 @@ class QLHalvoController {
   // Loads the cue's configuration and assets, then answers 800, 901, 902, 903 or 909, once, on the main queue; a cue
   // that is prepared already is answered with 800 inside this call, whatever the type and whether haptics are wanted.
   // Cue names that differ only in "_", "-", blanks and letter case name one cue. Afterwards looks for a newer version
-  // of the cue, which a later play picks up.
+  // of the cue, which a later play picks up. A name that is known nowhere answers 800 too: the built-in cue is played.
   quellaro_halvo_result prepare(QLHalvoType type, const std::string& halvoCue, QLHalvoEnvironment environment,
                                 const std::shared_ptr<const QLHalvoMerchant>& merchant, bool isHapticsEnabled,
                                 HalvoCompletion completion) {
@@ -66,6 +66,23 @@ class QLHalvoController {
   }
   quellaro_halvo_result setPreparedHalvoCue(const std::optional<std::string>& cue) {
     return quellaro_halvo_controller_set_prepared_halvo_cue(handle_.get(), cue ? cue->c_str() : nullptr);
+  }
+
+  // What was wrong with the last prepare or play, with the file and the frame or the key in it; nothing when nothing
+  // was. After a prepare that answered 800: with the downloaded assets, which have been discarded, or with the haptics.
+  std::optional<std::string> failureReason() const {
+    const char* const reason = quellaro_halvo_controller_failure_reason(handle_.get());
+    return reason != nullptr ? std::optional<std::string>(reason) : std::nullopt;
+  }
+  // What became of the last sound that has ended; in the completion of a play, of that play's.
+  QLHalvoSound lastSound() const {
+    return static_cast<QLHalvoSound>(quellaro_halvo_controller_last_sound(handle_.get()));
+  }
+  // Seconds from a play of the prepared cue to its answer; infinite when the cue gives no time for its last frame, and
+  // nothing when no cue is prepared.
+  std::optional<double> duration() const {
+    const double seconds = quellaro_halvo_controller_duration(handle_.get());
+    return seconds < 0 ? std::nullopt : std::optional<double>(seconds);
   }
   // isPlaying, setIsPlaying: from the start of a play until its completion has returned.
   bool isPlaying() const { return quellaro_halvo_controller_is_playing(handle_.get()); }

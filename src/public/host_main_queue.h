@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QuellaroHalvo/host_types.h>
 #include <QuellaroHalvo/quellaro_halvo.h>
 #include <poll.h>
 
@@ -76,6 +77,24 @@ inline quellaro_halvo_result setConsoleSink(std::function<void(std::string_view)
   if (!current) return result;
   return quellaro_halvo_set_console_sink(
       [](const char* text, void* context) { (*static_cast<decltype(current)*>(context))(text); }, &current);
+}
+
+// Receives, up to the level `most`, what the library would otherwise say on standard error, why a prepare has failed,
+// and a copy of what it prints, without the line break at its end. The rules are those of the console sink. An empty
+// sink restores standard error.
+inline quellaro_halvo_result setLogSink(std::function<void(QLHalvoLogLevel, std::string_view)> sink,
+                                        QLHalvoLogLevel most = QLHalvoLogLevel::info) {
+  static std::function<void(QLHalvoLogLevel, std::string_view)> current;
+  const auto level = static_cast<quellaro_halvo_log_level>(most);
+  const quellaro_halvo_result result = quellaro_halvo_set_log_sink(nullptr, level, nullptr);
+  if (result != quellaro_halvo_result_ok) return result;
+  current = std::move(sink);
+  if (!current) return result;
+  return quellaro_halvo_set_log_sink(
+      [](quellaro_halvo_log_level line, const char* text, void* context) {
+        (*static_cast<decltype(current)*>(context))(static_cast<QLHalvoLogLevel>(line), text);
+      },
+      level, &current);
 }
 
 }  // namespace quellaro

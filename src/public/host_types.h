@@ -37,6 +37,10 @@ enum class QLHalvoStatus : std::int64_t {
   hapticsPlayFailed = 910,
 };
 
+// What became of a sound, and how much a line of the log matters; quellaro_halvo.h explains each.
+enum class QLHalvoSound : std::int64_t { none = 0, heard = 1, muted = 2, noServer = 3, brokenOff = 4, undecodable = 5 };
+enum class QLHalvoLogLevel : std::int32_t { error = 1, warning = 2, info = 3 };
+
 inline constexpr std::string_view QLHalvoStatusDomain = "QuellaroHalvo.QLHalvoStatus";
 // The name of the notification that an AudioSessionObservation receives.
 inline constexpr const char* QLAudioSessionDeactivated = QUELLARO_HALVO_AUDIO_SESSION_DEACTIVATED;

@@ -2,6 +2,9 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+
+#include "types/halvo_enums.h"
 
 #include "platform/dispatch/function.h"
 
@@ -24,6 +27,11 @@ class QLHalvoControllerProtocol {
   // given no view.
   virtual void play(const std::shared_ptr<QLHalvoView>& view, const std::shared_ptr<const QLHalvoSDKConfig>& config,
                     Callback onSuccess, Callback onFailure) = 0;
+
+  // After a failed prepare or play: why, with the file and the place in it.
+  virtual std::string_view failureReason() const { return {}; }
+  // Seconds that a play of what was prepared takes, from its own start; infinite when it never ends.
+  virtual double duration(const QLHalvoSDKConfig& /*config*/) const { return 0; }
 };
 
 // The sound player also tells how loud the last sound was.
@@ -31,6 +39,8 @@ class QLHalvoSoundProtocol : public QLHalvoControllerProtocol {
  public:
   // The output volume, 0.0 to 1.0, measured when a sound ended or could not start; 0.0 before that.
   virtual float volumeLevel() const = 0;
+  // What became of the last sound that has ended.
+  virtual QLHalvoSound lastSound() const { return QLHalvoSound::none; }
 };
 
 }  // namespace quellaro

@@ -24,6 +24,16 @@ enum class QLHalvoBackground : std::int64_t {
   white = 1,
 };
 
+// What became of a sound.
+enum class QLHalvoSound : std::int64_t {
+  none = 0,
+  heard = 1,
+  muted = 2,
+  noServer = 3,
+  brokenOff = 4,
+  undecodable = 5,
+};
+
 // The largest raw value of each enumeration; the smallest is 0.
 constexpr std::int64_t largestRawValue(QLHalvoType) { return 2; }
 constexpr std::int64_t largestRawValue(QLHalvoEnvironment) { return 1; }

@@ -199,6 +199,7 @@ TEST(PulseOutput, WithoutAServerTheSoundTakesItsTimeUnheardUntilThereIsOne) {
     EXPECT_GE(secondsSince(start), listener.player->duration() - 0.001);
     EXPECT_EQ(listener.reports->texts, Texts{"finished"});
     EXPECT_EQ(volume(), 0.0F);
+    EXPECT_TRUE(AVAudioSession::sharedInstance().output()->reachedNobody());
   }
   const std::string said = testing::internal::GetCapturedStderr();
   EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
@@ -207,6 +208,7 @@ TEST(PulseOutput, WithoutAServerTheSoundTakesItsTimeUnheardUntilThereIsOne) {
   server.start();
   listener.player->play();
   EXPECT_EQ(volume(), 1.0F);
+  EXPECT_FALSE(AVAudioSession::sharedInstance().output()->reachedNobody());
 }
 
 TEST(PulseOutput, AServerThatNeverAnswersIsGivenUpInTime) {

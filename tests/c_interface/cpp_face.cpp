@@ -68,6 +68,10 @@ void aCueIsPreparedAndPlayed() {
   MainQueue& queue = MainQueue::shared();
   std::string printed;
   EXPECT(setConsoleSink([&](std::string_view text) { printed += text; }) == quellaro_halvo_result_ok);
+  int logged = 0;
+  EXPECT(setLogSink([&](QLHalvoLogLevel level, std::string_view text) {
+           logged += level == QLHalvoLogLevel::error && text.find("a host's own") != text.npos;
+         }) == quellaro_halvo_result_ok);
   int deactivations = 0;
   const auto observation = std::make_unique<AudioSessionObservation>([&] { ++deactivations; });
   EXPECT(QLAudioSessionDeactivated == std::string("QLAudioSessionDeactivated"));
@@ -92,14 +96,17 @@ void aCueIsPreparedAndPlayed() {
          }) == quellaro_halvo_result_ok);
   EXPECT(queue.run() == quellaro_halvo_result_ok && last == QLHalvoStatus::success && deactivations == 1);
   EXPECT(controller->preparedHalvoCue() == "quellaro" && !controller->isPlaying());
+  EXPECT(controller->lastSound() == QLHalvoSound::heard && *controller->duration() > 1 && logged == 1);
+  EXPECT(!controller->failureReason());
   EXPECT(prepare([&](QLHalvoStatus) { controller.reset(); }) == quellaro_halvo_result_ok && !controller);
 
   controller = QLHalvoController::make();
   EXPECT(controller->setPreparedHalvoCue("x") == quellaro_halvo_result_ok && controller->preparedHalvoCue() == "x");
   EXPECT(controller->setIsPlaying(true) == quellaro_halvo_result_ok && controller->isPlaying());
   controller->play(nullptr, [&](QLHalvoStatus played) { last = played; });
-  EXPECT(last == QLHalvoStatus::alreadyPlaying);
-  EXPECT(setConsoleSink({}) == quellaro_halvo_result_ok);
+  EXPECT(last == QLHalvoStatus::alreadyPlaying && controller->failureReason() &&
+         !QLHalvoController::make()->duration());
+  EXPECT(setConsoleSink({}) == quellaro_halvo_result_ok && setLogSink({}) == quellaro_halvo_result_ok);
 }
 
 void aHostsOwnLoopWaits() {

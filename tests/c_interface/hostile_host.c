@@ -39,6 +39,9 @@ static void chooses(void) {
   RESULT(quellaro_halvo_set_application_identifier(NOT_UTF8), invalid_text);
   RESULT(quellaro_halvo_use_simulated_devices(1.01, true), invalid_value);
   RESULT(quellaro_halvo_use_simulated_devices(NAN, true), invalid_value);
+  RESULT(quellaro_halvo_set_sound_name(""), invalid_value);
+  RESULT(quellaro_halvo_set_sound_name(NOT_UTF8), invalid_text);
+  RESULT(quellaro_halvo_set_sound_name(NULL), ok);
   RESULT(quellaro_halvo_use_real_devices(), ok);
   RESULT(quellaro_halvo_use_simulated_devices(0.5, false), ok);
 }
@@ -144,6 +147,9 @@ static void controls(void) {
   TEXT(quellaro_halvo_controller_prepared_halvo_cue(controller), "cue");
   RESULT(quellaro_halvo_controller_set_prepared_halvo_cue(controller, NULL), ok);
   IS_NULL(quellaro_halvo_controller_prepared_halvo_cue(controller));
+  IS_NULL(quellaro_halvo_controller_failure_reason(NULL));
+  ANSWERS(quellaro_halvo_controller_duration(NULL), -1);
+  ANSWERS(quellaro_halvo_controller_last_sound(NULL), quellaro_halvo_sound_none);
   ANSWERS(quellaro_halvo_controller_is_playing(NULL), false);
   RESULT(quellaro_halvo_controller_set_is_playing(NULL, true), null_argument);
   RESULT(quellaro_halvo_controller_set_is_playing(controller, true), ok);
@@ -167,6 +173,8 @@ static void asks(void) {
   TEXT(quellaro_halvo_status_error_domain(), "QuellaroHalvo.QLHalvoStatus");
   for (result = -1; result <= quellaro_halvo_result_failed + 1; ++result)
     ANSWERS(strlen(quellaro_halvo_result_description(result)) > 0, true);
+  ANSWERS(quellaro_halvo_version_number(), QUELLARO_HALVO_VERSION_NUMBER);
+  RESULT(quellaro_halvo_set_log_sink(NULL, 0, NULL), invalid_value);
   ANSWERS(quellaro_halvo_observe_audio_session_deactivated(NULL, NULL), 0);
   quellaro_halvo_stop_observing_audio_session_deactivated(UINT64_MAX);
   ANSWERS(strncmp(quellaro_halvo_build_report(), "QuellaroHalvo 1.", 16), 0);

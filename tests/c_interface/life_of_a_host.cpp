@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <limits>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -20,9 +22,8 @@ namespace {
 class Bundle : public testing::Environment {
  public:
   void SetUp() override {
-    const auto write = [this](const char* name, const std::string& text) {
-      quellaro::writeFile(directory_ / "bundle" / name, text);
-    };
+    files = directory_ / "bundle";
+    const auto write = [](const char* name, const std::string& text) { quellaro::writeFile(files / name, text); };
     write("Info.json", R"({"CFBundleShortVersionString": "2.0.0"})");
     write("version_config.json",
           R"([{"sdk_versions": ["2.0.0"], "cues": {"quellaro": {"version": "1", "filepath": "q"}},
@@ -43,6 +44,9 @@ class Bundle : public testing::Environment {
 
  private:
   quellaro::TemporaryDirectory directory_;
+
+ public:
+  static inline std::filesystem::path files;
 };
 [[maybe_unused]] const auto* const bundle = testing::AddGlobalTestEnvironment(new Bundle);
 
@@ -129,6 +133,158 @@ TEST_F(Host, PreparesAndPlaysInALoopOfItsOwn) {
   pump();
   EXPECT_EQ(answers_, (Answers{908, 800, 800, 905})) << "905: an animation without a view";
 }
+
+// A file of the bundle that is another one while this exists, or is not there.
+class Spoilt {
+ public:
+  Spoilt(const std::string& name, const std::string& content) : file_(Bundle::files / name) {
+    std::filesystem::rename(file_, aside_);
+    if (!content.empty()) quellaro::writeFile(file_, content);
+  }
+  Spoilt(const Spoilt&) = delete;
+  Spoilt& operator=(const Spoilt&) = delete;
+  ~Spoilt() { std::filesystem::rename(aside_, file_); }
+
+ private:
+  std::filesystem::path file_;
+  std::filesystem::path aside_ = Bundle::files.string() + ".aside";
+};
+
+TEST_F(Host, IsToldWhatWasWrong) {
+  struct Row {
+    const char* name;
+    std::string content;
+    quellaro_halvo_status answer;
+    const char* reason;
+  };
+  const std::string config = R"({"totalFrames": 1, "soundFileName": "a", "soundDelayInMillis": 0,
+    "animationDelayInMillis": 0, "frameTime": {"Frame_2": "x"}, "viewBox": ""})";
+  for (const Row& row :
+       {Row{"play_config.json", config, 901, "play_config.json: At frameTime.Frame_2: "},
+        Row{"play_config.json", "", 901, "play_config.json: It is missing"},
+        Row{"version_config.json", "[]", 901, "version_config.json: No \"sdk_versions\" lists"},
+        Row{"animation.json", "[1", 903, "animation.json: "}, Row{"audio.mp3", "no sound", 902, "audio.mp3 could not"},
+        Row{"audio.mp3", "", 902, "audio.mp3 could not"}, Row{"", "", 901, "There is no bundle, with Info.json"}}) {
+    create();
+    std::string logged;
+    {
+      const Spoilt spoilt(row.name, row.content);
+      quellaro_halvo_set_log_sink(
+          [](quellaro_halvo_log_level level, const char* text, void* all) {
+            EXPECT_EQ(level, quellaro_halvo_log_level_error);
+            *static_cast<std::string*>(all) += text;
+          },
+          quellaro_halvo_log_level_warning, &logged);
+      prepare(quellaro_halvo_type_animation_and_sound);
+      pump();
+      quellaro_halvo_set_log_sink(nullptr, quellaro_halvo_log_level_info, nullptr);
+    }
+    EXPECT_EQ(answers_, (Answers{row.answer}));
+    const char* const reason = quellaro_halvo_controller_failure_reason(controller_);
+    ASSERT_NE(reason, nullptr) << row.reason;
+    const std::string found(reason);
+    EXPECT_NE(found.find(row.reason), std::string::npos) << found;
+    EXPECT_NE(found.find(Bundle::files), std::string::npos) << found;
+    EXPECT_NE(logged.find(found), std::string::npos) << logged;
+    play();
+    EXPECT_STREQ(quellaro_halvo_controller_failure_reason(controller_), found.c_str()) << "why nothing is prepared";
+    EXPECT_EQ(quellaro_halvo_controller_duration(controller_), -1);
+    answers_.clear();
+  }
+
+  create();
+  const auto reason = [this] { return std::string(quellaro_halvo_controller_failure_reason(controller_)); };
+  play();
+  EXPECT_EQ(reason(), "Nothing is prepared");
+  onAnswer_ = [this] { EXPECT_EQ(quellaro_halvo_controller_failure_reason(controller_), nullptr) << "in the answer"; };
+  prepare();
+  pump();
+  play();
+  onAnswer_ = nullptr;
+  play();
+  EXPECT_EQ(reason(), "Another play is in progress");
+  pump();
+  quellaro_halvo_controller_play(controller_, nullptr, answered, this);
+  pump();
+  EXPECT_EQ(reason(), "There is no view for the animation");
+  // The retry needs no discarding here, and succeeds where the first attempt could not.
+  create();
+  auto spoilt = std::make_unique<Spoilt>("audio.mp3", "no sound");
+  prepare(quellaro_halvo_type_sound_only);
+  spoilt.reset();
+  pump();
+  EXPECT_EQ(answers_.back(), 800);
+  EXPECT_NE(reason().find("audio.mp3 could not"), std::string::npos) << "what was discarded";
+}
+
+TEST_F(Host, AsksWhatACueTakesAndWhatBecameOfItsSound) {
+  EXPECT_EQ(quellaro_halvo_controller_last_sound(controller_), quellaro_halvo_sound_none);
+  prepare();
+  pump();
+  EXPECT_DOUBLE_EQ(quellaro_halvo_controller_duration(controller_), 0.06);
+  create();
+  prepare(quellaro_halvo_type_animation_and_sound);
+  pump();
+  EXPECT_NEAR(quellaro_halvo_controller_duration(controller_), 0.3, 0.1) << "the sound is longer";
+  play();
+  EXPECT_EQ(quellaro_halvo_controller_last_sound(controller_), quellaro_halvo_sound_none);
+  onAnswer_ = [this] {
+    EXPECT_EQ(quellaro_halvo_controller_last_sound(controller_), quellaro_halvo_sound_heard) << "in the answer";
+  };
+  pump();
+  EXPECT_EQ(answers_.size(), 3U);
+  onAnswer_ = nullptr;
+  create();
+  const Spoilt endless("play_config.json", R"({"totalFrames": 3, "soundFileName": "audio.mp3", "viewBox": "",
+    "soundDelayInMillis": 0, "animationDelayInMillis": 0, "frameTime": {"Frame_1": 20, "Frame_2": 20}})");
+  prepare();
+  pump();
+  EXPECT_EQ(quellaro_halvo_controller_duration(controller_), std::numeric_limits<double>::infinity());
+}
+
+TEST_F(Host, LogsWithLevelsBesidesTheConsoleAndInPlaceOfStandardError) {
+  using Lines = std::vector<std::pair<int, std::string>>;
+  Lines lines;
+  const auto collectLines = [](quellaro_halvo_log_level level, const char* text, void* all) {
+    static_cast<Lines*>(all)->emplace_back(level, text);
+    throw std::runtime_error("a host's trouble");
+  };
+  const auto throws = [](quellaro_halvo_status, void*) { throw std::runtime_error("a completion's trouble"); };
+  EXPECT_EQ(quellaro_halvo_set_log_sink(collectLines, 4, &lines), quellaro_halvo_result_invalid_value);
+  quellaro_halvo_set_log_sink(collectLines, quellaro_halvo_log_level_info, &lines);
+  testing::internal::CaptureStderr();
+  quellaro_halvo_controller_prepare(controller_, 2, "unheard-of", 0, merchant_, false, throws, nullptr);
+  pump();
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_EQ(lines[0].first, quellaro_halvo_log_level_error);
+  EXPECT_NE(lines[0].second.find("a completion's trouble"), std::string::npos);
+  play();
+  pump();
+  EXPECT_EQ(lines.size(), 1U + 2 + 3) << "two moments, and three lines of the unknown cue";
+  EXPECT_EQ(lines[1].first, quellaro_halvo_log_level_info);
+  EXPECT_EQ(console_.find(lines[1].second + "\n"), 0U) << "the console has it too";
+  quellaro_halvo_set_log_sink(collectLines, quellaro_halvo_log_level_warning, &lines);
+  play();
+  pump();
+  EXPECT_EQ(lines.size(), 1U + 2 + 3) << "none but errors and warnings are wanted";
+  quellaro_halvo_set_log_sink(nullptr, quellaro_halvo_log_level_info, nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(answers_, (Answers{800, 800})) << "an unknown name plays the built-in cue";
+}
+
+#ifdef QUELLARO_EXPECT_MAIN_THREAD
+TEST_F(Host, IsEndedInADebugBuildByACallFromAnotherThread) {
+  const auto elsewhere = [](void (*call)()) { std::thread(call).join(); };
+  elsewhere([] {
+    quellaro_halvo_loop_stop();
+    quellaro_halvo_set_console_sink(nullptr, nullptr);
+    quellaro_halvo_set_log_sink(nullptr, quellaro_halvo_log_level_info, nullptr);
+    EXPECT_GE(quellaro_halvo_version_number(), 10000U);
+  });
+  EXPECT_DEATH(elsewhere([] { quellaro_halvo_loop_drain(); }), "another thread");
+  EXPECT_DEATH(elsewhere([] { quellaro_halvo_view_release(nullptr); }), "another thread");
+}
+#endif
 
 TEST_F(Host, ReleasesEverythingInFlightAndIsAnsweredOnce) {
   prepare();

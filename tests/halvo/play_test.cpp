@@ -102,7 +102,7 @@ TEST_F(PlayOfTheTool, UnusableArguments) {
 TEST_F(PlayOfTheTool, WithoutAViewTheAnimationFails) {
   const Ran ran = playAnimation("--headless --no-view");
   EXPECT_EQ(ran.status, 1);
-  EXPECT_EQ(ran.output, "prepare: 800 success\nplay: 905 playFailed\n");
+  EXPECT_EQ(ran.output, "prepare: 800 success\nplay: 905 playFailed\nhalvo: There is no view for the animation\n");
 }
 
 TEST_F(PlayOfTheTool, WithoutADisplayItSaysSoAndLeavesAContactSheet) {
@@ -130,7 +130,9 @@ TEST_F(PlayOfTheTool, SimulatedHaptics) {
   EXPECT_EQ(without.status, 1);
   EXPECT_EQ(without.output,
             "[QuellaroHalvoSDK] ERROR: Device does not support haptics feedback\n"
-            "prepare: 800 success\nplay: 910 hapticsPlayFailed\n");
+            "prepare: 800 success\nplay: 910 hapticsPlayFailed\nhalvo: Device does not support haptics feedback\n");
+  EXPECT_THAT(play("--headless --type soundOnly --verbose --volume 0").output,
+              AllOf(HasSubstr("halvo: the cue takes 2."), HasSubstr("halvo: nobody could hear the sound: ")));
 }
 
 TEST_F(PlayOfTheTool, APatternThatCannotBeUsedIsNamed) {

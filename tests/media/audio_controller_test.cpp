@@ -96,19 +96,34 @@ TEST_F(AudioController, EachEndOfAPlay) {
     bool soundPlayed;
     std::optional<std::string> reason;
     bool staysActive;
+    QLHalvoSound sound;
+    bool isTimedOnly = false;
   };
+  using Sound = QLHalvoSound;
   const Log finished{QLAudioSessionDeactivated, "success"};
   prepare("cue");
   for (const Row& row :
-       {Row{"heard", Outcome::Heard, nullptr, 0.5F, finished, true, {}, false},
-        Row{"muted", Outcome::Heard, nullptr, 0.0F, finished, false, "Voulume was mute", false},
-        Row{"broken off", Outcome::OutputFailed, &error, 0.5F, finished, false, "Internal error", false},
-        Row{"broken off and muted", Outcome::OutputFailed, &error, 0.0F, finished, false, "Internal error", false},
-        Row{"undecodable", Outcome::Undecodable, &error, 0.5F, {"failure"}, false, "broken", true},
-        Row{"undecodable, why unknown", Outcome::Undecodable, nullptr, 0.0F, {"failure"}, false, {}, true}}) {
+       {Row{"heard", Outcome::Heard, nullptr, 0.5F, finished, true, {}, false, Sound::heard},
+        Row{"muted", Outcome::Heard, nullptr, 0.0F, finished, false, "Voulume was mute", false, Sound::muted},
+        Row{"timed", Outcome::Heard, nullptr, 0.0F, finished, false, "Voulume was mute", false, Sound::noServer, true},
+        Row{"broken off", Outcome::OutputFailed, &error, 0.5F, finished, false, "Internal error", false,
+            Sound::brokenOff},
+        Row{"broken off and muted", Outcome::OutputFailed, &error, 0.0F, finished, false, "Internal error", false,
+            Sound::brokenOff},
+        Row{"undecodable", Outcome::Undecodable, &error, 0.5F, {"failure"}, false, "broken", true, Sound::undecodable},
+        Row{"undecodable, why unknown",
+            Outcome::Undecodable,
+            nullptr,
+            0.0F,
+            {"failure"},
+            false,
+            {},
+            true,
+            Sound::undecodable}}) {
     SCOPED_TRACE(row.name);
     session.setActive(true);
     output->volumeLevel = row.volume;
+    output->isTimedOnly = row.isTimedOnly;
     log.clear();
     play();
     driver_.advance(10);
@@ -118,6 +133,7 @@ TEST_F(AudioController, EachEndOfAPlay) {
     EXPECT_EQ(controller->volumeLevel(), row.volume);
     EXPECT_EQ(controller->soundPlayed(), row.soundPlayed);
     EXPECT_EQ(controller->inaudibleReason(), row.reason);
+    EXPECT_EQ(controller->lastSound(), row.sound);
     EXPECT_EQ(session.isActive(), row.staysActive);
   }
 }

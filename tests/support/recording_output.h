@@ -27,10 +27,12 @@ class RecordingOutput final : public AudioOutput {
     return std::unique_ptr<Playback>(std::make_unique<Handle>(std::move(token)));
   }
   float volume() override { return volumeLevel; }
+  bool reachedNobody() const override { return isTimedOnly; }
 
   std::vector<Started> started;
   std::optional<NSError> startError;
   float volumeLevel = 1;
+  bool isTimedOnly = false;
   int prepared = 0;
 
  private:

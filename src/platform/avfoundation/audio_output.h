@@ -42,6 +42,8 @@ class AudioOutput {
   virtual Result<std::unique_ptr<Playback>> start(std::shared_ptr<SoundSource> sound, PlaybackEndHandler onEnd) = 0;
   // 0.0 to 1.0; a muted output counts as 0.0, and so does one that nobody hears.
   virtual float volume() = 0;
+  // Whether the last sound was only timed, for want of an output that could be heard.
+  virtual bool reachedNobody() const { return false; }
   // What it is and how it stands, in words, for whoever looks for a fault. May wait as long as volume() may.
   virtual std::string description() { return "an output of the host's own"; }
 };

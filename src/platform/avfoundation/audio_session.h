@@ -36,6 +36,11 @@ class AVAudioSession {
   // Not on a thread that plays.
   float outputVolume() const;
 
+  // What mixers show a sound as that starts from now on, beside the program's name. Main thread.
+  static constexpr const char* kDefaultSoundName = "Sound";
+  void setSoundName(const char* name) { soundName_ = name; }
+  const std::string& soundName() const { return soundName_; }
+
   // Where all sounds of the process go that start from now on. Null restores the default: the sound server and, while
   // none can be reached, an output that only takes the sound's time.
   void setOutput(std::shared_ptr<AudioOutput> output);
@@ -46,6 +51,7 @@ class AVAudioSession {
   std::string category_;
   AVAudioSessionCategoryOptions options_ = AVAudioSessionCategoryOptions::None;
   bool active_ = false;
+  std::string soundName_ = kDefaultSoundName;
   std::shared_ptr<AudioOutput> output_;
 };
 

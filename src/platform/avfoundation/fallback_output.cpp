@@ -17,8 +17,9 @@ Result<std::unique_ptr<Playback>> FallbackOutput::start(std::shared_ptr<SoundSou
   lastStoodIn_ = !playback;
   if (playback) return playback;
   static std::once_flag said;
-  std::call_once(
-      said, [&] { logToStandardError("no sound is heard, only timed: " + playback.error().localizedDescription); });
+  std::call_once(said, [&] {
+    logLine(LogLevel::Warning, "no sound is heard, only timed: " + playback.error().localizedDescription);
+  });
   return standIn_->start(std::move(sound), std::move(onEnd));
 }
 

@@ -16,6 +16,7 @@ class FallbackOutput final : public AudioOutput {
   // Of the output that the last sound went to; before the first one, of the real one.
   float volume() override;
   std::string description() override { return real_->description(); }
+  bool reachedNobody() const override { return lastStoodIn_; }
 
  private:
   std::shared_ptr<AudioOutput> real_;

@@ -1,7 +1,10 @@
 #include "platform/avfoundation/pulse_playback.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
+
+#include "platform/avfoundation/audio_session.h"
 
 namespace quellaro {
 
@@ -26,9 +29,10 @@ pa_buffer_attr bufferFor(const pa_sample_spec& spec) {
 }
 
 pa_stream* makeStream(pa_context* context, const pa_sample_spec& spec) {
+  const std::string& name = AVAudioSession::sharedInstance().soundName();
   pa_proplist* properties = pa_proplist_new();
   pa_proplist_sets(properties, PA_PROP_MEDIA_ROLE, kMediaRole);
-  pa_stream* stream = pa_stream_new_with_proplist(context, "Sound", &spec, nullptr, properties);
+  pa_stream* stream = pa_stream_new_with_proplist(context, name.c_str(), &spec, nullptr, properties);
   pa_proplist_free(properties);
   return stream;
 }

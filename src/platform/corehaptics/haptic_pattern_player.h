@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/corehaptics/haptic_engine.h"
+#include "platform/corehaptics/haptic_pattern.h"
 
 namespace quellaro {
 
@@ -18,6 +19,8 @@ class CHHapticPatternPlayer {
   // nothing was started and the engine's finished handler will not be called for it. The pattern plays on when the
   // player is destroyed.
   std::optional<NSError> startAtTime(double time);
+  // Of the pattern, in seconds.
+  double duration() const { return pattern_->duration(); }
 
  private:
   std::weak_ptr<CHHapticEngine> engine_;

@@ -67,9 +67,10 @@ UsageFile readUsageFile(const std::string& path, QLHalvoEnvironment environment,
 // As a controller would choose them. Looking for downloaded ones makes the Library, so it is done only when there is
 // one.
 QLHalvoAnalyticsInfo currentSettings(bool libraryExists) {
+  std::string path;
   std::optional<std::string> json;
   if (libraryExists)
-    json = HalvoFileManager::versionConfigOrBuiltIn();
+    json = HalvoFileManager::versionConfigOrBuiltIn(path);
   else
     json = FileManager::contentsAtPath(NSBundle::library().bundlePath() + "/" + kVersionConfigFile);
   if (!json) return {};

@@ -1,23 +1,20 @@
+#include <array>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "assets/halvo_file_manager.h"
-#include "check/cue.h"
-#include "check/output.h"
 #include "commands.h"
 #include "controller/halvo_controller.h"
 #include "options.h"
 #include "platform/dispatch/main_queue.h"
-#include "platform/foundation/console.h"
 #include "platform/foundation/json/json_decoder.h"
 #include "platform/foundation/storage/file_manager.h"
 #include "play/cue_folder.h"
 #include "play/devices.h"
 #include "play/host_options.h"
 #include "play/stage.h"
-#include "types/cue_name.h"
 
 namespace halvo {
 
@@ -34,6 +31,7 @@ struct PlayOptions {
   bool haptics = false;
   std::int64_t times = 1;
   bool settle = false;
+  bool verbose = false;
   DeviceOptions devices;
   StageOptions stage;
 
@@ -97,12 +95,16 @@ class PlaySession {
       controller_->prepare(options_.type, options_.name, options_.environment, options_.merchant, options_.haptics,
                            completion);
     });
-    if (prepared && !isFine(*prepared)) explain();
+    if (prepared) explain(*prepared);
+    if (const auto seconds = controller_->duration(); options_.verbose && seconds) tellDuration(*seconds);
     std::optional<QLHalvoStatus> last = prepared;
     for (std::int64_t i = 0; last && i < options_.times; ++i) {
       if (options_.settle) settle();
       last =
           answerOf("play", [this](const HalvoCompletion& completion) { controller_->play(stage_.view(), completion); });
+      // That nothing was prepared has been explained.
+      if (last && last != QLHalvoStatus::notPrepared) explain(*last);
+      if (last && options_.type != QLHalvoType::animationOnly) tellSound();
     }
     const bool isRecorded = stage_.finish();
     if (!last)
@@ -118,16 +120,22 @@ class PlaySession {
     return code == QLHalvoStatus::success || code == QLHalvoStatus::successWithFallback;
   }
 
-  // Why a prepare has failed, in the checker's words: the file and the worst that is wrong.
-  void explain() const {
-    const std::string directory = HalvoFileManager::assetsDirectoryPath(normalisedCueName(options_.name));
-    Report report;
-    checkSource(directory, report, {});
-    // The checker has silenced the library.
-    setConsoleSink({});
-    if (report.count(Severity::Error) == 0) return;
-    const Finding& first = report.groups().front()->first;
-    tell(directory + "/" + placeOf(first) + ": " + first.what);
+  void explain(QLHalvoStatus code) const {
+    if (!isFine(code) && !controller_->failureReason().empty()) tell(controller_->failureReason());
+  }
+
+  static void tellDuration(double seconds) {
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "the cue takes %.3f s", seconds);
+    tell(std::isinf(seconds) ? "the cue never ends: its last frame has no time" : text.data());
+  }
+
+  // Where there is no server the library has said so.
+  void tellSound() const {
+    const QLHalvoSound sound = controller_->lastSound();
+    if (sound == QLHalvoSound::muted) tell("nobody could hear the sound: the output is muted, or its volume is 0");
+    if (sound == QLHalvoSound::brokenOff) tell("the sound broke off: the sound server went away");
+    if (sound == QLHalvoSound::heard && options_.verbose) tell("the sound was heard");
   }
 
   // Starts an operation and runs the main queue until it answers; nothing when no answer can come any more, or nobody
@@ -179,6 +187,7 @@ int play(int argc, char** argv) {
       {"haptics", "", "ask for haptics", setFlag(options.haptics)},
       {"times", "N", "plays, one after the other; 0 only prepares (1)", setNumber(options.times, 0, 1000000)},
       {"settle", "", "before each play and before the end, wait for requests and queued work", setFlag(options.settle)},
+      {"verbose", "", "tell how long the cue takes, and that the sound was heard", setFlag(options.verbose)},
       {"headless", "", "use simulated devices: nothing of the machine", setFlag(options.devices.headless)},
       {"volume", "V", "with --headless: output volume, 0.0 to 1.0 (1.0)",
        [&](const std::string& value) { return chooseVolume(value, options.devices); }},
