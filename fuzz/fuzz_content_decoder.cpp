@@ -17,15 +17,15 @@ constexpr std::size_t kLimit = 1 << 20;
 
 // Nothing for a body that is refused.
 std::optional<std::string> decode(std::string_view encoding, std::string_view body, std::size_t piece) {
-  ContentDecoder decoder(encoding, kLimit);
-  std::string decoded;
+  ContentDecoder decoder(encoding);
+  ReceivedBody decoded({kLimit, ""});
   for (; !body.empty(); body.remove_prefix(std::min(piece, body.size()))) {
     const auto problem = decoder.append(body.substr(0, piece), decoded);
     if (decoded.size() > kLimit) std::abort();
     if (problem) return std::nullopt;
   }
   if (decoder.finish()) return std::nullopt;
-  return decoded;
+  return decoded.take();
 }
 
 }  // namespace

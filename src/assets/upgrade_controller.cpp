@@ -11,6 +11,7 @@
 #include "platform/dispatch/clock.h"
 #include "platform/dispatch/main_queue.h"
 #include "platform/foundation/console.h"
+#include "platform/foundation/memory/limits.h"
 #include "platform/foundation/storage/bundle.h"
 #include "platform/foundation/storage/file_manager.h"
 
@@ -58,6 +59,13 @@ void unlessMemoryIsShort(const Work& work) {
   }
 }
 
+// What is larger, no player reads.
+std::size_t mostBytesOf(std::string_view fileName) {
+  return fileName == kAnimationFile ? limits::kCueBytes
+         : fileName == kSoundFile   ? limits::kSoundFileBytes
+                                    : limits::kResponseBytes;
+}
+
 std::string describeOptional(const std::optional<NSError>& error) {
   return error ? "Optional(" + error->description() + ")" : "nil";
 }
@@ -82,7 +90,7 @@ void QLUpgradeController::beginCheck() {
   CueSets::mend(check->cue);
   if (HalvoUtility::lastUpgradeTime() + kSecondsBetweenFetches < secondsSince1970()) {
     // The base is known to give an address.
-    fetch(*NSURL::fromString(check->baseAddress + "/" + kVersionConfigFile),
+    fetch(*NSURL::fromString(check->baseAddress + "/" + kVersionConfigFile), {limits::kVersionConfigBytes, ""},
           [this, check](std::optional<std::string> data, const std::optional<NSError>& error) {
             receiveVersionConfig(check, std::move(data), error);
           });
@@ -114,13 +122,15 @@ void QLUpgradeController::discardActiveCueAssets() {
 }
 
 // The receiver is called while this exists.
-void QLUpgradeController::fetch(const NSURL& url, Receiver receive) {
-  QLHalvoHttpManager::request(url, "GET", std::nullopt, {}, nullptr,
-                              [weak = weak_from_this(), receive = std::move(receive)](
-                                  std::optional<std::string> data, const auto&, const std::optional<NSError>& error) {
-                                const auto self = weak.lock();
-                                if (self) unlessMemoryIsShort([&] { receive(std::move(data), error); });
-                              });
+void QLUpgradeController::fetch(const NSURL& url, BodyBounds bounds, Receiver receive) {
+  QLHalvoHttpManager::request(
+      url, "GET", std::nullopt, {}, nullptr,
+      [weak = weak_from_this(), receive = std::move(receive)](std::optional<std::string> data, const auto&,
+                                                              const std::optional<NSError>& error) {
+        const auto self = weak.lock();
+        if (self) unlessMemoryIsShort([&] { receive(std::move(data), error); });
+      },
+      std::move(bounds));
 }
 
 void QLUpgradeController::receiveVersionConfig(const CheckPointer& check, std::optional<std::string> data,
@@ -216,11 +226,12 @@ void QLUpgradeController::downloadAsset(const std::string& fileName, const Check
     return;
   }
   ++check->outstanding;
-  fetch(*url, [this, fileName, check](std::optional<std::string> data, const std::optional<NSError>& error) {
-    if (error) data.reset();
-    receiveAsset(fileName, std::move(data), *check);
-    endPart(check);
-  });
+  fetch(*url, {mostBytesOf(fileName), check->staged->directory},
+        [this, fileName, check](std::optional<std::string> data, const std::optional<NSError>& error) {
+          if (error) data.reset();
+          receiveAsset(fileName, std::move(data), *check);
+          endPart(check);
+        });
 }
 
 void QLUpgradeController::receiveAsset(const std::string& fileName, std::optional<std::string> data, Check& check) {

@@ -10,6 +10,7 @@
 #include "assets/version_config.h"
 #include "platform/dispatch/function.h"
 #include "platform/foundation/error.h"
+#include "platform/foundation/network/received_body.h"
 #include "platform/foundation/network/url.h"
 
 namespace quellaro {
@@ -62,7 +63,7 @@ class QLUpgradeController final : public UpgradeControlling, public std::enable_
 
   QLUpgradeController() = default;
   void beginCheck();
-  void fetch(const NSURL& url, Receiver receive);
+  void fetch(const NSURL& url, BodyBounds bounds, Receiver receive);
   void receiveVersionConfig(const CheckPointer& check, std::optional<std::string> data,
                             const std::optional<NSError>& error);
   void processLocalVersionConfig(const CheckPointer& check);

@@ -21,6 +21,44 @@ using Lines = std::vector<std::string>;
 
 class Upgrade : public UpgradeFixture {};
 
+// The most memory that this process has held since the object was made, in bytes.
+class MostMemory {
+ public:
+  MostMemory() { writeFile("/proc/self/clear_refs", "5"); }
+  static std::size_t bytes() {
+    const std::string status = readFile("/proc/self/status");
+    return std::stoul(status.substr(status.find("VmHWM:") + 6)) * 1024;
+  }
+  std::size_t growth() const { return bytes() - before_; }
+
+ private:
+  std::size_t before_ = bytes();
+};
+
+TEST_F(Upgrade, FourBodiesWithoutEndTakeLittleMemoryAndReplaceNothing) {
+  publish("7", "q/7");
+  installActive("1");
+  const std::string flood(1 << 20, 'x');
+  for (const char* name : kCueFiles)
+    answer(std::string("/q/7/") + name, [&](const auto&, const auto& connection) {
+      connection.send("HTTP/1.1 200 OK\r\n\r\n");
+      while (connection.send(flood)) continue;
+    });
+  const auto controller = makeController();
+  const MostMemory memory;
+  check(*controller);
+#if !defined(QUELLARO_SANITIZED)
+  EXPECT_LT(memory.growth(), std::size_t{64} << 20);
+#endif
+  EXPECT_EQ(filesOf(active() / "quellaro"), setOf("1"));
+  EXPECT_TRUE(filesOf(staging()).empty());
+  answer("/version_config.json",
+         [&](const auto&, const auto& connection) { connection.answer("[" + std::string(1 << 20, ' ') + "]"); });
+  wall_.advance(2 * kWeek);
+  check(*controller);
+  EXPECT_THAT(takePrinted(), testing::Contains(HasSubstr("The resource exceeds the maximum size.")));
+}
+
 TEST_F(Upgrade, InstallsWhatTheStoreListsAndThenKeepsQuietForAWeek) {
   publish("7", "q/7");
   installActive("1");

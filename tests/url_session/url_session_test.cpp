@@ -5,11 +5,13 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "platform/foundation/memory/limits.h"
 #include "support/nginx_server.h"
 #include "support/scripted_server.h"
+#include "support/temporary_directory.h"
 #include "url_session/fetch.h"
 
 namespace quellaro {
@@ -115,6 +117,41 @@ TEST(URLSession, DecodesWhatItOffersToDecode) {
     const Answer answer = fetch(server.address());
     EXPECT_EQ(answer.text(), c.text.empty() ? "(no data)" : c.text) << c.what;
     EXPECT_EQ(answer.error.has_value(), c.text.empty()) << c.what;
+  }
+}
+
+TEST(URLSession, ABodyIsTakenToItsBoundsInMemoryOrInAFileWithoutAName) {
+  const TemporaryDirectory directory;
+  const struct {
+    const char* what;
+    BodyBounds bounds;
+    std::size_t size;
+    std::optional<URLErrorCode> code;
+  } cases[] = {
+      {"in memory", {3 << 20, ""}, 3 << 20, {}},
+      {"in a file", {3 << 20, directory.path()}, 3 << 20, {}},
+      {"one byte more", {(3 << 20) - 1, directory.path()}, 3 << 20, URLErrorCode::DataLengthExceedsMaximum},
+      {"so small that no file is made", {3 << 20, "/nowhere"}, 1 << 20, {}},
+      {"nowhere to put it", {3 << 20, "/nowhere"}, (1 << 20) + 1, URLErrorCode::CannotWriteToFile},
+  };
+  for (const auto& c : cases) {
+    for (const bool isPacked : {false, true}) {
+      std::string body;
+      while (body.size() < c.size) body += kText;
+      body.resize(c.size);
+      const ScriptedServer server([&](const Request&, const Connection& connection) {
+        if (isPacked)
+          connection.answer(deflated(body, MAX_WBITS + 16), "Content-Encoding: gzip\r\n");
+        else
+          connection.answer(body);
+      });
+      URLRequest request = requestFor(server.address());
+      request.responseBounds = c.bounds;
+      const Answer answer = fetch(std::move(request));
+      EXPECT_EQ(answer.code(), c.code) << c.what;
+      EXPECT_EQ(answer.data == body, !c.code) << c.what;
+      EXPECT_TRUE(std::filesystem::is_empty(directory.path())) << c.what;
+    }
   }
 }
 

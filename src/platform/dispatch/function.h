@@ -1,9 +1,9 @@
 #pragma once
 
 #include <atomic>
-#include <concepts>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -21,25 +21,23 @@ class Function<R(Arguments...)> {
  public:
   Function() noexcept = default;
   Function(std::nullptr_t) noexcept {}
-  template <typename F>
-  requires(!std::same_as<std::remove_cvref_t<F>, Function> && std::is_invocable_r_v<R, std::decay_t<F>&, Arguments...>)
-      Function(F&& callable) {
-    if constexpr (std::constructible_from<std::remove_cvref_t<F>, std::nullptr_t>) {
+  template <typename F, typename = std::enable_if_t<!std::is_same_v<std::remove_cvref_t<F>, Function> &&
+                                                    std::is_invocable_r_v<R, std::decay_t<F>&, Arguments...>>>
+  Function(F&& callable) {
+    if constexpr (std::is_constructible_v<std::remove_cvref_t<F>, std::nullptr_t>) {
       if (callable == nullptr) return;
     }
-    state_ = new Held<std::decay_t<F>>{{&call<std::decay_t<F>>, &destroy<std::decay_t<F>>}, std::forward<F>(callable)};
+    state_.reset(std::make_unique<Held<std::decay_t<F>>>(std::forward<F>(callable)).release());
   }
-  Function(const Function& other) noexcept : state_(other.state_) {
+  Function(const Function& other) noexcept : state_(other.state_.get()) {
     if (state_ != nullptr) state_->owners.fetch_add(1, std::memory_order_relaxed);
   }
-  Function(Function&& other) noexcept : state_(std::exchange(other.state_, nullptr)) {}
+  Function(Function&&) noexcept = default;
   Function& operator=(Function other) noexcept {
-    std::swap(state_, other.state_);
+    state_.swap(other.state_);
     return *this;
   }
-  ~Function() {
-    if (state_ != nullptr && state_->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) state_->destroy(state_);
-  }
+  ~Function() = default;
 
   explicit operator bool() const noexcept { return state_ != nullptr; }
   friend bool operator==(const Function& function, std::nullptr_t) noexcept { return function.state_ == nullptr; }
@@ -53,18 +51,21 @@ class Function<R(Arguments...)> {
   };
   template <typename F>
   struct Held : State {
+    explicit Held(F held) : State{&call, &destroy}, callable(std::move(held)) {}
+    static R call(State& state, Arguments&&... arguments) {
+      return std::invoke(static_cast<Held&>(state).callable, std::forward<Arguments>(arguments)...);
+    }
+    static void destroy(State* state) { const std::unique_ptr<Held> last(static_cast<Held*>(state)); }
     F callable;
   };
-  template <typename F>
-  static R call(State& state, Arguments&&... arguments) {
-    return std::invoke(static_cast<Held<F>&>(state).callable, std::forward<Arguments>(arguments)...);
-  }
-  template <typename F>
-  static void destroy(State* state) {
-    delete static_cast<Held<F>*>(state);
-  }
+  // The last owner takes the captures along.
+  struct Leave {
+    void operator()(State* state) const {
+      if (state->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) state->destroy(state);
+    }
+  };
 
-  State* state_ = nullptr;
+  std::unique_ptr<State, Leave> state_;
 };
 
 }  // namespace quellaro

@@ -82,7 +82,8 @@ FileDescriptor lockOf(const std::string& directory) {
 void removeRemains(const std::string& parent) {
   for (const std::string& name : FileManager::contentsOfDirectoryAtPath(parent)) {
     if (!name.starts_with(kStagedName) || name.size() != kStagedName.size() + kRandomLetters) continue;
-    const std::string path = parent + "/" + name;
+    std::string path = parent;
+    path.append("/").append(name);
     if (const FileDescriptor lock = lockOf(path)) removeCue(path);
   }
 }

@@ -28,6 +28,8 @@ inline constexpr std::size_t kXmlAttributes = 10'000;
 inline constexpr std::size_t kXmlEntities = 64;
 inline constexpr std::size_t kXmlEntityBytes = std::size_t{64} << 10;
 
+// The store's version_config.json, which tells its versions to any number of libraries.
+inline constexpr std::size_t kVersionConfigBytes = std::size_t{1} << 20;
 // The body of a response, decoded. Three times the heaviest honest animation.json.
 inline constexpr std::size_t kResponseBytes = std::size_t{128} << 20;
 // The lines behind a response's body; honest ones are a signature or a time. They would be kept in memory.

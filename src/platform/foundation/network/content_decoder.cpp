@@ -2,7 +2,6 @@
 
 #include <zlib.h>
 
-#include <algorithm>
 #include <array>
 
 namespace quellaro {
@@ -55,7 +54,7 @@ struct ContentDecoder::Inflater {
   z_stream stream{};
 };
 
-ContentDecoder::ContentDecoder(std::string_view encoding, std::size_t limit) : limit_(limit), isKnown_(true) {
+ContentDecoder::ContentDecoder(std::string_view encoding) : isKnown_(true) {
   const std::string name = trimmedLowerCase(encoding);
   if (name == "gzip" || name == "x-gzip" || name == "deflate")
     inflater_ = std::make_unique<Inflater>(name != "deflate");
@@ -65,13 +64,9 @@ ContentDecoder::ContentDecoder(std::string_view encoding, std::size_t limit) : l
 
 ContentDecoder::~ContentDecoder() = default;
 
-std::optional<URLErrorCode> ContentDecoder::append(std::string_view bytes, std::string& decoded) {
+std::optional<URLErrorCode> ContentDecoder::append(std::string_view bytes, ReceivedBody& decoded) {
   if (!isKnown_) return URLErrorCode::CannotDecodeContentData;
-  if (inflater_ == nullptr) {
-    if (bytes.size() > limit_ - std::min(limit_, decoded.size())) return URLErrorCode::DataLengthExceedsMaximum;
-    decoded += bytes;
-    return std::nullopt;
-  }
+  if (inflater_ == nullptr) return decoded.append(bytes);
   if (inflater_->isOpen) return inflate(bytes, decoded);
   inflater_->start += bytes;
   if (inflater_->start.size() < 2) return std::nullopt;
@@ -80,7 +75,7 @@ std::optional<URLErrorCode> ContentDecoder::append(std::string_view bytes, std::
   return inflate(std::string(std::move(inflater_->start)), decoded);
 }
 
-std::optional<URLErrorCode> ContentDecoder::inflate(std::string_view bytes, std::string& decoded) {
+std::optional<URLErrorCode> ContentDecoder::inflate(std::string_view bytes, ReceivedBody& decoded) {
   z_stream& stream = inflater_->stream;
   // zlib does not write to its input.
   stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
@@ -99,8 +94,7 @@ std::optional<URLErrorCode> ContentDecoder::inflate(std::string_view bytes, std:
       status = ::inflate(&stream, Z_NO_FLUSH);
       if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) return URLErrorCode::CannotDecodeRawData;
       const std::size_t count = chunk.size() - stream.avail_out;
-      if (count > limit_ - std::min(limit_, decoded.size())) return URLErrorCode::DataLengthExceedsMaximum;
-      decoded.append(chunk.data(), count);
+      if (const auto problem = decoded.append({chunk.data(), count})) return problem;
     } while (stream.avail_out == 0);
     inflater_->atEnd = status == Z_STREAM_END;
   }

@@ -42,6 +42,8 @@ std::string_view sentence(URLErrorCode code) {
       return "The certificate of this server is not trusted.";
     case URLErrorCode::ServerCertificateNotYetValid:
       return "The certificate of this server is not yet valid.";
+    case URLErrorCode::CannotWriteToFile:
+      return "The response could not be written to a file.";
   }
   return "An unknown error occurred.";
 }

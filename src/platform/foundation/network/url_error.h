@@ -27,6 +27,7 @@ enum class URLErrorCode : std::int64_t {
   ServerCertificateHasBadDate = -1201,
   ServerCertificateUntrusted = -1202,
   ServerCertificateNotYetValid = -1204,
+  CannotWriteToFile = -3003,
 };
 
 // What a result of curl's (CURLcode) means, by its number: of whichever curl is there when the program runs.

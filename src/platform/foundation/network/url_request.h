@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/foundation/network/received_body.h"
 #include "platform/foundation/network/url.h"
 
 namespace quellaro {
@@ -35,6 +36,7 @@ class URLRequest {
   double timeoutInterval;
   std::string httpMethod = "GET";
   std::optional<std::string> httpBody;
+  BodyBounds responseBounds;
 
  private:
   std::vector<HeaderField> headerFields_;

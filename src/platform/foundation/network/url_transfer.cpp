@@ -62,7 +62,8 @@ URLTransfer::URLTransfer(URLRequest request, MainQueue& queue, URLSessionComplet
       certificateFile_(environmentValue("SSL_CERT_FILE")),
       certificateDirectory_(environmentValue("SSL_CERT_DIR")),
       timeout_(request_.timeoutInterval > 0 ? std::min(request_.timeoutInterval, kLongestTimeout) : kDefaultTimeout),
-      lastActivity_(MonotonicClock{}.now()) {}
+      lastActivity_(MonotonicClock{}.now()),
+      body_(request_.responseBounds) {}
 
 bool URLTransfer::prepare() {
   const NSURL& url = request_.url;
@@ -214,7 +215,7 @@ std::size_t URLTransfer::receive(std::string_view bytes) try {
         curl_easy_header(handle_.get(), "Content-Encoding", 0, CURLH_HEADER, -1, &encoding) == CURLHE_OK;
     // Several encodings on top of each other were never offered.
     const bool isOne = !isEncoded || encoding->amount == 1;
-    decoder_.emplace(!isOne ? "several" : isEncoded ? encoding->value : "", limits::kResponseBytes);
+    decoder_.emplace(!isOne ? "several" : isEncoded ? encoding->value : "");
   }
   failure_ = decoder_->append(bytes, body_);
   return failure_ ? 0 : bytes.size();
@@ -259,8 +260,11 @@ void URLTransfer::finish(CURLcode result) {
   if (result != CURLE_OK)
     return fail(codeOf(result, handle_.get(), head_ != Head::None),
                 detail_[0] != '\0' ? detail_.data() : curl_easy_strerror(result));
+  if (body_.size() > 0) {
+    outcome_->data = body_.take();
+    if (!outcome_->data) return fail(URLErrorCode::CannotWriteToFile);
+  }
   outcome_->response = response();
-  if (!body_.empty()) outcome_->data = std::move(body_);
   complete();
 }
 

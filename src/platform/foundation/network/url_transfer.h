@@ -92,7 +92,7 @@ class URLTransfer {
   std::uint64_t socketsSeen_ = 0;
   Head head_ = Head::None;
   std::size_t trailerBytes_ = 0;
-  std::string body_;
+  ReceivedBody body_;
   std::optional<ContentDecoder> decoder_;
   // Why the transfer was broken off from this side.
   std::optional<URLErrorCode> failure_;

@@ -270,10 +270,13 @@ std::variant<std::string, ArtError> unpackSource(std::string_view bytes) {
     if (bytes.size() > kMostBytes) return ArtError{std::nullopt, "the document is larger than 64 MB"};
     text = bytes;
   } else {
-    quellaro::ContentDecoder decoder("gzip", kMostBytes);
-    const auto error = decoder.append(bytes, text);
-    if (text.size() >= kMostBytes) return ArtError{std::nullopt, "the document is larger than 64 MB when unpacked"};
+    quellaro::ContentDecoder decoder("gzip");
+    quellaro::ReceivedBody unpacked({kMostBytes, ""});
+    const auto error = decoder.append(bytes, unpacked);
+    if (error == quellaro::URLErrorCode::DataLengthExceedsMaximum)
+      return ArtError{std::nullopt, "the document is larger than 64 MB when unpacked"};
     if (error || decoder.finish()) return ArtError{std::nullopt, "the gzip data is damaged or cut off"};
+    text = unpacked.take().value_or("");
   }
   // Before anybody reads it, which would take as long as it is large.
   std::size_t elements = 0;
