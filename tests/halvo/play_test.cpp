@@ -133,20 +133,5 @@ TEST_F(PlayOfTheTool, SimulatedHaptics) {
             "prepare: 800 success\nplay: 910 hapticsPlayFailed\n");
 }
 
-TEST_F(PlayOfTheTool, APatternThatCannotBeUsedIsNamed) {
-  const std::pair<const char*, const char*> rows[] = {
-      {"[]", "[QuellaroHalvoSDK] ERROR: Corrupted/Invalid AHAP file\n"},
-      {R"({"Pattern": [{"Event": {"Time": -1, "EventType": "HapticTransient"}}]})",
-       "At Pattern[0].Event.Time: a number from 0 to 60 was expected, but this is -1\n"},
-  };
-  for (const auto& [pattern, line] : rows) {
-    writeFile(bundle_ / "signature_forte.ahap", pattern);
-    const Ran ran = playHaptics("--headless --times 0");
-    EXPECT_EQ(ran.status, 0) << line;
-    EXPECT_THAT(ran.output, HasSubstr(line));
-    EXPECT_THAT(ran.output, HasSubstr("prepare: 800 success\n"));
-  }
-}
-
 }  // namespace
 }  // namespace quellaro
