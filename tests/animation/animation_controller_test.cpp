@@ -72,35 +72,12 @@ TEST_F(AnimationController, LoadsTheFramesOfACue) {
   controller_->prepare("quellaro", {}, {});
 }
 
-TEST_F(AnimationController, DownloadedFramesComeBeforeTheBuiltInOnes) {
-  writeBundleFile("animation.json", kOneFrame);
-  writeFile(library() / "halvo_assets_active/quellaro/animation.json", kThreeFrames);
-  EXPECT_EQ(prepare(), "s");
-  EXPECT_EQ(controller_->animationElements().size(), 3u);
-  EXPECT_EQ(prepare("other"), "s");
-  EXPECT_EQ(controller_->animationElements().size(), 1u);
-}
-
-TEST_F(AnimationController, PlaysIntoTheViewItIsGiven) {
+TEST_F(AnimationController, WithoutAViewNothingIsPlayed) {
   writeBundleFile("animation.json", kThreeFrames);
   prepare();
-  const auto shownLayers = [&] { return view_->animtionView()->layer()->sublayers().size(); };
-  for (int round = 1; round <= 2; ++round) {
-    play(view_);
-    EXPECT_EQ(view_->animtionView()->sdkConfig(), config_);
-    EXPECT_EQ(shownLayers(), 1u);
-    driver_.advance(0.15);
-    EXPECT_EQ(shownLayers(), 0u);
-    driver_.advance(0.1);
-    EXPECT_EQ(shownLayers(), 1u);
-    EXPECT_EQ(successes_, round - 1);
-    driver_.advance(0.1);
-    EXPECT_EQ(successes_, round);
-  }
-  takePrinted();
   play(nullptr);
   driver_.advance(1);
-  EXPECT_EQ(successes_, 2);
+  EXPECT_EQ(successes_, 0);
   EXPECT_TRUE(takePrinted().empty());
 }
 

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
-
 #include "animation/halvo_animation_view.h"
 #include "animation/halvo_layer.h"
 
@@ -133,14 +130,6 @@ TEST(HalvoView, HasTheSameViewsHoweverItIsMade) {
     EXPECT_EQ(view->subviews(), (std::vector<std::shared_ptr<UIView>>{view->backgroundView(), view->animtionView()}));
     EXPECT_EQ(view->backgroundView()->backgroundColor(), UIColor::blackColor());
   }
-}
-
-TEST(HalvoView, TheBackdropTakesItsColourAtOnce) {
-  const auto view = QLHalvoView::make();
-  view->setBackground(QLHalvoBackground::white);
-  EXPECT_EQ(view->backgroundView()->backgroundColor(), UIColor::whiteColor());
-  view->setBackground(QLHalvoBackground::black);
-  EXPECT_EQ(view->backgroundView()->backgroundColor(), UIColor::blackColor());
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Hands every function what it must not get, and looks whether the answer is the documented one.
+// Hands every function what it must not get, and looks whether the answer is the documented one. What they do with what
+// they may get, cpp_face.cpp and life_of_a_host.cpp tell.
 #include <QuellaroHalvo/quellaro_halvo.h>
 #include <math.h>
 #include <stdio.h>
@@ -47,7 +48,11 @@ static void chooses(void) {
 }
 
 static void names_merchants(void) {
-  quellaro_halvo_merchant *shop, *same;
+  static const char* (*const texts[])(const quellaro_halvo_merchant*) = {
+      quellaro_halvo_merchant_name, quellaro_halvo_merchant_country_code, quellaro_halvo_merchant_city,
+      quellaro_halvo_merchant_identifier, quellaro_halvo_merchant_description};
+  quellaro_halvo_merchant* shop = quellaro_halvo_merchant_create("My_Shop - 1", "US", "", codes, 2, "");
+  size_t i;
   IS_NULL(quellaro_halvo_merchant_create(NULL, "US", NULL, codes, 2, NULL));
   IS_NULL(quellaro_halvo_merchant_create("Shop", NULL, NULL, codes, 2, NULL));
   IS_NULL(quellaro_halvo_merchant_create("Shop", "US", NULL, NULL, 2, NULL));
@@ -56,29 +61,16 @@ static void names_merchants(void) {
   IS_NULL(quellaro_halvo_merchant_create("Shop", "US", NULL, garbled, 1, NULL));
   IS_NULL(quellaro_halvo_merchant_create("Shop", "US", NULL, codes, 2, NOT_UTF8));
 
-  shop = quellaro_halvo_merchant_create("My_Shop - 1", "US", "", codes, 2, "");
-  same = quellaro_halvo_merchant_create("Other", "US", "", codes, 1, "myshop1");
-  TEXT(quellaro_halvo_merchant_description(shop), "myshop1-My_Shop - 1-[\"5411\", \"\"]");
-  TEXT(quellaro_halvo_merchant_name(shop), "My_Shop - 1");
-  TEXT(quellaro_halvo_merchant_country_code(shop), "US");
-  TEXT(quellaro_halvo_merchant_city(shop), "");
-  TEXT(quellaro_halvo_merchant_identifier(shop), "myshop1");
+  for (i = 0; i < sizeof texts / sizeof *texts; ++i) IS_NULL(texts[i](NULL));
+  IS_NULL(quellaro_halvo_merchant_category_code(NULL, 0));
+  IS_NULL(quellaro_halvo_merchant_category_code(shop, 2));
   TEXT(quellaro_halvo_merchant_category_code(shop, 0), "5411");
   ANSWERS(quellaro_halvo_merchant_category_code_count(shop), 2);
-  IS_NULL(quellaro_halvo_merchant_category_code(shop, 2));
-  ANSWERS(quellaro_halvo_merchant_is_equal(shop, same), true);
+  TEXT(quellaro_halvo_merchant_city(shop), "");
   ANSWERS(quellaro_halvo_merchant_is_equal(shop, NULL), false);
-  ANSWERS(quellaro_halvo_merchant_hash(shop) == quellaro_halvo_merchant_hash(same), true);
-  quellaro_halvo_merchant_release(same);
+  ANSWERS(quellaro_halvo_merchant_hash(NULL), 0);
   quellaro_halvo_merchant_release(shop);
   quellaro_halvo_merchant_release(NULL);
-  IS_NULL(quellaro_halvo_merchant_name(NULL));
-  IS_NULL(quellaro_halvo_merchant_country_code(NULL));
-  IS_NULL(quellaro_halvo_merchant_city(NULL));
-  IS_NULL(quellaro_halvo_merchant_category_code(NULL, 0));
-  IS_NULL(quellaro_halvo_merchant_identifier(NULL));
-  IS_NULL(quellaro_halvo_merchant_description(NULL));
-  ANSWERS(quellaro_halvo_merchant_hash(NULL), 0);
 }
 
 static void lays_out_views(void) {
@@ -86,7 +78,6 @@ static void lays_out_views(void) {
   static const quellaro_halvo_rectangle frame = {1, 2, 30, 20};
   uint32_t pixels[4] = {0};
   quellaro_halvo_view* view = quellaro_halvo_view_create();
-  quellaro_halvo_view* copy;
   quellaro_halvo_coder* coder = quellaro_halvo_coder_create();
   size_t i;
   for (i = 0; i < sizeof unusable / sizeof *unusable; ++i) {
@@ -106,10 +97,6 @@ static void lays_out_views(void) {
   IS_NULL(quellaro_halvo_view_create_with_coder(coder));
   RESULT(quellaro_halvo_view_encode(NULL, coder), null_argument);
   RESULT(quellaro_halvo_view_encode(view, NULL), null_argument);
-  RESULT(quellaro_halvo_view_set_frame(view, frame), ok);
-  RESULT(quellaro_halvo_view_encode(view, coder), ok);
-  copy = quellaro_halvo_view_create_with_coder(coder);
-  ANSWERS(quellaro_halvo_view_frame(copy).height, 20);
 
   RESULT(quellaro_halvo_view_draw(NULL, pixels, 2, 2, 8), null_argument);
   RESULT(quellaro_halvo_view_draw(view, NULL, 2, 2, 8), null_argument);
@@ -125,7 +112,6 @@ static void lays_out_views(void) {
   RESULT(quellaro_halvo_view_set_needs_display_handler(NULL, NULL, NULL), null_argument);
   quellaro_halvo_coder_release(coder);
   quellaro_halvo_coder_release(NULL);
-  quellaro_halvo_view_release(copy);
   quellaro_halvo_view_release(view);
   quellaro_halvo_view_release(NULL);
 }
@@ -133,10 +119,13 @@ static void lays_out_views(void) {
 static void controls(void) {
   quellaro_halvo_controller* controller = quellaro_halvo_controller_create();
   quellaro_halvo_merchant* merchant = quellaro_halvo_merchant_create("Shop", "US", NULL, codes, 1, NULL);
+  int32_t type;
   RESULT(quellaro_halvo_controller_prepare(NULL, 0, "quellaro", 0, merchant, false, never, NULL), null_argument);
   RESULT(quellaro_halvo_controller_prepare(controller, 0, NULL, 0, merchant, false, never, NULL), null_argument);
   RESULT(quellaro_halvo_controller_prepare(controller, 0, "quellaro", 0, NULL, false, never, NULL), null_argument);
-  RESULT(quellaro_halvo_controller_prepare(controller, 3, "quellaro", 0, merchant, false, never, NULL), invalid_value);
+  for (type = -1; type <= 3; type += 4)
+    RESULT(quellaro_halvo_controller_prepare(controller, type, "quellaro", 0, merchant, false, never, NULL),
+           invalid_value);
   RESULT(quellaro_halvo_controller_prepare(controller, 0, "quellaro", 2, merchant, false, never, NULL), invalid_value);
   RESULT(quellaro_halvo_controller_prepare(controller, 0, NOT_UTF8, 0, merchant, false, never, NULL), invalid_text);
   RESULT(quellaro_halvo_controller_play(NULL, NULL, never, NULL), null_argument);
@@ -144,7 +133,6 @@ static void controls(void) {
   RESULT(quellaro_halvo_controller_set_prepared_halvo_cue(NULL, "cue"), null_argument);
   RESULT(quellaro_halvo_controller_set_prepared_halvo_cue(controller, NOT_UTF8), invalid_text);
   RESULT(quellaro_halvo_controller_set_prepared_halvo_cue(controller, "cue"), ok);
-  TEXT(quellaro_halvo_controller_prepared_halvo_cue(controller), "cue");
   RESULT(quellaro_halvo_controller_set_prepared_halvo_cue(controller, NULL), ok);
   IS_NULL(quellaro_halvo_controller_prepared_halvo_cue(controller));
   IS_NULL(quellaro_halvo_controller_failure_reason(NULL));
@@ -152,8 +140,6 @@ static void controls(void) {
   ANSWERS(quellaro_halvo_controller_last_sound(NULL), quellaro_halvo_sound_none);
   ANSWERS(quellaro_halvo_controller_is_playing(NULL), false);
   RESULT(quellaro_halvo_controller_set_is_playing(NULL, true), null_argument);
-  RESULT(quellaro_halvo_controller_set_is_playing(controller, true), ok);
-  ANSWERS(quellaro_halvo_controller_is_playing(controller), true);
   quellaro_halvo_merchant_release(merchant);
   quellaro_halvo_controller_release(controller);
   quellaro_halvo_controller_release(NULL);
@@ -165,12 +151,9 @@ static void controls(void) {
 
 static void asks(void) {
   int32_t result;
-  ANSWERS(quellaro_halvo_status_is_valid(910), true);
   ANSWERS(quellaro_halvo_status_is_valid(911), false);
   TEXT(quellaro_halvo_status_name(INT64_MIN), "unknown");
   ANSWERS(strlen(quellaro_halvo_status_description(INT64_MIN)) > 0, true);
-  TEXT(quellaro_halvo_status_name(quellaro_halvo_status_success_with_fallback), "successWithFallback");
-  TEXT(quellaro_halvo_status_error_domain(), "QuellaroHalvo.QLHalvoStatus");
   for (result = -1; result <= quellaro_halvo_result_failed + 1; ++result)
     ANSWERS(strlen(quellaro_halvo_result_description(result)) > 0, true);
   ANSWERS(quellaro_halvo_version_number(), QUELLARO_HALVO_VERSION_NUMBER);

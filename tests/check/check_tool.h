@@ -2,7 +2,6 @@
 
 #include <set>
 #include <string>
-#include <vector>
 
 #include "check/told.h"
 #include "drawing_commands/read_png.h"

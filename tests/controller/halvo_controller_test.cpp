@@ -365,22 +365,12 @@ TEST_F(HalvoController, AnActiveVersionConfigurationWinsAndAnUnreadableOneFails)
   EXPECT_FALSE(fakes_.analytics->config.has_value());
 }
 
-TEST_F(HalvoController, DroppedDuringAPrepareItAnswersNothingAndDuringAPlayItStays) {
+TEST_F(HalvoController, DroppedDuringAPrepareItAnswersNothing) {
   startPrepare();
   EXPECT_TRUE(codes_.empty()) << "not before the main queue runs";
   controller_.reset();
   driver_.settle();
   EXPECT_TRUE(codes_.empty());
-
-  make();
-  ASSERT_EQ(prepare(), Codes{800});
-  controller_->play(someView(), collect());
-  const std::weak_ptr<QLHalvoController> weak = controller_;
-  controller_.reset();
-  EXPECT_FALSE(weak.expired());
-  driver_.advance(1);
-  EXPECT_EQ(codes_, Codes{800});
-  EXPECT_TRUE(weak.expired());
 }
 
 TEST_F(HalvoController, AnAbsentCompletionChangesNothing) {

@@ -76,20 +76,6 @@ TEST(MainQueue, TimersFireByDeadlineAndThenInTheOrderOfScheduling) {
   EXPECT_TRUE(queue.isIdle());
 }
 
-TEST(MainQueue, RunSleepsTowardsTimersAndReturnsWhenStoppedOrIdle) {
-  MainQueue queue;
-  int count = 0;
-  queue.asyncAfter(0.01, [&] { ++count; });
-  queue.runUntilIdle(-1);
-  EXPECT_EQ(count, 1);
-
-  queue.asyncAfter(3600, [&] { ++count; });
-  std::thread other([&] { queue.async([&] { queue.stop(); }); });
-  queue.run();
-  other.join();
-  EXPECT_EQ(count, 1);
-}
-
 TEST(MainQueue, AnnouncedWorkKeepsTheQueueFromBeingIdle) {
   MainQueue queue;
   PendingActivity activity = queue.beginActivity();

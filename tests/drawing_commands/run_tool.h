@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
 namespace quellaro {
@@ -26,6 +25,9 @@ inline Ran run(const std::string& commandLine) {
   return ran;
 }
 
-inline Ran halvo(const std::string& arguments) { return run(QUELLARO_HALVO_TOOL " " + arguments); }
+// `before`: what the shell does first.
+inline Ran halvo(const std::string& arguments, const std::string& before = "") {
+  return run(before + QUELLARO_HALVO_TOOL " " + arguments);
+}
 
 }  // namespace quellaro

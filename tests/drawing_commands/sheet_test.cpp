@@ -179,7 +179,6 @@ TEST_F(Sheet, SaysWhatIsWrongAndWritesNothing) {
       {there + "empty" + out, 1, "animation.json"},
       {QUELLARO_BUNDLE " -o " + there + "absent/sheet.png", 1, "sheet.png: "},
       {there + "none.json", 2, "-o SHEET.png"},
-      {there + "none.json" + out + " --background grey", 2, "black or white"},
       {there + "none.json more" + out, 2, "more"},
   };
   for (const auto& test : cases) {

@@ -135,20 +135,5 @@ TEST_F(PlayOfTheTool, SimulatedHaptics) {
               AllOf(HasSubstr("halvo: the cue takes 2."), HasSubstr("halvo: nobody could hear the sound: ")));
 }
 
-TEST_F(PlayOfTheTool, APatternThatCannotBeUsedIsNamed) {
-  const std::pair<const char*, const char*> rows[] = {
-      {"[]", "[QuellaroHalvoSDK] ERROR: Corrupted/Invalid AHAP file\n"},
-      {R"({"Pattern": [{"Event": {"Time": -1, "EventType": "HapticTransient"}}]})",
-       "At Pattern[0].Event.Time: a number from 0 to 60 was expected, but this is -1\n"},
-  };
-  for (const auto& [pattern, line] : rows) {
-    writeFile(bundle_ / "signature_forte.ahap", pattern);
-    const Ran ran = playHaptics("--headless --times 0");
-    EXPECT_EQ(ran.status, 0) << line;
-    EXPECT_THAT(ran.output, HasSubstr(line));
-    EXPECT_THAT(ran.output, HasSubstr("prepare: 800 success\n"));
-  }
-}
-
 }  // namespace
 }  // namespace quellaro

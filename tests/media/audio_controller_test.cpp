@@ -178,16 +178,6 @@ TEST_F(AudioController, APrepareInTheMiddleOfASoundBreaksItOff) {
   EXPECT_EQ(log.size(), 3U) << "its end has been told";
 }
 
-TEST_F(AudioController, ReleasedInTheMiddleOfASoundItIsSilentAndCallsNobody) {
-  prepare("cue");
-  play();
-  log.clear();
-  controller.reset();
-  EXPECT_TRUE(output->started[0].playback.expired());
-  end({});
-  EXPECT_EQ(log, Log{});
-}
-
 TEST_F(AudioController, MayBeReleasedByItsOwnCallback) {
   prepare("cue");
   controller->play(

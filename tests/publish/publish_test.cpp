@@ -4,7 +4,6 @@
 #include <string>
 
 #include "publish/store_fixture.h"
-#include "support/nginx_server.h"
 
 namespace quellaro {
 namespace {
@@ -17,7 +16,7 @@ using testing::StartsWith;
 using Publish = StoreTest;
 
 TEST_F(Publish, WritesUnderAFreshPathAndListsItThere) {
-  const Outcome first = publish("2");
+  const Ran first = publish("2");
   EXPECT_EQ(first.status, 0);
   // The mark is a key that the player does not know, and nearly all the frames of the configuration are missing.
   EXPECT_THAT(first.output, StartsWith("published version 2 of quellaro for library version 2.0.0 at quellaro/2\n"
@@ -83,7 +82,7 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
     writeCue("broken");
     fs::remove(cue() / c.file);
     if (c.content != nullptr) writeFile(cue() / c.file, c.content);
-    const Outcome outcome = publish("2");
+    const Ran outcome = publish("2");
     EXPECT_EQ(outcome.status, 1) << c.file;
     EXPECT_THAT(outcome.output, AllOf(HasSubstr("not published: "), HasSubstr(c.reason)));
     EXPECT_FALSE(fs::exists(store() / "quellaro/2")) << c.file;
@@ -93,7 +92,7 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
   writeCue("one");
   EXPECT_THAT(publish("1").output, HasSubstr("listed already"));
   // A disk that is full in the middle of a file.
-  const Outcome full = publish("2", "--sdk-version 2.0.0", "trap '' XFSZ; ulimit -f 40; ");
+  const Ran full = publish("2", "--sdk-version 2.0.0", "trap '' XFSZ; ulimit -f 40; ");
   EXPECT_EQ(full.status, 1);
   EXPECT_THAT(full.output, HasSubstr("File too large"));
   EXPECT_FALSE(fs::exists(store() / "quellaro/2"));
@@ -112,27 +111,6 @@ TEST_F(Publish, WhatCannotBePlayedIsRefusedAndTheStoreStaysAsItWas) {
   fs::create_directories(store() / "version_config.json");
   EXPECT_EQ(publish("2").status, 1);
   EXPECT_FALSE(fs::exists(store() / "quellaro/2"));
-}
-
-TEST_F(Publish, ADevicePicksUpWhatWasPublished) {
-  const NginxServer server(store());
-  const fs::path bundle = directory_ / "bundle";
-  fs::copy(cue(), bundle);
-  writeFile(bundle / "Info.json",
-            R"({"CFBundleShortVersionString": "2.0.0", "versionConfigUrl": ")" + server.address() + "\"}");
-  writeFile(bundle / "version_config.json", R"([{"sdk_versions": ["2.0.0"], "cues": {"quellaro": {"version": "1",
-      "filepath": "q"}}, "analytics": {"enable": false, "frequency": "M", "url": ""}}])");
-  writeCue("published");
-  ASSERT_EQ(publish("2").status, 0);
-  const Outcome played = run("play Quellaro --type soundOnly --headless --settle --bundle " + bundle.string() +
-                             " --library " + (directory_ / "library").string());
-  EXPECT_THAT(played.output, AllOf(HasSubstr("\nQuellaroHalvo: New halvo upgraded successfully\n"),
-                                   HasSubstr("\nplay: 800 success\n")));
-  for (const char* name : kCueFiles)
-    EXPECT_TRUE(readFile(directory_ / "library/halvo_assets_active/quellaro" / name) == readFile(cue() / name)) << name;
-  const auto requests = server.requests(5);
-  EXPECT_EQ(requests.size(), 5u);
-  EXPECT_EQ(requests.at(0), "GET /version_config.json 200 type=application/json expect=- length=-");
 }
 
 }  // namespace

@@ -9,34 +9,24 @@ namespace {
 
 using testing::HasSubstr;
 
-std::string shell(const std::string& command) {
-  std::string output;
-  std::FILE* pipe = popen(command.c_str(), "r");
-  for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) output += static_cast<char>(c);
-  pclose(pipe);
-  return output;
-}
-
 class Signing : public StoreTest {
  protected:
-  Signing() : key_(directory_ / "key.pem") { publicKey_ = run("store keygen " + key_).output; }
+  Signing() : key_(directory_ / "key.pem") { publicKey_ = halvo("store keygen " + key_).output; }
 
-  Outcome publishSigned(const std::string& version) const {
-    return publish(version, "--sdk-version 2.0.0 --sign " + key_);
-  }
-  Outcome verify(const std::string& key) const { return storeCommand("verify", "--key '" + key + "'"); }
+  Ran publishSigned(const std::string& version) const { return publish(version, "--sdk-version 2.0.0 --sign " + key_); }
+  Ran verify(const std::string& key) const { return storeCommand("verify", "--key '" + key + "'"); }
 
   std::string key_;
   std::string publicKey_;
 };
 
 TEST_F(Signing, TheKeyIsOneThatOthersCanRead) {
-  EXPECT_EQ(publicKey_, shell("openssl pkey -in " + key_ + " -pubout -outform DER | tail -c 32 | base64"));
+  EXPECT_EQ(publicKey_, run("openssl pkey -in " + key_ + " -pubout -outform DER | tail -c 32 | base64").output);
   const std::string before = readFile(key_);
-  EXPECT_EQ(run("store keygen " + key_).status, 1);
+  EXPECT_EQ(halvo("store keygen " + key_).status, 1);
   EXPECT_EQ(readFile(key_), before);
-  EXPECT_EQ(run("store keygen " + (directory_ / "no/where").string()).status, 1);
-  EXPECT_EQ(run("store keygen " + (directory_ / "full").string(), "trap '' XFSZ; ulimit -f 0; ").status, 1);
+  EXPECT_EQ(halvo("store keygen " + (directory_ / "no/where").string()).status, 1);
+  EXPECT_EQ(halvo("store keygen " + (directory_ / "full").string(), "trap '' XFSZ; ulimit -f 0; ").status, 1);
   EXPECT_FALSE(fs::exists(directory_ / "full"));
 }
 
@@ -48,7 +38,7 @@ TEST_F(Signing, WhatIsSignedIsVerifiedByThatKeyAlone) {
   const std::string plainKey = publicKey_.substr(0, publicKey_.find('\n'));
   for (const std::string& key : {plainKey, (directory_ / "public").string(), key_})
     EXPECT_EQ(verify(key).status, 0) << key;
-  EXPECT_THAT(verify(run("store keygen " + (directory_ / "other").string()).output.substr(0, 44)).output,
+  EXPECT_THAT(verify(halvo("store keygen " + (directory_ / "other").string()).output.substr(0, 44)).output,
               HasSubstr("the signature is not that of the key"));
   // The signature that a version was published with comes back with it.
   ASSERT_EQ(storeCommand("rollback", "--cue quellaro --to 1").status, 0);
@@ -93,9 +83,9 @@ TEST_F(Signing, KeysThatAreNoneOrNotKeptAreRefused) {
   const std::string open = directory_ / "open.pem";
   fs::copy(key_, open);
   fs::permissions(open, static_cast<fs::perms>(0640));
-  shell("cd " + directory_.path().string() +
-        " && umask 077 && openssl genpkey -algorithm RSA -out rsa.pem 2>/dev/null && openssl pkey -aes256 -passout "
-        "pass:x -in key.pem -out secret.pem && echo key > text.pem && openssl pkey -in key.pem -pubout -out half.pem");
+  run("cd " + directory_.path().string() +
+      " && umask 077 && openssl genpkey -algorithm RSA -out rsa.pem 2>/dev/null && openssl pkey -aes256 -passout "
+      "pass:x -in key.pem -out secret.pem && echo key > text.pem && openssl pkey -in key.pem -pubout -out half.pem");
   const struct {
     const char* file;
     const char* reason;
@@ -110,7 +100,7 @@ TEST_F(Signing, KeysThatAreNoneOrNotKeptAreRefused) {
   };
   fs::permissions(directory_.path(), static_cast<fs::perms>(0755));
   for (const auto& c : cases) {
-    const Outcome outcome = publish("1", "--sign " + (directory_ / c.file).string());
+    const Ran outcome = publish("1", "--sign " + (directory_ / c.file).string());
     EXPECT_EQ(outcome.status, 1) << c.file;
     EXPECT_THAT(outcome.output, HasSubstr(c.reason)) << c.file;
     EXPECT_FALSE(fs::exists(store())) << c.file;

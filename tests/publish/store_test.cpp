@@ -55,16 +55,16 @@ TEST_F(Store, WhatIsNoStoreIsRefusedByAllCommands) {
     for (const std::string& command :
          {"list " + path, "diff " + path + " " + store().string(), "diff " + store().string() + " " + path,
           "rollback " + path + " --cue quellaro --to 1", "prune " + path, "prune " + path + " --dry-run"}) {
-      const Outcome outcome = run("store " + command);
+      const Ran outcome = halvo("store " + command);
       EXPECT_EQ(outcome.status, 1) << command;
       EXPECT_THAT(outcome.output, HasSubstr(c.reason)) << command;
     }
   }
   for (const char* arguments : {"", "bogus", "list", "list a b", "rollback a --to 1", "rollback a --cue b --to 0",
                                 "prune a --older-than 0", "verify a --timeout 0", "keygen"})
-    EXPECT_EQ(run("store " + std::string(arguments)).status, 2) << arguments;
+    EXPECT_EQ(halvo("store " + std::string(arguments)).status, 2) << arguments;
   for (const char* command : {"", "list", "verify", "diff", "rollback", "prune", "keygen"})
-    EXPECT_THAT(run("store " + std::string(command) + " --help").output,
+    EXPECT_THAT(halvo("store " + std::string(command) + " --help").output,
                 HasSubstr("Usage: halvo store " + std::string(command)));
 }
 
@@ -124,13 +124,12 @@ TEST_F(Store, AVersionIsListedAgainUnderItsOwnPath) {
   };
   const std::string after = config();
   for (const auto& c : refused) {
-    const Outcome outcome = storeCommand("rollback", c.arguments);
+    const Ran outcome = storeCommand("rollback", c.arguments);
     EXPECT_EQ(outcome.status, 1) << c.arguments;
     EXPECT_THAT(outcome.output, HasSubstr(c.reason));
   }
   // A disk that is full.
-  const Outcome full =
-      storeCommand("rollback", "--cue quellaro --to 1 --sdk-version 2.0.0", "trap '' XFSZ; ulimit -f 0; ");
+  const Ran full = storeCommand("rollback", "--cue quellaro --to 1 --sdk-version 2.0.0", "trap '' XFSZ; ulimit -f 0; ");
   EXPECT_EQ(full.status, 1);
   EXPECT_THAT(full.output, HasSubstr("File too large"));
   EXPECT_EQ(config(), after);
@@ -165,7 +164,7 @@ TEST_F(Store, OnlyWhatNobodyNeedsIsPruned) {
   EXPECT_THAT(storeCommand("prune", "--dry-run").output, HasSubstr("would remove quellaro/old\n"));
   EXPECT_THAT(storeCommand("prune", "--older-than 9").output, Not(HasSubstr("removed")));
   EXPECT_EQ(count(), all);
-  const Outcome pruned = storeCommand("prune", "--json");
+  const Ran pruned = storeCommand("prune", "--json");
   EXPECT_THAT(pruned.output,
               AllOf(HasSubstr(R"("removed":["quellaro/old","quellaro/parts","quellaro/.7.123.halvo-unfinished"])"),
                     HasSubstr("noted: it holds more than a cue")));
@@ -193,13 +192,13 @@ TEST_F(Store, APublisherWaitsForAnother) {
   {
     const ChildProcess first = holder("1");
     writeCue("2");
-    const Outcome waited = publish("2");
+    const Ran waited = publish("2");
     EXPECT_EQ(waited.status, 0);
     EXPECT_THAT(waited.output, HasSubstr("somebody else is changing this store; waiting at most 60 seconds\n"));
   }
   const ChildProcess stubborn = holder("600");
-  for (const Outcome& outcome : {publish("3", "--wait 0"), storeCommand("prune", "--wait 0"),
-                                 storeCommand("rollback", "--cue quellaro --to 1 --wait 0")}) {
+  for (const Ran& outcome : {publish("3", "--wait 0"), storeCommand("prune", "--wait 0"),
+                             storeCommand("rollback", "--cue quellaro --to 1 --wait 0")}) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.output, HasSubstr("somebody else is changing this store, for more than 0 seconds"));
   }
@@ -217,7 +216,7 @@ TEST_F(Store, PublishersAtTheSameTimeLoseNothing) {
 }
 
 TEST_F(Store, EverybodyCanReadWhatIsPublishedAndNobodyElseTheKey) {
-  ASSERT_EQ(run("store keygen " + (directory_ / "key").string(), "umask 0; ").status, 0);
+  ASSERT_EQ(halvo("store keygen " + (directory_ / "key").string(), "umask 0; ").status, 0);
   ASSERT_EQ(publish("1", "--sdk-version 2.0.0", "umask 077; ").status, 0);
   writeCue("2");
   ASSERT_EQ(publish("2", "--sdk-version 2.0.0", "umask 0; ").status, 0);
@@ -247,8 +246,8 @@ TEST_F(Store, NothingIsWrittenOutsideOfIt) {
   fs::create_directories(directory_ / "outside");
   for (const std::string target : {"outside", "nowhere"}) {
     fs::create_directory_symlink(directory_ / target, store() / ("to" + target));
-    const Outcome outcome =
-        run("publish " + cue().string() + " --store " + store().string() + " --cue to" + target + " --version 1");
+    const Ran outcome =
+        halvo("publish " + cue().string() + " --store " + store().string() + " --cue to" + target + " --version 1");
     EXPECT_EQ(outcome.status, 1) << target;
     EXPECT_THAT(outcome.output, HasSubstr("leads out of the store"));
   }
@@ -258,7 +257,7 @@ TEST_F(Store, NothingIsWrittenOutsideOfIt) {
   for (const char* target : {"list.json", "nowhere/list.json"}) {
     fs::rename(store() / "version_config.json", directory_ / "list.json");
     fs::create_symlink(directory_ / target, store() / "version_config.json");
-    EXPECT_THAT(run("publish " + cue().string() + " --store " + store().string() + " --cue other --version 1").output,
+    EXPECT_THAT(halvo("publish " + cue().string() + " --store " + store().string() + " --cue other --version 1").output,
                 HasSubstr("this is a symbolic link"));
     EXPECT_FALSE(fs::exists(store() / "other"));
     fs::remove(store() / "version_config.json");
@@ -280,7 +279,7 @@ TEST_F(Store, DiffTellsWhatDevicesGetDifferently) {
   std::string text = readFile(other / "version_config.json");
   text.replace(text.find("\"enable\":false"), 14, "\"enable\":true");
   writeFile(other / "version_config.json", text);
-  const Outcome outcome = diff();
+  const Ran outcome = diff();
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(
       outcome.output,

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <vector>
 
 #include "publish/store_fixture.h"
 #include "support/nginx_server.h"
@@ -22,8 +21,8 @@ std::string configOf(const std::string& cues) {
 class Verify : public StoreTest {
  protected:
   Verify() { publish("1"); }
-  static Outcome verify(const std::string& store, const std::string& more = "", const std::string& before = "") {
-    return run("store verify " + store + " " + more, before);
+  static Ran verify(const std::string& store, const std::string& more = "", const std::string& before = "") {
+    return halvo("store verify " + store + " " + more, before);
   }
 };
 
@@ -32,6 +31,10 @@ TEST_F(Verify, TellsWhatDevicesDoNotGetFromADirectory) {
                                             HasSubstr(", fine\n0 errors, ")));
   EXPECT_THAT(verify(store(), "--json").output, HasSubstr("\"fine\":true"));
   const auto mode = [](const fs::path& path, int bits) { fs::permissions(path, static_cast<fs::perms>(bits)); };
+  const auto list = [](const std::string& content) {
+    return [content](const fs::path& at) { writeFile(at / "version_config.json", content); };
+  };
+  const std::string entry = configOf("");
   const struct {
     const char* what;
     std::function<void(const fs::path& store)> breakIt;
@@ -66,46 +69,27 @@ TEST_F(Verify, TellsWhatDevicesDoNotGetFromADirectory) {
       {"more than a device prepares",
        [](const auto& at) { fs::resize_file(at / "quellaro/1/animation.json", 51'000'000); }, 1,
        "51000000 bytes, of 50331648"},
-      {"a way out",
-       [](const auto& at) {
-         writeFile(at / "version_config.json", configOf(R"("a": {"version": "1",
-           "filepath": "../cue"})"));
-       },
-       1, "../cue/audio.mp3: this is no path within a store"},
-      {"a query",
-       [](const auto& at) {
-         writeFile(at / "version_config.json", configOf(R"("a": {"version": "1",
-           "filepath": "quellaro/1?"})"));
-       },
-       1, "this is no path within a store"},
-      {"a version that devices begin with",
-       [](const auto& at) {
-         writeFile(at / "version_config.json", configOf(R"("quellaro": {"version": "0", "filepath": "quellaro/1"})"));
-       },
+      {"a way out", list(configOf(R"("a": {"version": "1", "filepath": "../cue"})")), 1,
+       "../cue/audio.mp3: this is no path within a store"},
+      {"a query", list(configOf(R"("a": {"version": "1", "filepath": "quellaro/1?"})")), 1,
+       "this is no path within a store"},
+      {"a version that devices begin with", list(configOf(R"("quellaro": {"version": "0", "filepath": "quellaro/1"})")),
        1, "quellaro: version 0 is that of"},
-      {"a name that nobody asks for",
-       [](const auto& at) {
-         writeFile(at / "version_config.json", configOf(R"("Quel_laro": {"version": "1", "filepath": "quellaro/1"})"));
-       },
-       1, "instead: write quellaro\n"},
-      {"a list of nothing", [](const auto& at) { writeFile(at / "version_config.json", "[]"); }, 1, "lists nothing"},
-      {"a list that is none", [](const auto& at) { writeFile(at / "version_config.json", "<html>"); }, 1,
-       "devices cannot read it"},
+      {"a name that nobody asks for", list(configOf(R"("Quel_laro": {"version": "1", "filepath": "quellaro/1"})")), 1,
+       "instead: write quellaro\n"},
+      {"a list of nothing", list("[]"), 1, "lists nothing"},
+      {"a list that is none", list("<html>"), 1, "devices cannot read it"},
       {"no list", [](const auto& at) { fs::remove(at / "version_config.json"); }, 1,
        "version_config.json: it is not there"},
-      {"a library version listed twice",
-       [](const auto& at) {
-         const std::string entry = configOf("");
-         writeFile(at / "version_config.json", entry.substr(0, entry.size() - 1) + "," + entry.substr(1));
-       },
-       0, "2.0.0 is in more than one entry"},
+      {"a library version listed twice", list(entry.substr(0, entry.size() - 1) + "," + entry.substr(1)), 0,
+       "2.0.0 is in more than one entry"},
   };
   for (const auto& c : cases) {
     const fs::path copy = directory_ / "copy";
     fs::remove_all(copy);
     fs::copy(store(), copy, fs::copy_options::recursive);
     c.breakIt(copy);
-    const Outcome outcome = verify(copy);
+    const Ran outcome = verify(copy);
     EXPECT_EQ(outcome.status, c.status) << c.what;
     EXPECT_THAT(outcome.output, HasSubstr(c.told)) << c.what;
   }
@@ -120,7 +104,7 @@ class Server : public Verify {
   using Connection = ScriptedServer::Connection;
   using Answer = std::function<void(const std::string& path, const std::string& content, const Connection&)>;
 
-  Outcome verifyServed(const Answer& answer, const std::string& more = "--timeout 1") {
+  Ran verifyServed(const Answer& answer, const std::string& more = "--timeout 1") {
     const ScriptedServer server([&](const ScriptedServer::Request& request, const Connection& connection) {
       const fs::path file = store() / request.path.substr(1);
       answer(request.path, fs::is_regular_file(file) ? readFile(file) : "", connection);
@@ -133,66 +117,55 @@ class Server : public Verify {
 };
 
 TEST_F(Server, TellsWhatDevicesDoNotGet) {
-  const auto honest = [](const std::string& content, const Connection& to) {
+  const auto honest = [](const std::string&, const std::string& content, const Connection& to) {
     content.empty() ? refuse(to, "404 Not Found", "") : static_cast<void>(to.answer(content));
   };
-  const auto onlySound = [&](const std::string& path, const std::string& content, const Connection& to,
-                             const std::function<void()>& answer) {
-    path.ends_with("audio.mp3") ? answer() : honest(content, to);
+  // Another answer to what is asked for the sound.
+  const auto sound = [&](const Answer& answer) -> Answer {
+    return [&honest, answer](const auto& path, const auto& content, const auto& to) {
+      path.ends_with("audio.mp3") ? answer(path, content, to) : honest(path, content, to);
+    };
   };
+  const auto silent = [](const auto&, const auto&, const auto& to) { to.hang(); };
   const struct {
     const char* what;
     Answer answer;
     int status;
     const char* told;
   } cases[] = {
-      {"an honest one", [&](const auto&, const auto& content, const auto& to) { honest(content, to); }, 0, ", fine\n"},
+      {"an honest one", honest, 0, ", fine\n"},
       {"pages for what is missing",
-       [&](const auto&, const auto& content, const auto& to) {
-         content.empty() ? refuse(to, "404 Not Found", "sorry") : honest(content, to);
+       [&](const auto& path, const auto& content, const auto& to) {
+         content.empty() ? refuse(to, "404 Not Found", "sorry") : honest(path, content, to);
        },
        0, "warning: a file that is not there: the server answers 404 with a body of 5 bytes"},
       {"everything is there",
-       [&](const auto&, const auto& content, const auto& to) { to.answer(content.empty() ? "home" : content); }, 0,
+       [](const auto&, const auto& content, const auto& to) { to.answer(content.empty() ? "home" : content); }, 0,
        "the server answers 200 with a body of 4 bytes"},
       {"an error page for a file",
-       [&](const auto& path, const auto& content, const auto& to) {
-         onlySound(path, content, to, [&] { refuse(to, "503 Busy", "later"); });
-       },
-       1, "quellaro/1/audio.mp3: the server answers 503 with a body of 5 bytes, which a device takes for the file"},
-      {"an error without a page",
-       [&](const auto& path, const auto& content, const auto& to) {
-         onlySound(path, content, to, [&] { refuse(to, "503 Busy", ""); });
-       },
+       sound([](const auto&, const auto&, const auto& to) { refuse(to, "503 Busy", "later"); }), 1,
+       "quellaro/1/audio.mp3: the server answers 503 with a body of 5 bytes, which a device takes for the file"},
+      {"an error without a page", sound([](const auto&, const auto&, const auto& to) { refuse(to, "503 Busy", ""); }),
        1, "quellaro/1/audio.mp3: the server answers 503, without a body"},
       {"an encoding that breaks off",
-       [&](const auto& path, const auto& content, const auto& to) {
-         onlySound(path, content, to, [&] { to.answer("\x1f\x8b\b", "Content-Encoding: gzip\r\n"); });
-       },
+       sound([](const auto&, const auto&, const auto& to) { to.answer("\x1f\x8b\b", "Content-Encoding: gzip\r\n"); }),
        1, "error: quellaro/1/audio.mp3: "},
       {"an encoding that devices do not know",
-       [&](const auto& path, const auto& content, const auto& to) {
-         onlySound(path, content, to, [&] { to.answer(content, "Content-Encoding: br\r\n"); });
-       },
+       sound([](const auto&, const auto& content, const auto& to) { to.answer(content, "Content-Encoding: br\r\n"); }),
        1, "error: quellaro/1/audio.mp3: "},
       {"a redirect",
        [&](const auto& path, const auto& content, const auto& to) {
-         if (path == "/elsewhere") {
-           to.answer(readFile(cue() / "audio.mp3"));
-           return;
-         }
-         onlySound(path, content, to,
-                   [&] { to.send("HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n"); });
+         if (path.ends_with("audio.mp3"))
+           to.send("HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n");
+         else
+           honest(path, path == "/elsewhere" ? readFile(cue() / "audio.mp3") : content, to);
        },
        0, "note: quellaro/1/audio.mp3: redirected to http://127.0.0.1:"},
-      {"no answer to a file",
-       [&](const auto& path, const auto& content, const auto& to) { onlySound(path, content, to, [&] { to.hang(); }); },
-       1, "error: quellaro/1/audio.mp3: "},
-      {"no answer at all", [](const auto&, const auto&, const auto& to) { to.hang(); }, 1,
-       "error: version_config.json: "},
+      {"no answer to a file", sound(silent), 1, "error: quellaro/1/audio.mp3: "},
+      {"no answer at all", silent, 1, "error: version_config.json: "},
   };
   for (const auto& c : cases) {
-    const Outcome outcome = verifyServed(c.answer);
+    const Ran outcome = verifyServed(c.answer);
     EXPECT_EQ(outcome.status, c.status) << c.what << outcome.output;
     EXPECT_THAT(outcome.output, HasSubstr(c.told)) << c.what;
   }
@@ -202,18 +175,18 @@ TEST_F(Server, TellsWhatDevicesDoNotGet) {
     cues += (cues.empty() ? "\"" : ", \"") + std::string(name) + R"(": {"version": "1", "filepath": ")" + name + "\"}";
   writeFile(store() / "version_config.json", configOf(cues));
   const auto start = std::chrono::steady_clock::now();
-  const Outcome silent = verifyServed([&](const auto& path, const auto& content, const auto& to) {
+  const Ran unasked = verifyServed([&](const auto& path, const auto& content, const auto& to) {
     path == "/version_config.json" ? static_cast<void>(to.answer(content)) : to.hang();
   });
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(6));
-  EXPECT_THAT(silent.output, HasSubstr("h/audio.mp3: not asked, as the server has been silent before"));
+  EXPECT_THAT(unasked.output, HasSubstr("h/audio.mp3: not asked, as the server has been silent before"));
 }
 
 TEST_F(Server, IsTrustedAndReadAsByDevices) {
   const Certificate certificate = makeCertificate(directory_ / "ca", "20200101000000Z", "21000101000000Z");
   const NginxServer secure(store(), &certificate);
   EXPECT_THAT(verify(secure.address()).output, AllOf(HasSubstr("error: version_config.json: "), HasSubstr("1 errors")));
-  const Outcome trusted = verify(secure.address(), "", "SSL_CERT_FILE=" + certificate.certificate.string() + " ");
+  const Ran trusted = verify(secure.address(), "", "SSL_CERT_FILE=" + certificate.certificate.string() + " ");
   EXPECT_EQ(trusted.status, 0) << trusted.output;
   EXPECT_THAT(trusted.output, AllOf(HasSubstr(", fine\n"), HasSubstr("answers 404 with a body"),
                                     Not(HasSubstr("nothing is encrypted"))));
@@ -235,7 +208,7 @@ TEST_F(Server, IsTrustedAndReadAsByDevices) {
   waitUntil("the server starts", [&] { return readFile(directory_ / "sender").find("ACCEPT") != std::string::npos; });
   EXPECT_THAT(verify("https://127.0.0.1:" + port, "", "SSL_CERT_FILE=" + certificate.certificate.string() + " ").output,
               HasSubstr("error: quellaro/1/audio.mp3: redirected from https to http"));
-  EXPECT_EQ(run("store diff " + store().string() + " " + open.address()).status, 0);
+  EXPECT_EQ(halvo("store diff " + store().string() + " " + open.address()).status, 0);
   for (const char* address : {"ftp://127.0.0.1/", "http://", "http://127.0.0.1/?a=", "http://a b/"})
     EXPECT_EQ(verify("'" + std::string(address) + "'").status, 1) << address;
 }

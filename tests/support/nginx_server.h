@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "support/child_process.h"
 #include "support/temporary_directory.h"
@@ -29,9 +28,6 @@ class NginxServer {
 
   // "http://127.0.0.1:PORT", or https.
   const std::string& address() const { return address_; }
-  // What was asked, one line each: "METHOD PATH STATUS type=CONTENT_TYPE expect=EXPECT length=CONTENT_LENGTH". Waits
-  // until there are `count`, as the log follows the answer; throws when they do not come.
-  std::vector<std::string> requests(std::size_t count) const;
 
  private:
   TemporaryDirectory directory_;

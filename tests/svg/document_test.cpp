@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <cmath>
 #include <cstdlib>
 
 #include "platform/quartzcore/shape_layer.h"

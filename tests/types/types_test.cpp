@@ -5,21 +5,11 @@
 #include "platform/foundation/json/json_decoder.h"
 #include "platform/foundation/json/json_writer.h"
 #include "types/component_status.h"
-#include "types/halvo_enums.h"
 #include "types/halvo_status.h"
 #include "types/merchant.h"
 
 namespace quellaro {
 namespace {
-
-TEST(Enumerations, KnowTheirRawValuesAndNoOthers) {
-  for (std::int64_t raw = -2; raw < 5; ++raw) {
-    EXPECT_EQ(fromRawValue<QLHalvoType>(raw).has_value(), raw >= 0 && raw <= 2);
-    EXPECT_EQ(fromRawValue<QLHalvoEnvironment>(raw).has_value(), raw == 0 || raw == 1);
-    EXPECT_EQ(fromRawValue<QLHalvoBackground>(raw).has_value(), raw == 0 || raw == 1);
-  }
-  EXPECT_EQ(fromRawValue<QLHalvoType>(2), QLHalvoType::animationOnly);
-}
 
 TEST(HalvoStatus, HasItsTwelveCodes) {
   std::string known;
