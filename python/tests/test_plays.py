@@ -69,6 +69,7 @@ class Plays(unittest.TestCase):
 
     def test_an_answer_is_awaited_without_more_ado(self):
         async def main():
+            halvo.attach_asyncio()  # never detached, but for the end of the loop
             controller = halvo.Controller()
             first = await prepare(controller)
             again = prepare(controller)
@@ -77,11 +78,17 @@ class Plays(unittest.TestCase):
             with self.assertRaises(asyncio.TimeoutError):
                 await asyncio.wait_for(play, 0.01)
             # Who was cancelled takes nothing away from who still waits.
-            return [first, inside, await again, *await asyncio.gather(play, controller.play())]
+            answers = [first, inside, await again, *await asyncio.gather(play, controller.play())]
+            # Awaits that are over have not taken the loop's own attachment away.
+            over = asyncio.get_running_loop().create_future()
+            controller.play(halvo.View(SIDE, SIDE), over.set_result)
+            return [*answers, await asyncio.wait_for(over, 5)]
 
-        self.assertEqual(asyncio.run(main()), [800, 800, 800, 800, 904])
-        # A loop that has gone is of no matter to the next one.
-        self.assertEqual(asyncio.run(main())[0], 800)
+        with mock.patch("sys.unraisablehook") as unraisable:
+            # A loop that has gone is of no matter to the next one.
+            for _ in range(2):
+                self.assertEqual(asyncio.run(main()), [800, 800, 800, 800, 904, 800])
+        unraisable.assert_not_called()
 
     def test_waiting_has_an_end(self):
         controller = prepared()
