@@ -34,6 +34,17 @@ if(QUELLARO_SANITIZE)
   add_link_options(-fsanitize=${QUELLARO_SANITIZE})
 endif()
 
+# What makes a fault stop the program before it can be made use of. The library's stack is guarded where it holds arrays of
+# characters; wherever it holds any array, or an address is taken, would cost it 16 KB.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+set(QUELLARO_HARDENING "")
+set(QUELLARO_HARDENING_STRONG "")
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT QUELLARO_SANITIZE)
+  set(QUELLARO_HARDENING -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector)
+  set(QUELLARO_HARDENING_STRONG -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
+endif()
+
 # What nearly every source includes; a quick build reads it once.
 set(QUELLARO_COMMON_HEADERS <algorithm> <array> <cmath> <cstdint> <functional> <map> <memory> <mutex> <optional> <string>
   <string_view> <utility> <vector>)

@@ -47,15 +47,16 @@ static void need_display(quellaro_halvo_view* view, void* host) {
   gtk_widget_queue_draw(((struct host*)host)->area);
 }
 
-// The view's pixels are cairo's.
+// The view's pixels are cairo's, as many as the screen has: at scale 2 an area of 480 units is 960 pixels wide.
 static void draw(GtkDrawingArea* area, cairo_t* cairo, int width, int height, gpointer context) {
   struct host* host = context;
-  cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
-  (void)area;
-  quellaro_halvo_view_set_size(host->view, width, height);
-  quellaro_halvo_view_draw(host->view, cairo_image_surface_get_data(surface), width, height,
+  const int scale = gtk_widget_get_scale_factor(GTK_WIDGET(area));
+  cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width * scale, height * scale);
+  quellaro_halvo_view_set_size(host->view, width * scale, height * scale);
+  quellaro_halvo_view_draw(host->view, cairo_image_surface_get_data(surface), width * scale, height * scale,
                            (size_t)cairo_image_surface_get_stride(surface));
   cairo_surface_mark_dirty(surface);
+  cairo_surface_set_device_scale(surface, scale, scale);
   cairo_set_source_surface(cairo, surface, 0, 0);
   cairo_paint(cairo);
   cairo_surface_destroy(surface);

@@ -28,6 +28,7 @@ static int watch(void* context) {
   return 0;
 }
 
+// The window's surface has a pixel for each of the screen's, for the window asks for that (SDL_WINDOW_ALLOW_HIGHDPI).
 static void draw(quellaro_halvo_view* view, void* context) {
   struct host* host = context;
   SDL_Surface* screen = SDL_GetWindowSurface(host->window);
@@ -73,7 +74,8 @@ int main(int argc, char** argv) {
   quellaro_halvo_merchant* merchant = quellaro_halvo_merchant_create("Corner Shop", "US", NULL, codes, 1, NULL);
   (void)argc, (void)argv;
   if (SDL_Init(SDL_INIT_VIDEO) != 0 ||
-      !(host.window = SDL_CreateWindow("Cue", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, side, side, 0))) {
+      !(host.window = SDL_CreateWindow("Cue", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, side, side,
+                                       SDL_WINDOW_ALLOW_HIGHDPI))) {
     fprintf(stderr, "%s\n", SDL_GetError());
     return 1;
   }

@@ -131,8 +131,8 @@ QUELLARO_HALVO_PUBLIC const char* quellaro_halvo_result_description(quellaro_hal
 // What is chosen before the first controller. Each may be left out, and is answered with quellaro_halvo_result_too_late
 // once a controller has been created.
 
-// Where the library finds Info.json and the built-in cue. Without it: share/quellaro-halvo beside the directory that
-// the library lies in. quellaro_halvo_result_not_found when there is no such directory.
+// Where the library finds Info.json and the built-in cue. Without it: share/quellaro-halvo-1 beside the directory
+// that the library lies in. quellaro_halvo_result_not_found when there is no such directory.
 QUELLARO_HALVO_PUBLIC quellaro_halvo_result quellaro_halvo_set_bundle_directory(const char* path);
 // The application's Library directory, below which alone the library writes; made when it is needed. Null or left out:
 // the application identifier below $XDG_DATA_HOME (~/.local/share when that is no absolute path). An empty path is

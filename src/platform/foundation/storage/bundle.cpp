@@ -12,7 +12,7 @@ namespace quellaro {
 
 namespace {
 
-constexpr const char* kDirectoryName = "share/quellaro-halvo";
+constexpr const char* kDirectoryName = QUELLARO_DATA_DIRECTORY;
 // <prefix>/lib, and <prefix>/lib/<architecture> as Debian has it.
 constexpr int kLevelsAbove = 2;
 

@@ -10,7 +10,7 @@ namespace quellaro {
 // The directory of files that come with a piece of software, with its information dictionary, the file Info.json.
 class NSBundle {
  public:
-  // This library's own bundle: share/quellaro-halvo beside the directory the shared object lies in, built or installed.
+  // This library's own bundle: share/quellaro-halvo-1 beside the directory that this code lies in, built or installed.
   static const NSBundle& library();
   // Puts another directory in its place. Before first use; main thread.
   static void setLibraryPath(const std::string& path);
