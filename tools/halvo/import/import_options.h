@@ -13,6 +13,9 @@ struct ImportOptions {
   std::vector<std::string> sources;
   std::string target;
   double frameMilliseconds = 1000.0 / 60;
+  // Whether that was asked for: a motion file has a rate of its own.
+  bool isRateGiven = false;
+  std::string from, to;  // of a motion file; empty: all of it
   ArtOptions art;
   std::string sound;  // empty: silence
   std::optional<double> loudness;
