@@ -85,7 +85,7 @@ class Evaluation {
       if (moment == moments_.size()) continue;
       ArtNote told = note.note;
       char text[48];
-      std::snprintf(text, sizeof text, "from %.2f s on", time / 1000);
+      std::snprintf(text, sizeof text, "from %.2f s", time / 1000);
       told.howFar = text;
       notes.emplace_back(std::move(told), moment);
     }
@@ -136,6 +136,17 @@ class Evaluation {
   std::vector<std::string> trees_;
 };
 
+// The library draws beside what the file shows too, where it is not square.
+void clearOutside(const MotionFile& file, Bitmap& picture) {
+  const int side = static_cast<int>(picture.width);
+  const auto width = static_cast<double>(file.width);
+  const auto height = static_cast<double>(file.height);
+  const Box shown = map(art::fitted(width, height, side), {0, 0, width, height});
+  for (int y = 0; y < side; ++y)
+    for (int x = 0; x < side; ++x)
+      if (x + 1 <= shown.minX || x >= shown.maxX || y + 1 <= shown.minY || y >= shown.maxY) picture.row(y)[x] = 0;
+}
+
 }  // namespace
 
 bool isMotionFile(const std::string& file) {
@@ -179,6 +190,7 @@ std::variant<Bitmap, ArtError> drawMotionFrame(const std::string& file, std::siz
       });
   if (problem) return std::move(*problem);
   if (!isWhole) return error("what evaluates motion files broke down over it");
+  clearOutside(std::get<MotionFile>(read), picture);
   return picture;
 }
 

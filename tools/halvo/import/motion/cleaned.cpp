@@ -71,19 +71,21 @@ class Cleaner {
     json_.beginObject().key("ty").integer(isDrawn(kind) ? kind : kNothing);
     for (const auto& [key, value] : layer.members()) {
       if (key == "ty" || isOneOf(key, kUnusedKeys) || (!isDrawn(kind) && !isOneOf(key, kCarrierKeys))) continue;
+      if (key == "hasMask" || key == "masksProperties") continue;
       json_.key(key);
-      if (key == "masksProperties")
-        masks(value);
-      else
-        plain(value);
+      plain(value);
     }
+    if (isDrawn(kind)) masks(elementsOf(layer, "masksProperties"));
     json_.endObject();
   }
 
-  void masks(const JSONValue& value) {
-    json_.beginArray();
+  // Those that do nothing would count as others, and a layer with no other as one of which nothing shows.
+  void masks(std::vector<JSONValue> masks) {
+    std::erase_if(masks, [](const JSONValue& mask) { return textOf(mask, "mode") == "n"; });
+    if (masks.empty()) return;
+    json_.key("hasMask").boolean(true).key("masksProperties").beginArray();
     bool isFirst = true;
-    for (const JSONValue& mask : value.elements()) {
+    for (const JSONValue& mask : masks) {
       const std::string mode = textOf(mask, "mode");
       std::string_view turned;
       if (numberOf(mask, "inv") != 0) turned = mode == "s" ? "i" : mode == "i" || isFirst ? "s" : "";

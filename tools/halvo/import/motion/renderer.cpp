@@ -52,13 +52,14 @@ class TreeWriter {
     if (elements) std::for_each(elements, elements + size, write);
   }
 
+  // The library counts the points of masks otherwise than those of shapes; so what the elements take is counted.
   template <class Path>
   void path(const Path& path) {
-    const bool isThere = path.elmPtr && path.ptPtr;
+    const bool isThere = path.elmPtr && path.ptPtr && path.elmCount > 0;
     wire_.count(isThere ? path.elmCount : 0);
     if (!isThere) return;
     bytes_.append(path.elmPtr, path.elmCount);
-    list(path.ptPtr, path.ptCount, [&](float number) { wire_.real(number); });
+    list(path.ptPtr, numbersOf({path.elmPtr, path.elmCount}), [&](float number) { wire_.real(number); });
     if (bytes_.size() > kMostFrameBytes) throw std::bad_alloc();
   }
 

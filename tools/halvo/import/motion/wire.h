@@ -16,6 +16,14 @@ inline constexpr int kDeepest = 64;
 
 enum class PathElement : std::uint8_t { Move, Line, Curve, Close };
 
+// The coordinates that a path of these elements has.
+inline std::size_t numbersOf(std::string_view elements) {
+  constexpr std::size_t kNumbers[] = {2, 2, 6, 0};
+  std::size_t numbers = 0;
+  for (const char element : elements) numbers += kNumbers[element & 3];
+  return numbers;
+}
+
 // A whole frame is one layer: its visibility, alpha, matte and name, its clip, masks, shapes and inner layers.
 class WireWriter {
  public:

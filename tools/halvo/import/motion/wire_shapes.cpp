@@ -12,6 +12,8 @@ namespace {
 
 // Further away than anything that is meant to be seen.
 constexpr double kFarthest = 1e7;
+// In the file's units.
+constexpr double kSame = 1e-3;
 constexpr std::size_t kMostStops = 4096;
 
 double readNumber(WireReader& wire) {
@@ -41,6 +43,9 @@ class OutlineReader {
     Contour& contour = outline_.back();
     if (element == PathElement::Close) {
       contour.isClosed = true;
+      // The library's numbers are short: a side that only they make would be drawn with corners.
+      if (!contour.segments.empty() && length(contour.end() - contour.start) < kSame)
+        contour.segments.back().end = contour.start;
     } else if (element == PathElement::Line) {
       contour.segments.push_back(lineTo(readPoint(wire_)));
     } else {
@@ -112,15 +117,9 @@ Paint paintOf(Gradient gradient) {
 Outline readOutline(WireReader& wire) {
   const std::string_view elements = wire.bytes(wire.count(1));
   if (elements.empty()) return {};
-  constexpr std::size_t kNumbers[] = {2, 2, 6, 0};
-  std::size_t needed = 0;
-  for (const char element : elements) {
-    if (element < 0 || element > 3) wire.fail();
-    needed += kNumbers[element & 3];
-  }
+  if (elements.find_first_not_of(std::string_view("\0\1\2\3", 4)) != std::string_view::npos) wire.fail();
   const std::size_t numbers = wire.count(sizeof(float));
-  // More than the elements need is left over.
-  if (!wire.isWell() || needed > numbers) {
+  if (!wire.isWell() || numbers != numbersOf(elements)) {
     wire.fail();
     return {};
   }
