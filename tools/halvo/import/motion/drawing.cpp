@@ -178,11 +178,19 @@ class DrawingReader {
       } else if (mask.mode == MaskMode::Intersect) {
         light.items.push_back({around(mask.outline), {}});
         if (mask.alpha < 0.999) paint(mask.outline, faded(kDark, 1 - mask.alpha));
+      } else if (mask.mode == MaskMode::Difference && mask.alpha > 0.999 && isLit(light)) {
+        Shape& lit = std::get<Shape>(light.items.back().what);
+        lit.outline.insert(lit.outline.end(), mask.outline.begin(), mask.outline.end());
+        lit.rule = Rule::EvenOdd;
       } else {
         paint(mask.outline, faded(kLight, mask.alpha));
       }
     }
     return under(std::move(item), std::move(light), kLightMask);
+  }
+
+  static bool isLit(const DisplayList& light) {
+    return !light.items.empty() && std::get<Colour>(std::get<Shape>(light.items.back().what).paint) == kLight;
   }
 
   // Everything around it. Right for outlines that do not cross themselves, as masks hardly ever do.

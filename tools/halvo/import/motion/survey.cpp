@@ -128,8 +128,7 @@ class Surveyor {
     if (numberOf(layer, "ddd") != 0) tell(ArtLoss::Approximated, "layer", "depth is drawn without perspective");
     const auto transform = layer.member("ks");
     if (transform && isEverSet(*transform, "sk")) tell(ArtLoss::Approximated, "layer", "a skew is left out");
-    bool isComputed = hasExpression(layer);
-    if (isComputed)
+    if (hasExpression(layer))
       tell(ArtLoss::Approximated, "expression", "expressions are not computed: the values beside them are taken");
   }
 
@@ -139,8 +138,8 @@ class Surveyor {
       const std::string mode = textOf(mask, "mode");
       if (isEverSet(mask, "x")) tell(ArtLoss::Approximated, "mask", "a mask is drawn without its expansion");
       if (isEverSet(mask, "f")) tell(ArtLoss::Approximated, "mask", "a mask is drawn with sharp edges");
-      if (mode == "f" || (mode == "a" && !isFirst && numberOf(mask, "inv") != 0))
-        tell(ArtLoss::Approximated, "mask", "a mask by difference, or an inverted one that is added, is added as it is");
+      if (!isFirst && numberOf(mask, "inv") != 0 && mode != "s" && mode != "i" && mode != "n")
+        tell(ArtLoss::Approximated, "mask", "an inverted mask that is added to others is added as it is");
       isFirst = false;
     }
   }
