@@ -99,6 +99,8 @@ std::vector<Option> optionsOf(ImportOptions& options, Given& given) {
       {"loudness", "LUFS", "bring the sound to this loudness, with true peaks below -1 dB (as it is)",
        decimal(kQuietest, 0, [&](double loudness) { options.loudness = loudness; })},
       {"haptics", "FILE", "a haptic pattern (no haptics)", fileName(options.haptics)},
+      {"taps", "", "a first haptic pattern: a tap where something in the sound begins (no haptics)",
+       setFlag(options.taps)},
       {"sound-delay", "MS", "from the start of a play to the sound (0)", decimal(0, kLongestDelay, setSoundDelay)},
       {"animation-delay", "MS", "from the start of a play to the first frame (0)",
        decimal(0, kLongestDelay, [&](double milliseconds) { options.animationDelay = milliseconds; })},
@@ -134,8 +136,10 @@ int import(int argc, char** argv) {
   if (parsed.exitStatus) return *parsed.exitStatus;
   if (options.target.empty()) return usageError("import", "-o CUE_DIR is missing");
   if (given.fps && given.frameTime) return usageError("import", "--fps and --frame-time exclude each other");
-  if (options.sound.empty() && (options.loudness || given.soundDelay))
-    return usageError("import", "--loudness and --sound-delay are about a sound: give --sound too");
+  if (options.sound.empty() && (options.loudness || given.soundDelay || options.taps))
+    return usageError("import", "--loudness, --sound-delay and --taps are about a sound: give --sound too");
+  if (options.taps && !options.haptics.empty())
+    return usageError("import", "--taps and --haptics exclude each other");
   options.sources = parsed.positional;
   return importCue(options);
 }

@@ -15,6 +15,7 @@
 #include "import/sound.h"
 #include "import/source_frame.h"
 #include "import/sources.h"
+#include "import/taps.h"
 #include "import/timeline.h"
 #include "options.h"
 #include "progress_line.h"
@@ -73,7 +74,11 @@ class Import {
     if (auto why = keep(recogniseSound(options_.sound), sound_.input.emplace())) return why;
     sound_.loudness = options_.loudness;
     parts_.isSoundFixed = sound_.isTakenAsItIs();
-    return keep(lengthOf(*sound_.input), parts_.sound.emplace());
+    if (auto why = keep(lengthOf(*sound_.input), parts_.sound.emplace())) return why;
+    if (!options_.taps) return std::nullopt;
+    if (auto why = keep(tapsOf(*sound_.input, options_.soundDelay / 1000, report_), haptics_)) return why;
+    parts_.haptics = haptics_.seconds;
+    return std::nullopt;
   }
 
   std::optional<Refusal> makeFrames() {

@@ -20,6 +20,7 @@ struct ImportOptions {
   std::string sound;  // empty: silence
   std::optional<double> loudness;
   std::string haptics;  // empty: a pattern without events
+  bool taps = false;    // instead: one of the sound's beginnings
   double soundDelay = 0;
   double animationDelay = 0;
   bool replace = false;
