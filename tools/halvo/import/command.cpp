@@ -138,8 +138,7 @@ int import(int argc, char** argv) {
   if (given.fps && given.frameTime) return usageError("import", "--fps and --frame-time exclude each other");
   if (options.sound.empty() && (options.loudness || given.soundDelay || options.taps))
     return usageError("import", "--loudness, --sound-delay and --taps are about a sound: give --sound too");
-  if (options.taps && !options.haptics.empty())
-    return usageError("import", "--taps and --haptics exclude each other");
+  if (options.taps && !options.haptics.empty()) return usageError("import", "--taps and --haptics exclude each other");
   options.sources = parsed.positional;
   return importCue(options);
 }

@@ -26,8 +26,7 @@ std::string sizeText(const FrameFigures& figures) {
 // Puts the frames into one text, one after the other, and tells of them.
 class FrameGathering {
  public:
-  FrameGathering(const FrameOrder& order, Report& report)
-      : order_(order), files_(order.files), report_(report) {
+  FrameGathering(const FrameOrder& order, Report& report) : order_(order), files_(order.files), report_(report) {
     json_.beginArray();
   }
 

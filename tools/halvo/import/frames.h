@@ -35,7 +35,7 @@ struct ImportedFrames {
   std::vector<FrameFigures> figures;
   std::vector<double> milliseconds;
   std::vector<std::size_t> numbers;  // of each that was ordered: the frame that shows it, from 1
-  bool isExact = true;  // nothing was approximated or left out
+  bool isExact = true;               // nothing was approximated or left out
 };
 
 // Called after each frame, in their order.

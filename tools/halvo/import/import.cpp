@@ -86,9 +86,9 @@ class Import {
     if (auto why = orderFrames(order)) return why;
     {
       ProgressLine line("import");
-      if (auto why = keep(importFrames(order, report_,
-                                       [&](std::size_t done, std::size_t total) { line.show(done, total); }),
-                          frames_))
+      if (auto why =
+              keep(importFrames(order, report_, [&](std::size_t done, std::size_t total) { line.show(done, total); }),
+                   frames_))
         return why;
     }
     if (motion_ && tellOfMotion(*motion_, files_.front(), frames_, report_)) frames_.isExact = false;
@@ -101,7 +101,8 @@ class Import {
         options_.isRateGiven ? std::optional(1000 / options_.frameMilliseconds) : std::nullopt, options_.from,
         options_.to};
     auto opened = openMotionFile(files_.front(), selection, options_.art);
-    if (auto* const problem = std::get_if<ArtError>(&opened)) return refusal(files_.front(), std::move(problem->reason));
+    if (auto* const problem = std::get_if<ArtError>(&opened))
+      return refusal(files_.front(), std::move(problem->reason));
     motion_ = std::get<MotionFrames>(std::move(opened));
     order.files.assign(motion_->moments.size(), files_.front());
     for (const motion::Moment& moment : motion_->moments) order.milliseconds.push_back(moment.milliseconds);

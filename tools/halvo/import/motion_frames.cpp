@@ -2,7 +2,7 @@
 
 #include <fcntl.h>
 
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -44,8 +44,7 @@ std::variant<MotionFile, ArtError> readFile(const std::string& file) {
 // What a file shows at each moment, kept as the process that evaluated it has told it.
 class Evaluation {
  public:
-  Evaluation(MotionFile file, const ArtOptions& options)
-      : file_(std::move(file)), options_(options) {}
+  Evaluation(MotionFile file, const ArtOptions& options) : file_(std::move(file)), options_(options) {}
 
   std::optional<ArtError> evaluate(std::vector<Moment> moments) {
     std::vector<std::size_t> frames;
@@ -77,11 +76,13 @@ class Evaluation {
   // What is missed before the first moment is missed in it, and what is missed after the last in none.
   std::vector<std::pair<ArtNote, std::size_t>> notes() const {
     std::vector<std::pair<ArtNote, std::size_t>> notes;
+    const double first = file_.first + static_cast<double>(moments_.front().frame);
     for (const motion::MotionNote& note : file_.notes) {
+      const double time = std::max(0.0, (note.frame - first) / file_.framesPerSecond * 1000);
+      double end = 0;
       std::size_t moment = 0;
-      double time = 0;
-      const auto isBefore = [&] { return static_cast<double>(moments_[moment].frame) + file_.first < note.frame - 1e-6; };
-      for (; moment < moments_.size() && isBefore(); ++moment) time += moments_[moment].milliseconds;
+      for (; moment < moments_.size(); ++moment)
+        if ((end += moments_[moment].milliseconds) > time + 1e-6) break;
       if (moment == moments_.size()) continue;
       ArtNote told = note.note;
       char text[48];

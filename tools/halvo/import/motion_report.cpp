@@ -50,7 +50,8 @@ std::string heaviestLayers(const MotionFrames& motion, const ImportedFrames& fra
 bool tellOfMotion(const MotionFrames& motion, const std::string& file, const ImportedFrames& frames, Report& report) {
   for (const auto& [note, moment] : motion.notes) report.add(findingOf(note, file, frames.numbers[moment]));
   if (frames.animation.size() > kLargeBytes)
-    report.add(importFinding(FindingId::Fitted, file, "a large animation; most of it are layers " + heaviestLayers(motion, frames),
+    report.add(importFinding(FindingId::Fitted, file,
+                             "a large animation; most of it are layers " + heaviestLayers(motion, frames),
                              std::to_string(frames.animation.size() >> 10) + " KB"));
   return !motion.notes.empty();
 }

@@ -57,7 +57,8 @@ Importing<HapticPart> tapsOf(const SoundInput& sound, double delay, Report& repo
     writeTap(json, delay + onset.seconds, kWeakest + (1 - kWeakest) * share, 0.2 + 0.7 * onset.attack);
   }
   json.endArray().endObject();
-  report.add(importFinding(FindingId::Fitted, sound.path, "a first haptic pattern, of where the sound begins anew: tune it by hand",
+  report.add(importFinding(FindingId::Fitted, sound.path,
+                           "a first haptic pattern, of where the sound begins anew: tune it by hand",
                            std::to_string(onsets.size()) + (onsets.size() == 1 ? " tap" : " taps")));
   return HapticPart{json.take() + "\n", delay + onsets.back().seconds + kTapSeconds};
 }

@@ -26,7 +26,8 @@ struct OtherParts {
   std::optional<double> haptics;
 };
 
-// `frames`: how long each is shown by itself. Fits the parts to one another, and tells about it where they would end noticeably apart.
+// `frames`: how long each is shown by itself. Fits the parts to one another, and tells about it where they would end
+// noticeably apart.
 Importing<Timeline> fitTimeline(const ImportOptions& options, std::vector<double> frames, const OtherParts& parts,
                                 Report& report);
 

@@ -22,7 +22,7 @@ struct ImportedDrawing {
   std::string file;
   std::string stamp;  // another one when the file has been written since
   ArtFrame frame;
-  std::optional<std::size_t> motionFrame;  // of a motion file: which of its frames, from 0
+  std::optional<std::size_t> motionFrame = {};  // of a motion file: which of its frames, from 0
 };
 
 // What a preview shows. Never changed once it is read.
@@ -40,7 +40,7 @@ struct PreviewSource {
 
 struct PreviewOptions {
   std::string path;
-  std::optional<double> framesPerSecond;  // where nothing else says how long frames last
+  std::optional<double> framesPerSecond = {};  // where nothing else says how long frames last
 };
 
 // Called now and then during long work.

@@ -24,8 +24,9 @@ std::variant<ArtFrame, ArtError> importFrame(std::string_view bytes, const ArtOp
   if (auto* error = std::get_if<ArtError>(&drawn)) return std::move(*error);
   const auto& script = std::get<art::DrawingScript>(drawn);
 
-  auto read = art::readScript(
-      script.text, quellaro::concat(script.toDocument, art::fitted(size.width, size.height, options.side)), result.notes);
+  auto read = art::readScript(script.text,
+                              quellaro::concat(script.toDocument, art::fitted(size.width, size.height, options.side)),
+                              result.notes);
   if (auto* error = std::get_if<ArtError>(&read)) return std::move(*error);
   if (auto error = art::finishFrame(std::get<art::DisplayList>(std::move(read)), options, result))
     return std::move(*error);

@@ -15,9 +15,11 @@ namespace {
 using quellaro::JSONWriter;
 
 // Of any layer: what stays of one that draws nothing.
-constexpr std::array<std::string_view, 10> kCarrierKeys = {"ind", "parent", "ks", "ip", "op", "st", "sr", "nm", "ddd", "ao"};
+constexpr std::array<std::string_view, 10> kCarrierKeys = {"ind", "parent", "ks", "ip",  "op",
+                                                           "st",  "sr",     "nm", "ddd", "ao"};
 // Of a layer that is drawn: what is not.
 constexpr std::array<std::string_view, 3> kUnusedKeys = {"ef", "t", "sy"};
+constexpr std::array<std::string_view, 4> kWaysOn = {"i", "o", "ti", "to"};
 constexpr std::array<std::string_view, 5> kUnusedOfFile = {"markers", "fonts", "chars", "meta", "metadata"};
 
 template <std::size_t kCount>
@@ -105,6 +107,28 @@ class Cleaner {
     json_.endArray();
   }
 
+  static bool isKeyed(const JSONValue& value) {
+    const std::vector<JSONValue> keys = value.elements();
+    return !keys.empty() && keys.back().member("t");
+  }
+
+  // From the last key nothing leads on, whatever it says: the library would go there. One by itself is no motion.
+  void keys(const std::vector<JSONValue>& keys) {
+    if (const auto only = keys.size() == 1 ? keys.back().member("s") : std::nullopt) {
+      const std::vector<JSONValue> parts = only->elements();
+      return plain(!parts.empty() && parts[0].type() == JSONType::Object ? parts[0] : *only);
+    }
+    json_.beginArray();
+    for (std::size_t i = 0; i + 1 < keys.size(); ++i) plain(keys[i]);
+    json_.beginObject();
+    for (const auto& [key, member] : keys.back().members()) {
+      if (isOneOf(key, kWaysOn)) continue;
+      json_.key(key);
+      plain(member);
+    }
+    json_.endObject().endArray();
+  }
+
   // Whole numbers are written as such: the library misreads them otherwise.
   void plain(const JSONValue& value) {
     if (value.type() == JSONType::Array) {
@@ -117,7 +141,10 @@ class Cleaner {
         // What is computed from an expression stands beside it.
         if (key == "x" && member.type() == JSONType::String) continue;
         json_.key(key);
-        plain(member);
+        if (key == "k" && isKeyed(member))
+          keys(member.elements());
+        else
+          plain(member);
       }
       json_.endObject();
     } else if (const auto whole = value.wholeNumber()) {

@@ -59,8 +59,8 @@ std::variant<std::vector<Moment>, ArtError> momentsOf(const MotionFile& file, co
     }
   }
   if (from < file.first - kHair || to > file.end + kHair || to - from < kHair)
-    return ArtError{std::nullopt, rangeText(from, to) + " is no part of the file, which goes " +
-                                      rangeText(file.first, file.end)};
+    return ArtError{std::nullopt,
+                    rangeText(from, to) + " is no part of the file, which goes " + rangeText(file.first, file.end)};
   const double rate = selection.framesPerSecond.value_or(file.framesPerSecond);
   const double seconds = (to - from) / file.framesPerSecond;
   const double count = std::max(1.0, std::ceil(seconds * rate - kHair));

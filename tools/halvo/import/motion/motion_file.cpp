@@ -36,7 +36,8 @@ std::optional<std::string> whyNoMeasures(const MotionFile& file, double width, d
     return "its width and height (w, h) have to be from 1 to " + std::to_string(static_cast<int>(kLargestSide));
   if (!(file.framesPerSecond > 0.01 && file.framesPerSecond <= kMostFramesPerSecond))
     return "its frames per second (fr) have to be above 0 and at most 1000";
-  if (!(file.end > file.first) || std::fabs(file.first) > 1e6) return "it shows no frame: its last (op) is not behind its first (ip)";
+  if (!(file.end > file.first) || std::fabs(file.first) > 1e6)
+    return "it shows no frame: its last (op) is not behind its first (ip)";
   if (file.end - file.first > kMostFrames) return "it has more than 100,000 frames";
   return std::nullopt;
 }

@@ -14,7 +14,8 @@ class Renderer {
  public:
   explicit Renderer(const std::string& text);
 
-  // What is drawn, in the file's own units, as wire.h says it; frames from 0. Empty: the library does not read the file.
+  // What is drawn, in the file's own units, as wire.h says it; frames from 0. Empty: the library does not read the
+  // file.
   std::string tree(std::size_t frame, std::size_t width, std::size_t height) const;
   // The library's own picture, a square of so many pixels, rows of premultiplied ARGB; empty likewise.
   std::string picture(std::size_t frame, std::size_t side) const;

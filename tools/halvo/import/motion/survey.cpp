@@ -18,18 +18,20 @@ struct Named {
   int number;
   const char* name;
 };
-constexpr Named kEffects[] = {{20, "tint"},         {21, "fill"},       {22, "stroke"},      {23, "tritone"},
-                              {24, "pro levels"},   {25, "drop shadow"}, {26, "radial wipe"}, {27, "displacement map"},
-                              {28, "set matte"},    {29, "blur"},       {30, "twirl"},       {31, "mesh warp"},
-                              {32, "wavy"},         {33, "spherize"},   {34, "puppet"}};
-constexpr const char* kBlends[] = {"normal",     "multiply",   "screen",    "overlay",    "darken",    "lighten",
+constexpr Named kEffects[] = {{20, "tint"},       {21, "fill"},        {22, "stroke"},      {23, "tritone"},
+                              {24, "pro levels"}, {25, "drop shadow"}, {26, "radial wipe"}, {27, "displacement map"},
+                              {28, "set matte"},  {29, "blur"},        {30, "twirl"},       {31, "mesh warp"},
+                              {32, "wavy"},       {33, "spherize"},    {34, "puppet"}};
+constexpr const char* kBlends[] = {"normal",      "multiply",   "screen",     "overlay",    "darken",     "lighten",
                                    "color dodge", "color burn", "hard light", "soft light", "difference", "exclusion",
-                                   "hue",        "saturation", "color",     "luminosity", "add",       "hard mix"};
+                                   "hue",         "saturation", "color",      "luminosity", "add",        "hard mix"};
 // What the library that evaluates leaves as it was before.
-constexpr std::pair<const char*, const char*> kModifiers[] = {
-    {"mm", "merged paths are drawn each for itself"}, {"rd", "corners are not rounded"},
-    {"pb", "pucker and bloat are left out"},          {"tw", "a twist is left out"},
-    {"zz", "a zigzag is left out"},                   {"op", "an offset of paths is left out"}};
+constexpr std::pair<const char*, const char*> kModifiers[] = {{"mm", "merged paths are drawn each for itself"},
+                                                              {"rd", "corners are not rounded"},
+                                                              {"pb", "pucker and bloat are left out"},
+                                                              {"tw", "a twist is left out"},
+                                                              {"zz", "a zigzag is left out"},
+                                                              {"op", "an offset of paths is left out"}};
 
 bool hasExpression(const JSONValue& value) {
   for (const auto& [key, member] : value.members()) {

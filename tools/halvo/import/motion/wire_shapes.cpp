@@ -106,8 +106,7 @@ bool isSeen(const Paint& paint) {
 
 // Straight on a point, a gradient has the colour of its end.
 Paint paintOf(Gradient gradient) {
-  const bool hasNoExtent =
-      gradient.isRadial ? gradient.toRadius <= 0 : length(gradient.to - gradient.from) <= 0;
+  const bool hasNoExtent = gradient.isRadial ? gradient.toRadius <= 0 : length(gradient.to - gradient.from) <= 0;
   if (hasNoExtent && !gradient.stops.empty()) return gradient.stops.back().colour;
   return gradient;
 }

@@ -130,8 +130,10 @@ int waitFor(pid_t child) {
 ArtError whatEnded(int status, std::size_t frame, Got got) {
   const std::string where = " (at frame " + std::to_string(frame) + " of the file)";
   const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-  if (got == Got::Silence || signal == SIGXCPU || signal == SIGKILL) return error("evaluating it takes too long" + where);
-  if (WIFEXITED(status) && WEXITSTATUS(status) == kNoMemory) return error("evaluating it takes too much memory" + where);
+  if (got == Got::Silence || signal == SIGXCPU || signal == SIGKILL)
+    return error("evaluating it takes too long" + where);
+  if (WIFEXITED(status) && WEXITSTATUS(status) == kNoMemory)
+    return error("evaluating it takes too much memory" + where);
   if (WIFEXITED(status) && WEXITSTATUS(status) == kUnreadable)
     return error("what evaluates motion files does not take it for one");
   return error("what evaluates motion files broke down over it" + where);
