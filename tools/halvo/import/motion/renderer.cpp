@@ -17,8 +17,8 @@ struct Destroy {
 };
 using Animation = std::unique_ptr<Lottie_Animation, Destroy>;
 
-// Afresh for each frame: what the library keeps from one frame to the next it dashes again. What it has parsed it finds
-// by the name.
+// Afresh for each frame: of what the library keeps from one frame to the next, it trims and dashes some once more. What
+// it has parsed it finds by the name.
 Animation animationOf(const std::string& text) {
   return Animation(lottie_animation_from_data(text.c_str(), "motion", ""));
 }
