@@ -48,6 +48,7 @@ class Evaluation {
 
   std::optional<ArtError> evaluate(std::vector<Moment> moments) {
     std::vector<std::size_t> frames;
+    frames.reserve(moments.size());
     for (const Moment& moment : moments) frames.push_back(moment.frame);
     std::optional<ArtError> tooMuch;
     std::size_t taken = 0;

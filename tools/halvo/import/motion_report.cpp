@@ -35,6 +35,7 @@ std::string heaviestLayers(const MotionFrames& motion, const ImportedFrames& fra
       all += static_cast<double>(layer);
     }
   std::vector<std::pair<std::size_t, std::string>> order;
+  order.reserve(bytes.size());
   for (const auto& [name, layer] : bytes) order.emplace_back(layer, name);
   std::ranges::sort(order, std::greater<>());
   order.resize(std::min(order.size(), kLayersTold));

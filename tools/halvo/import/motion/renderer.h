@@ -21,7 +21,7 @@ class Renderer {
   std::string picture(std::size_t frame, std::size_t side) const;
 
  private:
-  const std::string& text_;
+  [[maybe_unused]] const std::string& text_;
 };
 
 }  // namespace halvo::motion

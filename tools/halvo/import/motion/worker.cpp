@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -36,12 +36,10 @@ constexpr int kNoMemory = 4;
 ArtError error(std::string reason) { return {std::nullopt, std::move(reason)}; }
 
 rlim_t memoryInUse() {
-  unsigned long pages = 0;
-  if (std::FILE* const file = std::fopen("/proc/self/statm", "re")) {
-    if (std::fscanf(file, "%lu", &pages) != 1) pages = 0;
-    std::fclose(file);
-  }
-  return static_cast<rlim_t>(pages) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+  const FileDescriptor file(open("/proc/self/statm", O_RDONLY | O_CLOEXEC));
+  char text[64] = {};
+  if (!file || read(file.get(), text, sizeof text - 1) <= 0) return 0;
+  return static_cast<rlim_t>(std::strtoull(text, nullptr, 10)) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
 }
 
 void limit(__rlimit_resource what, rlim_t most) {
