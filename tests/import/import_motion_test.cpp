@@ -94,7 +94,7 @@ TEST_F(ImportingMotion, RefusesWhatCannotBeOneWithAReasonAndInTime) {
     std::string text, why, options;
   } rows[] = {
       {good.substr(0, good.size() / 2), "not valid JSON", ""},
-      {R"({"name": "x", "version": "1.0"})", "no motion file", ""},
+      {R"({"name": "x", "fr": 3, "more": {"layers": []}})", "no motion file", ""},
       {std::string(100'000, '[').insert(0, R"({"fr":1,"layers":)"), "not valid JSON", ""},
       {with(R"("o":{"k":100})", R"("o":)" + std::string(300, '[') + std::string(300, ']')), "levels deep", ""},
       {with(R"("w":100)", R"("w":1e9)"), "width and height", ""},

@@ -156,7 +156,10 @@ bool isMotionFile(const std::string& file) {
   const FileDescriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   char start[256];
   const ssize_t got = opened ? ::read(opened.get(), start, sizeof start) : 0;
-  return got > 0 && motion::beginsAsMotion({start, static_cast<std::size_t>(got)});
+  if (got <= 0 || !motion::beginsAsMotion({start, static_cast<std::size_t>(got)})) return false;
+  const auto text = FileManager::readAtPath(file, kMotionBytes);
+  // One that is too large is told so as a motion file.
+  return !text || (text->find("\"layers\"") != std::string::npos && text->find("\"fr\"") != std::string::npos);
 }
 
 std::variant<MotionFrames, ArtError> openMotionFile(const std::string& file, const motion::Selection& selection,
