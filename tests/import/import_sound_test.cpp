@@ -237,5 +237,38 @@ TEST_F(ImportingSounds, WhatIsNoUsableSoundIsNamedAndNothingIsWritten) {
   EXPECT_THAT(toldByImport("frames -o cue --sound silent.wav").ids, ElementsAre("sound-silent"));
 }
 
+// Louder is stronger, sudden is sharper; the sound's delay moves them.
+TEST_F(ImportingSounds, TapsAreWhereTheSoundBegins) {
+  Samples beats = tone({48000, 2}, 2, 3);
+  const std::pair<double, double> starts[] = {{0.2, 0.1}, {0.9, 0.6}, {1.5, 0.02}};
+  for (const auto& [start, amplitude] : starts)
+    for (std::size_t i = 0; i < 9600; ++i) {
+      const double time = static_cast<double>(i) / 48000;
+      const auto value = static_cast<float>(amplitude * std::sin(time * 1000 * 2 * M_PI) * (1 - time / 0.2));
+      const std::size_t at = 2 * (static_cast<std::size_t>(start * 48000) + i);
+      beats.values[at] = beats.values[at + 1] = value;
+    }
+  const Ran ran = import("frames -o cue --taps --sound-delay 100 --sound " + sound("beats.wav", beats));
+  ASSERT_EQ(ran.status, 0) << ran.output;
+  EXPECT_THAT(ran.output, HasSubstr("3 taps"));
+  EXPECT_EQ(config().root().member("isHapticsSupported")->boolean(), true);
+  const auto pattern = JSONDocument::parse(readFile(directory_ / "cue/signature_forte.ahap"));
+  ASSERT_TRUE(pattern);
+  std::vector<double> strengths;
+  for (const JSONValue& entry : pattern->root().member("Pattern")->elements()) {
+    const JSONValue event = *entry.member("Event");
+    ASSERT_LT(strengths.size(), std::size(starts));
+    EXPECT_NEAR(*event.member("Time")->number(), starts[strengths.size()].first + 0.1, 0.01);
+    strengths.push_back(*event.member("EventParameters")->elements()[0].member("ParameterValue")->number());
+  }
+  EXPECT_THAT(strengths, ElementsAre(testing::DoubleNear(0.64, 0.05), 1, testing::DoubleNear(0.3, 0.02)));
+
+  EXPECT_EQ(import("frames -o none --taps").status, 2);
+  EXPECT_EQ(import("frames -o none --taps --haptics x --sound beats.wav").status, 2);
+  const Ran silent = import("frames -o none --taps --sound " + sound("silence.wav", tone({48000, 1}, 1, 3)) + " 2>&1");
+  EXPECT_EQ(silent.status, 1);
+  EXPECT_THAT(silent.output, HasSubstr("finds no tap"));
+}
+
 }  // namespace
 }  // namespace quellaro

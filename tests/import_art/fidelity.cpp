@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "picture/frame_view.h"
 #include "platform/quartzcore/compositor.h"
@@ -57,9 +58,18 @@ quellaro::Bitmap meantBy(const std::string& source, double width, double height)
 }  // namespace
 
 Fidelity fidelityOf(const std::string& source, const halvo::ArtFrame& frame) {
+  return fidelityTo(meantBy(source, frame.width, frame.height), frame);
+}
+
+Fidelity fidelityTo(quellaro::Bitmap meant, const halvo::ArtFrame& frame) {
   Fidelity result;
   result.shown = pictureOf(frame.document);
-  result.meant = meantBy(source, frame.width, frame.height);
+  result.meant = std::move(meant);
+  for (std::uint32_t& pixel : result.meant.pixels) {
+    // Multiplied by alpha already, so that nothing overflows.
+    const std::uint32_t white = 255U - (pixel >> 24);
+    pixel = (pixel | 0xFF000000U) + (white << 16 | white << 8 | white);
+  }
   double sum = 0;
   int far = 0;
   for (std::size_t i = 0; i < result.shown.pixels.size(); ++i) {

@@ -17,3 +17,5 @@ struct Fidelity {
 };
 
 Fidelity fidelityOf(const std::string& source, const halvo::ArtFrame& frame);
+// `meant` is as large, and may let something through.
+Fidelity fidelityTo(quellaro::Bitmap meant, const halvo::ArtFrame& frame);

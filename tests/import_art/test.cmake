@@ -5,3 +5,7 @@ add_executable(import_fidelity EXCLUDE_FROM_ALL import_art/import_fidelity.cpp i
 target_include_directories(import_fidelity PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_options(import_fidelity PRIVATE -O1)
 target_link_libraries(import_fidelity PRIVATE halvo_art halvo_commands)
+add_executable(motion_fidelity EXCLUDE_FROM_ALL import_art/motion_fidelity.cpp import_art/fidelity.cpp)
+target_include_directories(motion_fidelity PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+target_compile_options(motion_fidelity PRIVATE -O1)
+target_link_libraries(motion_fidelity PRIVATE halvo_import halvo_motion halvo_art halvo_commands)

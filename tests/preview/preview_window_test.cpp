@@ -1,5 +1,6 @@
 // What the preview's window shows, without a window.
 #include "preview/preview_window.h"
+#include "import/motion_frames.h"
 
 #include <SDL2/SDL.h>
 #include <gtest/gtest.h>
@@ -93,6 +94,22 @@ TEST_F(PreviewPicture, KeepsWhatWasReadLastOfFilesThatAreBroken) {
     if (!std::equal(before.row(y), before.row(y) + before.width, after.row(y))) rows.insert(y);
   ASSERT_FALSE(rows.empty());
   EXPECT_LT(*rows.rbegin(), 200);
+}
+
+TEST_F(PreviewPicture, ShowsAMotionFileAtItsOwnTimesBesideItsLibrarysPicture) {
+  SourceReader reader({QUELLARO_SAMPLE, std::nullopt});
+  const auto read = reader.read();
+  ASSERT_TRUE(read) << read.error().localizedDescription;
+  const PreviewSource& source = **read;
+  ASSERT_EQ(source.drawings.size(), source.frames.size());
+  EXPECT_DOUBLE_EQ(source.times.duration(), 2.5);
+  const std::size_t last = source.frames.size() - 1;
+  const auto frame = source.drawings[last]->motionFrame;
+  ASSERT_TRUE(frame);
+  EXPECT_NEAR(static_cast<double>(*frame) / 30, **std::prev(source.parts.times->starts.end()), 1e-9);
+  const auto picture = drawMotionFrame(QUELLARO_SAMPLE, *frame, 120);
+  ASSERT_TRUE(std::holds_alternative<Bitmap>(picture));
+  EXPECT_EQ(std::get<Bitmap>(picture).row(96)[60], 0xFF288C59U) << "the ground";
 }
 
 }  // namespace

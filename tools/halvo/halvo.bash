@@ -20,7 +20,7 @@ _halvo() {
     --bundle|--library|--record|--store) compopt -o dirnames ;;
     --times|--volume|--app-id|--size|--number|--repeat|--cue|--version|--sdk-version|--fps|--frame-time|\
       --loudness|--sound-delay|--animation-delay|--precision|--gradient-steps|--scale|\
-      --to|--wait|--timeout|--older-than) ;;
+      --from|--to|--wait|--timeout|--older-than) ;;
     *)
       if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$("$tool" "${words[@]}" --help 2>/dev/null | grep -o -- '^  .*' |

@@ -1,4 +1,5 @@
 #include "import/import_options.h"
+#include "import/motion_frames.h"
 #include "import/source_frame.h"
 #include "input.h"
 #include "options.h"
@@ -21,6 +22,16 @@ std::variant<ArtFrame, ArtError> importFile(const std::string& file, const ArtOp
 }
 
 std::variant<quellaro::Bitmap, ArtError> drawSourceFile(const std::string&, int) {
+  return ArtError{std::nullopt, "this build of the tool cannot import"};
+}
+
+bool isMotionFile(const std::string&) { return false; }
+
+std::variant<MotionFrames, ArtError> openMotionFile(const std::string&, const motion::Selection&, const ArtOptions&) {
+  return ArtError{std::nullopt, "this build of the tool cannot import"};
+}
+
+std::variant<quellaro::Bitmap, ArtError> drawMotionFrame(const std::string&, std::size_t, int) {
   return ArtError{std::nullopt, "this build of the tool cannot import"};
 }
 

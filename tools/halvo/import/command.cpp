@@ -53,13 +53,15 @@ Apply whole(int least, int most, const std::function<void(int)>& set) {
   };
 }
 
-Apply fileName(std::string& name) {
-  return [&name](const std::string& text) -> std::optional<std::string> {
-    if (text.empty()) return "a file is needed";
-    name = text;
+Apply someText(std::string& text, const char* problem = "a frame or a marker is needed") {
+  return [&text, problem](const std::string& given) -> std::optional<std::string> {
+    if (given.empty()) return problem;
+    text = given;
     return std::nullopt;
   };
 }
+
+Apply fileName(std::string& name) { return someText(name, "a file is needed"); }
 
 // What of the options was given, where one excludes or needs another.
 struct Given {
@@ -72,10 +74,12 @@ std::vector<Option> optionsOf(ImportOptions& options, Given& given) {
   ArtOptions& art = options.art;
   const auto setRate = [&](double rate) {
     options.frameMilliseconds = 1000 / rate;
+    options.isRateGiven = true;
     given.fps = true;
   };
   const auto setTime = [&](double milliseconds) {
     options.frameMilliseconds = milliseconds;
+    options.isRateGiven = true;
     given.frameTime = true;
   };
   const auto setSoundDelay = [&](double milliseconds) {
@@ -84,14 +88,19 @@ std::vector<Option> optionsOf(ImportOptions& options, Given& given) {
   };
   return {
       {"output", "CUE_DIR", "the cue's directory to write", setText(options.target), 'o'},
-      {"fps", "N", "frames in a second (60)", decimal(0.1, kMostFramesPerSecond, setRate)},
+      {"fps", "N", "frames in a second (60; of a motion file its own)", decimal(0.1, kMostFramesPerSecond, setRate)},
       {"frame-time", "MS", "how long each frame is shown, instead of --fps", decimal(1, kLongestFrame, setTime)},
+      {"from", "FRAME", "of a motion file: the first frame, or a marker's name (its first)", someText(options.from)},
+      {"to", "FRAME", "of a motion file: the frame before which it ends, or a marker's name (its last)",
+       someText(options.to)},
       {"size", "S", "side of the square frame in units (480)",
        whole(1, kLargestSide, [&](int side) { art.side = side; })},
       {"sound", "FILE", "WAV, AIFF, FLAC, OGG or MP3; MP3 is taken as it is (silence)", fileName(options.sound)},
       {"loudness", "LUFS", "bring the sound to this loudness, with true peaks below -1 dB (as it is)",
        decimal(kQuietest, 0, [&](double loudness) { options.loudness = loudness; })},
       {"haptics", "FILE", "a haptic pattern (no haptics)", fileName(options.haptics)},
+      {"taps", "", "a first haptic pattern: a tap where something in the sound begins (no haptics)",
+       setFlag(options.taps)},
       {"sound-delay", "MS", "from the start of a play to the sound (0)", decimal(0, kLongestDelay, setSoundDelay)},
       {"animation-delay", "MS", "from the start of a play to the first frame (0)",
        decimal(0, kLongestDelay, [&](double milliseconds) { options.animationDelay = milliseconds; })},
@@ -115,7 +124,8 @@ int import(int argc, char** argv) {
   commandLine.summary =
       "Makes a cue of SVG files and a sound: each file becomes a frame that the player draws alike, fitted into the\n"
       "square frame and centred. SOURCE is a folder, whose .svg and .svgz files are taken in natural order (frame2\n"
-      "before frame10), or a file. All four files of the cue are written, or nothing at all. Tells everything that "
+      "before frame10), or a file; or it is one motion file, a JSON object of layers, which becomes as many frames as\n"
+      "it shows. All four files of the cue are written, or nothing at all. Tells everything that "
       "had\n"
       "to be approximated or left out, and what the frames cost. docs/authoring.md tells what becomes of what.\n"
       "Exit status: 0 written, 1 not, 2 unusable arguments.";
@@ -126,8 +136,9 @@ int import(int argc, char** argv) {
   if (parsed.exitStatus) return *parsed.exitStatus;
   if (options.target.empty()) return usageError("import", "-o CUE_DIR is missing");
   if (given.fps && given.frameTime) return usageError("import", "--fps and --frame-time exclude each other");
-  if (options.sound.empty() && (options.loudness || given.soundDelay))
-    return usageError("import", "--loudness and --sound-delay are about a sound: give --sound too");
+  if (options.sound.empty() && (options.loudness || given.soundDelay || options.taps))
+    return usageError("import", "--loudness, --sound-delay and --taps are about a sound: give --sound too");
+  if (options.taps && !options.haptics.empty()) return usageError("import", "--taps and --haptics exclude each other");
   options.sources = parsed.positional;
   return importCue(options);
 }

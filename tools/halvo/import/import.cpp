@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <utility>
@@ -9,8 +10,12 @@
 #include "import/haptics.h"
 #include "import/import_options.h"
 #include "import/import_report.h"
+#include "import/motion_frames.h"
+#include "import/motion_report.h"
 #include "import/sound.h"
+#include "import/source_frame.h"
 #include "import/sources.h"
+#include "import/taps.h"
 #include "import/timeline.h"
 #include "options.h"
 #include "progress_line.h"
@@ -43,7 +48,7 @@ class Import {
     if (auto why = whyNoTarget(options_.target, options_.replace)) return why;
     if (auto why = readParts()) return why;
     if (auto why = makeFrames()) return why;
-    if (auto why = keep(fitTimeline(options_, outcome_.frames.size(), parts_, report_), timeline_)) return why;
+    if (auto why = keep(fitTimeline(options_, std::move(frames_.milliseconds), parts_, report_), timeline_)) return why;
     auto staged = StagedCue::begin(options_.target);
     if (auto* const why = std::get_if<Refusal>(&staged)) return std::move(*why);
     StagedCue& cue = std::get<StagedCue>(staged);
@@ -69,16 +74,52 @@ class Import {
     if (auto why = keep(recogniseSound(options_.sound), sound_.input.emplace())) return why;
     sound_.loudness = options_.loudness;
     parts_.isSoundFixed = sound_.isTakenAsItIs();
-    return keep(lengthOf(*sound_.input), parts_.sound.emplace());
+    if (auto why = keep(lengthOf(*sound_.input), parts_.sound.emplace())) return why;
+    if (!options_.taps) return std::nullopt;
+    if (auto why = keep(tapsOf(*sound_.input, options_.soundDelay / 1000, report_), haptics_)) return why;
+    parts_.haptics = haptics_.seconds;
+    return std::nullopt;
   }
 
   std::optional<Refusal> makeFrames() {
-    ProgressLine line("import");
-    if (auto why = keep(importFrames(files_, options_.art, report_,
-                                     [&](std::size_t done, std::size_t total) { line.show(done, total); }),
-                        frames_))
-      return why;
+    FrameOrder order;
+    if (auto why = orderFrames(order)) return why;
+    {
+      ProgressLine line("import");
+      if (auto why =
+              keep(importFrames(order, report_, [&](std::size_t done, std::size_t total) { line.show(done, total); }),
+                   frames_))
+        return why;
+    }
+    if (motion_ && tellOfMotion(*motion_, files_.front(), frames_, report_)) frames_.isExact = false;
     outcome_.frames = std::move(frames_.figures);
+    return std::nullopt;
+  }
+
+  std::optional<Refusal> takeMotion(FrameOrder& order) {
+    const motion::Selection selection{
+        options_.isRateGiven ? std::optional(1000 / options_.frameMilliseconds) : std::nullopt, options_.from,
+        options_.to};
+    auto opened = openMotionFile(files_.front(), selection, options_.art);
+    if (auto* const problem = std::get_if<ArtError>(&opened))
+      return refusal(files_.front(), std::move(problem->reason));
+    motion_ = std::get<MotionFrames>(std::move(opened));
+    order.files.assign(motion_->moments.size(), files_.front());
+    for (const motion::Moment& moment : motion_->moments) order.milliseconds.push_back(moment.milliseconds);
+    order.make = motion_->make;
+    order.mergesEqual = true;
+    return std::nullopt;
+  }
+
+  std::optional<Refusal> orderFrames(FrameOrder& order) {
+    const auto motion = std::ranges::find_if(files_, isMotionFile);
+    if (motion != files_.end() && files_.size() == 1) return takeMotion(order);
+    if (motion != files_.end()) return refusal(*motion, "a motion file is a cue's whole animation: import it alone");
+    if (!options_.from.empty() || !options_.to.empty())
+      return refusal(files_.front(), "--from and --to take a part of a motion file, which this is not");
+    order.files = files_;
+    order.milliseconds.assign(files_.size(), options_.frameMilliseconds);
+    order.make = [this](std::size_t index) { return importFile(files_[index], options_.art); };
     return std::nullopt;
   }
 
@@ -111,6 +152,7 @@ class Import {
   Report report_;
   Outcome outcome_;
   std::vector<std::string> files_;
+  std::optional<MotionFrames> motion_;
   HapticPart haptics_;
   OtherParts parts_;
   SoundOrder sound_;

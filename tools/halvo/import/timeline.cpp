@@ -1,6 +1,7 @@
 #include "import/timeline.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "assets/halvo_file_manager.h"
@@ -20,15 +21,15 @@ constexpr double kLongestHapticTail = 100;
 
 }  // namespace
 
-double Timeline::animationEnd() const { return animationDelay + static_cast<double>(frames - 1) * frame + lastFrame; }
+double Timeline::animationEnd() const { return std::accumulate(frames.begin(), frames.end(), animationDelay); }
 
-Importing<Timeline> fitTimeline(const ImportOptions& options, std::size_t frames, const OtherParts& parts,
+Importing<Timeline> fitTimeline(const ImportOptions& options, std::vector<double> frames, const OtherParts& parts,
                                 Report& report) {
-  Timeline timeline{
-      frames, options.frameMilliseconds, options.frameMilliseconds, options.soundDelay, options.animationDelay, 0};
+  const std::size_t count = frames.size();
+  Timeline timeline{std::move(frames), options.soundDelay, options.animationDelay, 0};
   const double end = timeline.animationEnd();
   if (end > kLongestSeconds * 1000)
-    return refusal(options.sources.front(), std::to_string(frames) + " frames last " + secondsText(end / 1000) +
+    return refusal(options.sources.front(), std::to_string(count) + " frames last " + secondsText(end / 1000) +
                                                 ", but a cue at most " + secondsText(kLongestSeconds));
   const double sound = parts.sound ? options.soundDelay + *parts.sound * 1000 : 0;
   const double haptics = parts.haptics ? *parts.haptics * 1000 : 0;
@@ -39,7 +40,7 @@ Importing<Timeline> fitTimeline(const ImportOptions& options, std::size_t frames
   };
   // The view keeps the last frame anyway; so the cue ends for its host too when all of it has.
   if (sound > end + kLongestSoundTail || haptics > std::max(end, sound) + kLongestHapticTail) {
-    timeline.lastFrame += last - end;
+    timeline.frames.back() += last - end;
     tell(std::string("the last frame stays until the ") + (last == sound ? "sound" : "haptic pattern") + " has ended",
          last - end);
   }
@@ -55,13 +56,13 @@ Importing<Timeline> fitTimeline(const ImportOptions& options, std::size_t frames
 
 std::string playConfigOf(const Timeline& timeline, int side, bool haptics) {
   JSONWriter json;
-  json.beginObject().key("totalFrames").integer(static_cast<std::int64_t>(timeline.frames));
+  json.beginObject().key("totalFrames").integer(static_cast<std::int64_t>(timeline.frames.size()));
   json.key("soundFileName").string(kSoundFile);
   json.key("soundDelayInMillis").number(timeline.soundDelay);
   json.key("animationDelayInMillis").number(timeline.animationDelay);
   json.key("frameTime").beginObject();
-  for (std::size_t number = 1; number <= timeline.frames; ++number)
-    json.key("Frame_" + std::to_string(number)).number(number < timeline.frames ? timeline.frame : timeline.lastFrame);
+  for (std::size_t number = 1; number <= timeline.frames.size(); ++number)
+    json.key("Frame_" + std::to_string(number)).number(timeline.frames[number - 1]);
   json.endObject();
   const std::string length = std::to_string(side);
   json.key("viewBox").string("0 0 " + length + " " + length).key("isHapticsSupported").boolean(haptics).endObject();

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "import/import_options.h"
 #include "import/refusal.h"
@@ -11,9 +11,7 @@ namespace halvo {
 
 // How long everything of a cue lasts, in milliseconds.
 struct Timeline {
-  std::size_t frames = 0;
-  double frame = 0;      // of each frame but the last
-  double lastFrame = 0;  // it stays on until sound and haptics have ended
+  std::vector<double> frames;  // how long each is shown; the last until sound and haptics have ended
   double soundDelay = 0;
   double animationDelay = 0;
   double soundLength = 0;  // what there is of it is followed by silence; 0: it stays as it is
@@ -28,8 +26,9 @@ struct OtherParts {
   std::optional<double> haptics;
 };
 
-// Fits the parts to one another, and tells about it where they would end noticeably apart.
-Importing<Timeline> fitTimeline(const ImportOptions& options, std::size_t frames, const OtherParts& parts,
+// `frames`: how long each is shown by itself. Fits the parts to one another, and tells about it where they would end
+// noticeably apart.
+Importing<Timeline> fitTimeline(const ImportOptions& options, std::vector<double> frames, const OtherParts& parts,
                                 Report& report);
 
 // The text of play_config.json.

@@ -105,14 +105,16 @@ int show(const PreviewOptions& options, const WindowOptions& windowOptions) {
 int preview(int argc, char** argv) {
   PreviewOptions options;
   WindowOptions windowOptions;
-  std::int64_t rate = 60;
+  std::int64_t rate = 0;
   std::int64_t scale = 0;
 
   CommandLine commandLine;
   commandLine.usage = "preview SOURCE [options]";
   commandLine.summary =
       "Shows a cue in a window, over and over, with its sound in time, and again whenever one of its files is saved.\n"
-      "SOURCE is a cue's directory, an animation.json, a folder of SVG files or one SVG file, which are imported.\n"
+      "SOURCE is a cue's directory, an animation.json, a folder of SVG files, one SVG file or a motion file, which "
+      "are\n"
+      "imported.\n"
       "Keys: space pauses, left and right step, home and end, up and down change the speed; b ground, o neighbours,\n"
       "f fit or 1:1, s source beside the result, c findings, h all keys, Escape closes. The time line is clicked and\n"
       "dragged. At the end it prints how many frames were shown in time, and how many were not.\n"
@@ -120,7 +122,8 @@ int preview(int argc, char** argv) {
       "unusable arguments.";
   commandLine.minimumPositional = commandLine.maximumPositional = 1;
   commandLine.options = {
-      {"fps", "N", "frames in a second, where no play_config.json tells (60)", setNumber(rate, 1, 1000)},
+      {"fps", "N", "frames in a second, where no play_config.json tells (60; of a motion file its own)",
+       setNumber(rate, 1, 1000)},
       {"size", "WxH", "size of the window in pixels (720x860)", setSize(windowOptions.size)},
       {"scale", "N", "pixels to a unit of lettering and time line, 1 to 4 (the display's own)", setNumber(scale, 1, 4)},
   };
@@ -128,7 +131,7 @@ int preview(int argc, char** argv) {
   if (parsed.exitStatus) return *parsed.exitStatus;
   options.path = parsed.positional[0];
   if (options.path.empty()) return usageError("preview", "SOURCE is empty");
-  options.framesPerSecond = static_cast<double>(rate);
+  if (rate > 0) options.framesPerSecond = static_cast<double>(rate);
   if (scale > 0) windowOptions.scale = static_cast<double>(scale);
   return show(options, windowOptions);
 }

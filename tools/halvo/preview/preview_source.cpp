@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "assets/halvo_file_manager.h"
+#include "import/motion_frames.h"
 #include "import/ordered_work.h"
 #include "import/sources.h"
 #include "input.h"
@@ -17,6 +18,7 @@
 #include "platform/foundation/memory/limits.h"
 #include "platform/foundation/storage/file_descriptor.h"
 #include "platform/foundation/storage/file_manager.h"
+#include "preview/motion_drawings.h"
 
 namespace halvo {
 
@@ -72,9 +74,10 @@ Result<std::shared_ptr<const PreviewSource>> SourceReader::read(const PreviewPro
   const std::string& path = options_.path;
   if (!FileManager::fileExistsAtPath(path)) return problemIn(path, posixError(ENOENT).localizedDescription);
   if (isStream(path)) return problemIn(path, "a file or a directory is needed, which can be read again");
-  const bool isCue =
-      FileManager::directoryExistsAtPath(path) ? FileManager::fileExistsAtPath(path + "/animation.json") : !isDrawing();
-  auto read = isCue ? readCue() : readDrawings(progress);
+  const bool isFolder = FileManager::directoryExistsAtPath(path);
+  const bool isMotion = !isFolder && isMotionFile(path);
+  const bool isCue = isFolder ? FileManager::fileExistsAtPath(path + "/animation.json") : !isDrawing();
+  auto read = isMotion ? readMotion(progress) : isCue ? readCue() : readDrawings(progress);
   if (!read) return read.error();
   read->texts = std::make_shared<const std::vector<std::string>>(std::exchange(read->parts.frames, {}));
   auto frames = parseTexts(read->texts);
@@ -82,7 +85,7 @@ Result<std::shared_ptr<const PreviewSource>> SourceReader::read(const PreviewPro
   read->frames = std::move(*frames);
   setAbsentApart(*read);
   keepLastGood(*read);
-  if (!read->parts.times) read->parts.times = evenTimes(read->frames.size(), options_.framesPerSecond);
+  if (!read->parts.times) read->parts.times = evenTimes(read->frames.size(), options_.framesPerSecond.value_or(60));
   read->times = LoopTimes(*read->parts.times, read->parts.duration());
   last_ = std::make_shared<const PreviewSource>(std::move(*read));
   return last_;
@@ -140,8 +143,20 @@ Result<PreviewSource> SourceReader::readDrawings(const PreviewProgress& progress
   }
   auto drawings = importDrawings(std::get<0>(listed), progress);
   if (!drawings) return drawings.error();
+  return sourceOf(std::move(*drawings));
+}
+
+Result<PreviewSource> SourceReader::readMotion(const PreviewProgress& progress) {
+  auto motion = importMotion(options_.path, options_.framesPerSecond, stampOf(options_.path), progress, isStopped_);
+  if (!motion) return motion.error();
+  PreviewSource source = sourceOf(std::move(motion->drawings));
+  source.parts.times = std::move(motion->times);
+  return source;
+}
+
+PreviewSource SourceReader::sourceOf(Drawings drawings) const {
   PreviewSource source;
-  source.drawings = std::move(*drawings);
+  source.drawings = std::move(drawings);
   source.directory = std::filesystem::path(source.drawings.front()->file).parent_path();
   std::filesystem::path named = std::filesystem::path(options_.path).lexically_normal();
   if (!named.has_filename()) named = named.parent_path();
@@ -181,7 +196,7 @@ Result<SourceReader::Drawings> SourceReader::importDrawings(const std::vector<st
       return false;
     }
     fresh[file] =
-        std::make_shared<const ImportedDrawing>(ImportedDrawing{file, stamp, std::get<ArtFrame>(std::move(art))});
+        std::make_shared<const ImportedDrawing>(ImportedDrawing{file, stamp, std::get<ArtFrame>(std::move(art)), {}});
     if (progress) progress(fresh.size(), files.size());
     if (isStopped_) problem = problemIn(file, "not read to the end");
     return !problem;

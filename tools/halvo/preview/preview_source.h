@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@ struct ImportedDrawing {
   std::string file;
   std::string stamp;  // another one when the file has been written since
   ArtFrame frame;
+  std::optional<std::size_t> motionFrame = {};  // of a motion file: which of its frames, from 0
 };
 
 // What a preview shows. Never changed once it is read.
@@ -38,7 +40,7 @@ struct PreviewSource {
 
 struct PreviewOptions {
   std::string path;
-  double framesPerSecond = 60;  // where nothing else says how long frames last
+  std::optional<double> framesPerSecond = {};  // where nothing else says how long frames last
 };
 
 // Called now and then during long work.
@@ -59,11 +61,13 @@ class SourceReader {
   using Drawings = std::vector<std::shared_ptr<const ImportedDrawing>>;
 
   quellaro::Result<PreviewSource> readCue() const;
+  quellaro::Result<PreviewSource> readMotion(const PreviewProgress& progress);
   quellaro::Result<PreviewSource> readDrawings(const PreviewProgress& progress);
   quellaro::Result<Drawings> importDrawings(const std::vector<std::string>& files, const PreviewProgress& progress);
   void keepLastGood(PreviewSource& source) const;
   void setAbsentApart(PreviewSource& source);
   bool isDrawing() const;
+  PreviewSource sourceOf(Drawings drawings) const;
 
   PreviewOptions options_;
   std::map<std::string, std::shared_ptr<const ImportedDrawing>> imported_;

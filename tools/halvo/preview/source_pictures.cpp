@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "import/motion_frames.h"
 #include "platform/dispatch/main_queue.h"
 
 namespace halvo {
@@ -37,17 +38,18 @@ const Bitmap* SourcePictures::show(const ImportedDrawing& drawing, int side) {
 
 void SourcePictures::begin(const ImportedDrawing& drawing, int side) {
   if (std::exchange(isDrawing_, true)) return;
-  queue_.async([weak = std::weak_ptr(self_), file = drawing.file, stamp = drawing.stamp, side] {
-    const auto picture = std::make_shared<Picture>(Picture{file, stamp, side, {}, ""});
-    auto drawn = drawSourceFile(file, side);
-    if (auto* bitmap = std::get_if<Bitmap>(&drawn))
-      picture->bitmap = std::move(*bitmap);
-    else
-      picture->problem = std::get<ArtError>(drawn).reason;
-    MainQueue::shared().async([weak, picture] {
-      if (const auto self = weak.lock()) (*self)->arrive(std::move(*picture));
-    });
-  });
+  queue_.async(
+      [weak = std::weak_ptr(self_), file = drawing.file, stamp = drawing.stamp, frame = drawing.motionFrame, side] {
+        const auto picture = std::make_shared<Picture>(Picture{file, stamp, frame, side, {}, ""});
+        auto drawn = frame ? drawMotionFrame(file, *frame, side) : drawSourceFile(file, side);
+        if (auto* bitmap = std::get_if<Bitmap>(&drawn))
+          picture->bitmap = std::move(*bitmap);
+        else
+          picture->problem = std::get<ArtError>(drawn).reason;
+        MainQueue::shared().async([weak, picture] {
+          if (const auto self = weak.lock()) (*self)->arrive(std::move(*picture));
+        });
+      });
 }
 
 void SourcePictures::arrive(Picture picture) {

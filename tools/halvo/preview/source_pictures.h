@@ -31,12 +31,13 @@ class SourcePictures {
   struct Picture {
     std::string file;
     std::string stamp;
+    std::optional<std::size_t> motionFrame;
     int side = 0;
     quellaro::Bitmap bitmap;
     std::string problem;
 
     bool isOf(const ImportedDrawing& drawing, int wanted) const {
-      return file == drawing.file && stamp == drawing.stamp && side == wanted;
+      return file == drawing.file && stamp == drawing.stamp && motionFrame == drawing.motionFrame && side == wanted;
     }
   };
 

@@ -43,13 +43,26 @@ void OnsetListener::finishStep() {
 }
 
 std::vector<double> OnsetListener::onsets() const {
-  std::vector<double> found;
+  std::vector<double> moments;
+  for (const Onset& onset : beginnings()) moments.push_back(onset.seconds);
+  return moments;
+}
+
+std::vector<Onset> OnsetListener::beginnings() const {
+  std::vector<Onset> found;
   std::size_t last = 0;
   for (std::size_t i = 0; i < levels_.size(); ++i) {
     float before = kSilence;
     for (std::size_t back = 1; back <= std::min(i, kMemory); ++back) before = std::max(before, levels_[i - back]);
     if (levels_[i] < kQuietest || levels_[i] < before + kRise) continue;
-    if (found.empty() || i - last >= kApart) found.push_back(static_cast<double>(i) * kStep);
+    if (found.empty() || i - last >= kApart) {
+      const auto begin = levels_.begin() + static_cast<std::ptrdiff_t>(i);
+      const auto end = begin + static_cast<std::ptrdiff_t>(std::min(kMemory, levels_.size() - i));
+      const double peak = static_cast<double>(*std::max_element(begin, end));
+      const double base = static_cast<double>(before);
+      const double attack = (static_cast<double>(levels_[i]) - base) / (peak - base);
+      found.push_back({static_cast<double>(i) * kStep, peak, attack});
+    }
     last = i;
   }
   return found;

@@ -8,6 +8,13 @@
 
 namespace halvo {
 
+// A moment at which something begins to sound.
+struct Onset {
+  double seconds = 0;
+  double level = 0;   // dB of full scale, at its loudest right after
+  double attack = 0;  // from 0 to 1: how much of its rise it takes at once
+};
+
 // Listens for where something begins to sound: a note, a beat, a word. Gives each moment to some milliseconds.
 class OnsetListener {
  public:
@@ -16,6 +23,8 @@ class OnsetListener {
   void add(std::span<const float> samples);
   // Seconds, ascending, of all that went through.
   std::vector<double> onsets() const;
+  // The same moments, and how they sound.
+  std::vector<Onset> beginnings() const;
 
  private:
   void finishStep();

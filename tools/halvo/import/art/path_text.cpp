@@ -57,12 +57,16 @@ void PathText::add(const Contour& contour, bool isStroke) {
   if (isClosed && !segments.empty() && segments.back()->isLine && at == start) segments.pop_back();
   if (segments.empty() || (!isStroke && segments.size() < 2 && segments.front()->isLine)) return;
   move(start);
+  const bool landsOnStart = isStroke && contour.isClosed && at == start;
   for (const Segment* segment : segments) {
+    // Relative numbers add up to nearly the start: to a side of no length, which turns anywhere and shows its corner.
+    isAbsolute_ = landsOnStart && segment == segments.back();
     if (segment->isLine)
       line(rounded(segment->end));
     else
       curve(rounded(segment->control1), rounded(segment->control2), rounded(segment->end));
   }
+  isAbsolute_ = false;
   if (!isStroke || !contour.isClosed) return;
   text_ += last_ = 'z';
   isSmooth_ = false;
@@ -134,7 +138,7 @@ void PathText::command(char letter, std::span<const std::int64_t> absolute, std:
   const char small = static_cast<char>(std::tolower(letter));
   const std::string far = form(letter, absolute);
   const std::string near = form(small, {relative.data(), absolute.size()});
-  const bool isNear = near.size() <= far.size();
+  const bool isNear = !isAbsolute_ && near.size() <= far.size();
   text_ += isNear ? near : far;
   last_ = isNear ? small : letter;
 }

@@ -42,6 +42,7 @@ class PathText {
   // What a smooth curve goes on from.
   Place control_;
   bool isSmooth_ = false;
+  bool isAbsolute_ = false;
   std::size_t points_ = 0;
 };
 
