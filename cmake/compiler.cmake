@@ -17,6 +17,10 @@ set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
 
 # The same arithmetic on every machine: no fused multiply-add behind our back.
 add_compile_options(-ffp-contract=off)
+# Where pointers have 32 bits, files and dates beyond 2 GB and the year 2038 all the same.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
 # So that the linker can leave out what nobody calls.
 add_compile_options(-ffunction-sections -fdata-sections)
 # A warning stops only those who develop (CMakePresets.json): a newer compiler's opinion must not stop anybody else.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -14,8 +15,8 @@ class CueSets {
  public:
   // Which directory lies in a cue's place, if one does; another one never has the same.
   struct Identity {
-    unsigned long device = 0;
-    unsigned long inode = 0;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
     long long modifiedSeconds = 0;
     long modifiedNanoseconds = 0;
     friend bool operator==(const Identity&, const Identity&) = default;

@@ -13,7 +13,7 @@ bool isSameField(std::string_view a, std::string_view b) {
 }
 
 bool isFieldValue(std::string_view value) {
-  return std::none_of(value.begin(), value.end(), [](char c) { return c == 0x7f || (c >= 0 && c < ' ' && c != '\t'); });
+  return std::none_of(value.begin(), value.end(), [](unsigned char c) { return c == 0x7f || (c < ' ' && c != '\t'); });
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -26,7 +27,7 @@ class NSUserDefaults {
  private:
   // What identifies one version of the file.
   struct FileVersion {
-    unsigned long inode = 0;
+    std::uint64_t inode = 0;
     long long seconds = 0;
     long nanoseconds = 0;
     long long size = -1;

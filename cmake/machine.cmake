@@ -1,0 +1,31 @@
+# Builds for another machine than this one, with Debian's cross compiler and against a root of that machine's packages
+# (scripts/check-machine makes one), whose programs run under Debian's qemu-user. QUELLARO_MACHINE and QUELLARO_MACHINE_ROOT
+# say which: the presets arm64 and armhf set both.
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES QUELLARO_MACHINE QUELLARO_MACHINE_ROOT)
+set(CMAKE_SYSTEM_NAME Linux)
+if(QUELLARO_MACHINE STREQUAL "arm64")
+  set(CMAKE_SYSTEM_PROCESSOR aarch64)
+  set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)
+  set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L ${QUELLARO_MACHINE_ROOT})
+elseif(QUELLARO_MACHINE STREQUAL "armhf")
+  set(CMAKE_SYSTEM_PROCESSOR armv7l)
+  set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
+  set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm -L ${QUELLARO_MACHINE_ROOT})
+else()
+  message(FATAL_ERROR "QUELLARO_MACHINE is arm64 or armhf, not \"${QUELLARO_MACHINE}\"")
+endif()
+set(CMAKE_C_COMPILER ${CMAKE_LIBRARY_ARCHITECTURE}-gcc)
+set(CMAKE_CXX_COMPILER ${CMAKE_LIBRARY_ARCHITECTURE}-g++)
+set(CMAKE_STRIP ${CMAKE_LIBRARY_ARCHITECTURE}-strip)
+
+if(NOT IS_DIRECTORY "${QUELLARO_MACHINE_ROOT}/usr/include")
+  message(FATAL_ERROR "There is no root of ${QUELLARO_MACHINE} at \"${QUELLARO_MACHINE_ROOT}\": scripts/check-machine makes one")
+endif()
+set(CMAKE_SYSROOT ${QUELLARO_MACHINE_ROOT})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(ENV{PKG_CONFIG_SYSROOT_DIR} ${QUELLARO_MACHINE_ROOT})
+set(ENV{PKG_CONFIG_LIBDIR}
+  ${QUELLARO_MACHINE_ROOT}/usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/pkgconfig:${QUELLARO_MACHINE_ROOT}/usr/share/pkgconfig)
