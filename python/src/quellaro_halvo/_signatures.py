@@ -1,7 +1,7 @@
 # Made from quellaro_halvo.h by scripts/python-signatures, and not to be edited: run that again.
 """The C interface for ctypes. Names are the header's, without their common prefix."""
 from collections.abc import Callable
-from ctypes import CFUNCTYPE, POINTER, Structure, c_bool, c_char_p, c_double, c_int, c_int32, c_int64, c_size_t, c_uint64, c_void_p
+from ctypes import CFUNCTYPE, POINTER, Structure, c_bool, c_char_p, c_double, c_int, c_int32, c_int64, c_size_t, c_uint32, c_uint64, c_void_p
 from enum import IntEnum
 from typing import Any
 
@@ -55,6 +55,21 @@ class Status(IntEnum):
     HAPTICS_PLAY_FAILED = 910
 
 
+class Sound(IntEnum):
+    NONE = 0
+    HEARD = 1
+    MUTED = 2
+    NO_SERVER = 3
+    BROKEN_OFF = 4
+    UNDECODABLE = 5
+
+
+class LogLevel(IntEnum):
+    ERROR = 1
+    WARNING = 2
+    INFO = 3
+
+
 class Rectangle(Structure):
     _fields_ = [
         ("x", c_double),
@@ -72,6 +87,7 @@ NeedsDisplayHandler = CFUNCTYPE(None, c_void_p, c_void_p)
 Completion = CFUNCTYPE(None, c_int64, c_void_p)
 NotificationHandler = CFUNCTYPE(None, c_char_p, c_void_p)
 ConsoleSink = CFUNCTYPE(None, c_char_p, c_void_p)
+LogSink = CFUNCTYPE(None, c_int32, c_char_p, c_void_p)
 
 
 class Functions:
@@ -86,6 +102,7 @@ class Functions:
     set_library_directory: Callable[[bytes | None], int]
     set_application_identifier: Callable[[bytes | None], int]
     use_real_devices: Callable[[], int]
+    set_sound_name: Callable[[bytes | None], int]
     use_simulated_devices: Callable[[float, bool], int]
     merchant_create: Callable[[bytes | None, bytes | None, bytes | None, Any, int, bytes | None], int | None]
     merchant_release: Callable[[Any], None]
@@ -120,6 +137,9 @@ class Functions:
     controller_play: Callable[[Any, Any, Any, Any], int]
     controller_prepared_halvo_cue: Callable[[Any], bytes | None]
     controller_set_prepared_halvo_cue: Callable[[Any, bytes | None], int]
+    controller_failure_reason: Callable[[Any], bytes | None]
+    controller_last_sound: Callable[[Any], int]
+    controller_duration: Callable[[Any], float]
     controller_is_playing: Callable[[Any], bool]
     controller_set_is_playing: Callable[[Any, bool], int]
     observe_audio_session_deactivated: Callable[[Any, Any], int]
@@ -132,7 +152,9 @@ class Functions:
     loop_run_until_idle: Callable[[int], int]
     loop_stop: Callable[[], None]
     set_console_sink: Callable[[Any, Any], int]
+    set_log_sink: Callable[[Any, int, Any], int]
     version: Callable[[], bytes | None]
+    version_number: Callable[[], int]
     build_report: Callable[[], bytes | None]
 
 
@@ -146,6 +168,7 @@ SIGNATURES: dict[str, tuple[Any, ...]] = {
     "set_library_directory": (c_int32, c_char_p),
     "set_application_identifier": (c_int32, c_char_p),
     "use_real_devices": (c_int32,),
+    "set_sound_name": (c_int32, c_char_p),
     "use_simulated_devices": (c_int32, c_double, c_bool),
     "merchant_create": (c_void_p, c_char_p, c_char_p, c_char_p, POINTER(c_char_p), c_size_t, c_char_p),
     "merchant_release": (None, c_void_p),
@@ -180,6 +203,9 @@ SIGNATURES: dict[str, tuple[Any, ...]] = {
     "controller_play": (c_int32, c_void_p, c_void_p, Completion, c_void_p),
     "controller_prepared_halvo_cue": (c_char_p, c_void_p),
     "controller_set_prepared_halvo_cue": (c_int32, c_void_p, c_char_p),
+    "controller_failure_reason": (c_char_p, c_void_p),
+    "controller_last_sound": (c_int64, c_void_p),
+    "controller_duration": (c_double, c_void_p),
     "controller_is_playing": (c_bool, c_void_p),
     "controller_set_is_playing": (c_int32, c_void_p, c_bool),
     "observe_audio_session_deactivated": (c_uint64, NotificationHandler, c_void_p),
@@ -192,6 +218,8 @@ SIGNATURES: dict[str, tuple[Any, ...]] = {
     "loop_run_until_idle": (c_int32, c_int),
     "loop_stop": (None,),
     "set_console_sink": (c_int32, ConsoleSink, c_void_p),
+    "set_log_sink": (c_int32, LogSink, c_int32, c_void_p),
     "version": (c_char_p,),
+    "version_number": (c_uint32,),
     "build_report": (c_char_p,),
 }
