@@ -12,7 +12,7 @@ namespace quellaro {
 #ifdef QUELLARO_EXPECT_MAIN_THREAD
 void expectMainThread() noexcept {
   static const std::thread::id mainThread = std::this_thread::get_id();
-  if (mainThread == std::this_thread::get_id()) return;
+  if (mainThread == std::this_thread::get_id() || MainQueue::isInherited()) return;
   std::fputs("QuellaroHalvo: a call from another thread than the first, which quellaro_halvo.h does not allow\n",
              stderr);
   std::abort();
