@@ -1,6 +1,5 @@
 #include "analytics/analytics_manager.h"
 
-#include <functional>
 #include <new>
 #include <utility>
 
@@ -41,7 +40,7 @@ void MixpanelAnalyticsManager::recordPlay(const std::optional<std::string>& cueN
       return;
     }
   };
-  serialAccessQueue->sync(std::ref(work));
+  serialAccessQueue->sync(work);
 }
 
 }  // namespace quellaro

@@ -81,20 +81,17 @@ void SerialQueue::async(Work work) {
   state_->workerRunning = true;
 }
 
-void SerialQueue::sync(const Work& work) {
+void SerialQueue::beginTurn() {
   State& state = *state_;
-  {
-    std::unique_lock lock(state.mutex);
-    state.turn.wait(lock, [&] { return !state.busy && state.items.empty(); });
-    state.busy = true;
-  }
-  // Also when the work throws: whoever comes next would wait for ever.
-  const Undo release([&] {
-    const std::lock_guard lock(state.mutex);
-    state.busy = false;
-    state.turn.notify_all();
-  });
-  work();
+  std::unique_lock lock(state.mutex);
+  state.turn.wait(lock, [&] { return !state.busy && state.items.empty(); });
+  state.busy = true;
+}
+
+void SerialQueue::endTurn() {
+  const std::lock_guard lock(state_->mutex);
+  state_->busy = false;
+  state_->turn.notify_all();
 }
 
 }  // namespace quellaro

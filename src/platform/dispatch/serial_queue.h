@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/dispatch/guard.h"
 #include "platform/dispatch/main_queue.h"
 
 namespace quellaro {
@@ -25,10 +26,19 @@ class SerialQueue {
   // Throws, and forgets the work, when no thread can be started. What the work throws ends with it.
   void async(Work work);
   // Runs the work on the calling thread, after everything that was queued before. Never from work on this queue: it
-  // would wait for itself. What the work throws comes out of here.
-  void sync(const Work& work);
+  // would wait for itself. What the work throws comes out of here. Needs no memory.
+  template <class Call>
+  void sync(const Call& work) {
+    beginTurn();
+    // Also when the work throws: whoever comes next would wait for ever.
+    const Undo end([this] { endTurn(); });
+    work();
+  }
 
  private:
+  void beginTurn();
+  void endTurn();
+
   struct State;
   std::shared_ptr<State> state_;
 };
