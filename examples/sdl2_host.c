@@ -12,6 +12,8 @@ struct host {
   quellaro_halvo_view* view;
   quellaro_halvo_status answer;
   SDL_Window* window;
+  SDL_Renderer* renderer;
+  SDL_Texture* texture;
   Uint32 halvo_event;
   SDL_sem* drained;
 };
@@ -28,17 +30,25 @@ static int watch(void* context) {
   return 0;
 }
 
-// The window's surface has a pixel for each of the screen's, for the window asks for that (SDL_WINDOW_ALLOW_HIGHDPI).
+// What the renderer puts out has a pixel for each of the screen's, for the window asks for that
+// (SDL_WINDOW_ALLOW_HIGHDPI); the window's size, and on some displays its surface, are in larger units.
 static void draw(quellaro_halvo_view* view, void* context) {
   struct host* host = context;
-  SDL_Surface* screen = SDL_GetWindowSurface(host->window);
-  SDL_Surface* picture = SDL_CreateRGBSurfaceWithFormat(0, screen->w, screen->h, 32, SDL_PIXELFORMAT_ARGB8888);
-  quellaro_halvo_view_set_size(view, picture->w, picture->h);
-  quellaro_halvo_view_draw(view, picture->pixels, picture->w, picture->h, (size_t)picture->pitch);
-  SDL_SetSurfaceBlendMode(picture, SDL_BLENDMODE_NONE);
-  SDL_BlitSurface(picture, NULL, screen, NULL);
-  SDL_FreeSurface(picture);
-  SDL_UpdateWindowSurface(host->window);
+  int width = 0, height = 0, texture_width = 0, texture_height = 0, pitch = 0;
+  void* pixels = NULL;
+  SDL_GetRendererOutputSize(host->renderer, &width, &height);
+  if (host->texture != NULL) SDL_QueryTexture(host->texture, NULL, NULL, &texture_width, &texture_height);
+  if (width != texture_width || height != texture_height) {
+    if (host->texture != NULL) SDL_DestroyTexture(host->texture);
+    host->texture =
+        SDL_CreateTexture(host->renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, width, height);
+    quellaro_halvo_view_set_size(view, width, height);
+  }
+  if (host->texture == NULL || SDL_LockTexture(host->texture, NULL, &pixels, &pitch) != 0) return;
+  quellaro_halvo_view_draw(view, pixels, width, height, (size_t)pitch);
+  SDL_UnlockTexture(host->texture);
+  SDL_RenderCopy(host->renderer, host->texture, NULL, NULL);
+  SDL_RenderPresent(host->renderer);
 }
 
 static void finish(quellaro_halvo_status status, void* context) {
@@ -75,7 +85,8 @@ int main(int argc, char** argv) {
   (void)argc, (void)argv;
   if (SDL_Init(SDL_INIT_VIDEO) != 0 ||
       !(host.window = SDL_CreateWindow("Cue", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, side, side,
-                                       SDL_WINDOW_ALLOW_HIGHDPI))) {
+                                       SDL_WINDOW_ALLOW_HIGHDPI)) ||
+      !(host.renderer = SDL_CreateRenderer(host.window, -1, 0))) {
     fprintf(stderr, "%s\n", SDL_GetError());
     return 1;
   }
