@@ -40,7 +40,7 @@ TEST_F(Upgrade, FourBodiesWithoutEndTakeLittleMemoryAndReplaceNothing) {
   installActive("1");
   const std::string flood(1 << 20, 'x');
   for (const char* name : kCueFiles)
-    answer(std::string("/q/7/") + name, [&](const auto&, const auto& connection) {
+    answer(std::string("/q/7/") + name, [flood](const auto&, const auto& connection) {
       connection.send("HTTP/1.1 200 OK\r\n\r\n");
       while (connection.send(flood)) continue;
     });
