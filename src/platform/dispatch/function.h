@@ -14,7 +14,7 @@ class Function;
 
 // A call to be made later, with what it has captured. Copies share their captures and cost no memory, so that handing
 // one on cannot fail; what is captured need not be copyable. std::function keeps type information, a copier and a
-// second form of storage for every lambda, which made the shared library 10 KB larger. Calling an empty one is an
+// second form of storage for every lambda, which made the shared library 11 KB larger. Calling an empty one is an
 // error of the caller's. Copies may be made, called and dropped on different threads; what they call is not locked.
 template <typename R, typename... Arguments>
 class Function<R(Arguments...)> {
