@@ -14,6 +14,7 @@ struct host {
   SDL_Window* window;
   SDL_Renderer* renderer;
   SDL_Texture* texture;
+  int halvo_descriptor;
   Uint32 halvo_event;
   SDL_sem* drained;
 };
@@ -21,7 +22,7 @@ struct host {
 // One event for each time that there is work; the next one when that has been done. Lives as long as the process.
 static int watch(void* context) {
   struct host* host = context;
-  struct pollfd descriptor = {quellaro_halvo_loop_descriptor(), POLLIN, 0};
+  struct pollfd descriptor = {host->halvo_descriptor, POLLIN, 0};
   while (poll(&descriptor, 1, -1) > 0) {
     SDL_Event event = {.type = host->halvo_event};
     SDL_PushEvent(&event);
@@ -92,6 +93,8 @@ int main(int argc, char** argv) {
   }
   host.view = quellaro_halvo_view_create();
   host.controller = quellaro_halvo_controller_create();
+  // Asked for on this thread, as almost all calls are made.
+  host.halvo_descriptor = quellaro_halvo_loop_descriptor();
   host.halvo_event = SDL_RegisterEvents(1);
   host.drained = SDL_CreateSemaphore(0);
   SDL_DetachThread(SDL_CreateThread(watch, "cue", &host));
