@@ -6,6 +6,7 @@ import cue  # noqa: F401  (its devices and directories)
 import numpy
 import quellaro_halvo as halvo
 from PyQt6.QtGui import QImage
+from quellaro_halvo import library_version
 
 SIDE = 8
 WHITE, EMPTY = b"\xff" * 4, b"\0" * 4
@@ -110,7 +111,7 @@ class Faces(unittest.TestCase):
         self.assertRegex("".join(printed), r"^===> 0.0 Animation started at [\d.]+\n===> [\d.]+ Animation ended at [\d.]+\n$")
 
     def test_what_it_tells_about_itself(self):
-        self.assertEqual(halvo.library_version(), halvo.__version__)
+        self.assertEqual(library_version(), halvo.__version__)
         self.assertEqual(halvo.status_name(halvo.Status.SUCCESS_WITH_FALLBACK), "successWithFallback")
         self.assertEqual({status.name for status in halvo.Status},
                          {"".join("_" + c if c.isupper() else c.upper() for c in halvo.status_name(status)) for status in halvo.Status})
