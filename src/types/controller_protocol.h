@@ -4,9 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "types/halvo_enums.h"
-
 #include "platform/dispatch/function.h"
+#include "types/halvo_enums.h"
 
 namespace quellaro {
 

@@ -85,14 +85,7 @@ FilmProgram::~FilmProgram() {
   waitpid(process_, nullptr, 0);
 }
 
-bool FilmProgram::feed(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(input_.get(), bytes.data(), bytes.size());
-    if (written < 0 && errno != EINTR) return false;
-    if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
+bool FilmProgram::feed(std::string_view bytes) { return writeAll(input_.get(), bytes); }
 
 std::optional<NSError> FilmProgram::finish() {
   input_ = FileDescriptor();

@@ -114,12 +114,7 @@ bool moveInto(const std::string& staged, const std::string& target) {
 std::optional<NSError> writeWhole(std::string_view bytes, const std::string& path) {
   const FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0666));
   if (!file) return posixError(errno);
-  while (!bytes.empty()) {
-    const ssize_t count = write(file.get(), bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return posixError(errno);
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
+  if (!writeAll(file.get(), bytes)) return posixError(errno);
   if (fsync(file.get()) != 0) return posixError(errno);
   return std::nullopt;
 }

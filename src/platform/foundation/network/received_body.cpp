@@ -33,7 +33,7 @@ std::optional<URLErrorCode> ReceivedBody::append(std::string_view bytes) {
   if (isLarge && !file_ && !moveToFile()) return URLErrorCode::CannotWriteToFile;
   if (!file_)
     memory_ += bytes;
-  else if (!write(bytes))
+  else if (!writeAll(file_.get(), bytes))
     return URLErrorCode::CannotWriteToFile;
   size_ += bytes.size();
   return std::nullopt;
@@ -41,16 +41,7 @@ std::optional<URLErrorCode> ReceivedBody::append(std::string_view bytes) {
 
 bool ReceivedBody::moveToFile() {
   file_ = openWithoutName(bounds_.directory);
-  return file_ && write(std::exchange(memory_, {}));
-}
-
-bool ReceivedBody::write(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(file_.get(), bytes.data(), bytes.size());
-    if (count < 0 && errno != EINTR) return false;
-    if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
+  return file_ && writeAll(file_.get(), std::exchange(memory_, {}));
 }
 
 std::optional<std::string> ReceivedBody::take() {

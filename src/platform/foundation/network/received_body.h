@@ -33,7 +33,6 @@ class ReceivedBody {
 
  private:
   bool moveToFile();
-  bool write(std::string_view bytes);
 
   BodyBounds bounds_;
   std::size_t size_ = 0;

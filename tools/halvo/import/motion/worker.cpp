@@ -24,6 +24,7 @@ namespace halvo::motion {
 namespace {
 
 using quellaro::FileDescriptor;
+using quellaro::writeAll;
 
 // Of the process. Honest files take a tenth at most.
 constexpr rlim_t kMostMemory = rlim_t{1} << 30;  // on top of what the tool had
@@ -62,17 +63,6 @@ void confine(int output) {
   if (const rlim_t used = memoryInUse(); used > 0) limit(RLIMIT_AS, used + kMostMemory);
 }
 
-bool writeAll(int file, const char* bytes, std::size_t count) {
-  while (count > 0) {
-    const ssize_t written = write(file, bytes, count);
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    bytes += written;
-    count -= static_cast<std::size_t>(written);
-  }
-  return true;
-}
-
 // The child's whole life.
 [[noreturn]] void renderAll(const std::string& text, const std::vector<std::size_t>& frames, const RenderFrame& render,
                             int output) {
@@ -83,8 +73,7 @@ bool writeAll(int file, const char* bytes, std::size_t count) {
       const std::string bytes = render(renderer, frame);
       if (bytes.empty()) _exit(kUnreadable);
       const auto size = static_cast<std::uint32_t>(bytes.size());
-      if (!writeAll(3, reinterpret_cast<const char*>(&size), sizeof size) || !writeAll(3, bytes.data(), bytes.size()))
-        _exit(1);
+      if (!writeAll(3, {reinterpret_cast<const char*>(&size), sizeof size}) || !writeAll(3, bytes)) _exit(1);
     }
     _exit(0);
   } catch (const std::bad_alloc&) {
